@@ -1,0 +1,22 @@
+# Headers, libraries, the CMake package and the pkg-config file.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cvcells)
+install(TARGETS cvcells cvcells_host EXPORT cvcellsTargets)
+install(EXPORT cvcellsTargets NAMESPACE cvcells:: DESTINATION ${package_dir})
+install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cvcells
+        FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE)
+install(DIRECTORY host DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cvcells FILES_MATCHING PATTERN "*.h")
+if(TARGET cvcells_program)
+    install(TARGETS cvcells_program)
+endif()
+
+configure_package_config_file(cmake/cvcellsConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/cvcellsConfig.cmake
+                              INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/cvcellsConfigVersion.cmake
+                                 COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/cvcellsConfig.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/cvcellsConfigVersion.cmake DESTINATION ${package_dir})
+
+configure_file(cmake/cvcells.pc.in ${CMAKE_CURRENT_BINARY_DIR}/cvcells.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/cvcells.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,516 @@
+#include "core/CCCell.h"
+
+#include "core/CCCellManager.h"
+#include "core/Context.h"
+#include "core/Guards.h"
+#include "core/ValueCompare.h"
+#include "format/FormatTables.h"
+#include "formula/CCConstFormula.h"
+#include "formula/CCOpFormula.h"
+#include "formula/CCRef3D.h"
+#include "formula/CCRefFormula.h"
+#include "formula/CCRefList.h"
+#include "formula/CCRemoteOpFormula.h"
+#include "platform/Resources.h"
+
+using cells::internal::SessionGuard;
+using Placed = std::unique_ptr<CCRef>;
+
+CCCell::CCCell(CCCell const & other)
+    : CCItem(other), m_nFormat(other.m_nFormat), m_bCircular(other.m_bCircular), m_Value(other.m_Value),
+      m_pFormula(other.m_pFormula ? other.m_pFormula->Copy() : nullptr) {}
+
+CCCell::~CCCell() = default;
+
+CCCellFormat const & CCCell::getCFmt() const { return *CCCellFormatTable::CCellFormats->GetAt(m_nFormat); }
+
+void CCCell::putCFmt(CCCellFormat const & format) { m_nFormat = CCCellFormatTable::CCellFormats->Add(format); }
+
+int CCCell::IsEmpty() const {
+    return m_Value.IsEmpty() && !IsFormulaLink() && getCFmt().IsEmpty() && CCItem::IsEmpty();
+}
+
+int CCCell::IsHidden(cells::CTX *) const { return m_nFormat ? getCFmt().IsHidden() : 0; }
+int CCCell::IsLocked(cells::CTX *) const { return m_nFormat ? getCFmt().IsLocked() : 0; }
+int CCCell::IsEditSource(cells::CTX *) const { return m_nFormat ? getCFmt().IsEditSource() : 0; }
+int CCCell::IsErrorHidden(cells::CTX *) const { return m_nFormat ? getCFmt().IsErrorHidden() : 0; }
+int CCCell::IsZeroHidden(cells::CTX *) const { return m_nFormat ? getCFmt().IsZeroHidden() : 0; }
+
+int CCCell::RefusesChange(cells::CTX * ctx) const {
+    CCCellManager * const manager = ctx->manager();
+    return manager && manager->IsProtLock(this, 1);
+}
+
+int CCCell::IsValueText(cells::CTX *) { return !m_Value.IsEmpty(); }
+int CCCell::IsFormulaText(cells::CTX *) { return IsFormulaLink() || !m_Value.IsEmpty(); }
+void CCCell::GetValue(CCCellValue & value) const { value.Set(m_Value); }
+void CCCell::OnChange(cells::CTX * ctx) {
+    if (CCCellManager * manager = ctx->manager()) manager->SetDirty();
+}
+
+CCRef * CCCell::MakeCellRef3D(cells::CTX * ctx, CCCell const * cell) {
+    CCRef const * const ref = cell->GetRef();
+    return ctx->manager() ? new CCRef3D(ctx, ref) : ref->Copy();
+}
+
+// Values
+
+int CCCell::SetValue(cells::CTX * ctx, CCCellValue const & value) {
+    CCCellManager * const manager = ctx->manager();
+    {
+        SessionGuard const session(manager);
+        bool const hadFormula = IsFormulaLink() != 0;
+        bool removed = false;
+        Placed const own(IsEditSource(ctx) && hadFormula && manager ? GetRef()->Copy() : nullptr);
+        CCFormula * const tree = own ? LoadFormula(ctx) : nullptr;
+        if (tree && tree->IsEditSourceRef(ctx, own.get())) {
+            manager->SetSourceValue(own.get(), value);
+        } else {
+            RemoveFormula(ctx);
+            removed = hadFormula;
+        }
+        if (!m_Value.IsEqual(value)) {
+            m_Value.Set(value);
+            UpdateNumberFormat(ctx);
+            OnChange(ctx);
+            if (manager) manager->InitIdleRecalc(this, 0);
+        } else if (removed && manager) {
+            manager->SetDirty(); // the formula is gone, although the value is the same
+        }
+    }
+    OnValueChanged(ctx);
+    return 1;
+}
+
+void CCCell::UpdateNumberFormat(cells::CTX *) {
+    if (m_nFormat == 0 || !m_Value.IsNumber()) return;
+    CCCellFormat const & format = getCFmt();
+    if (!format.IsNF()) return;
+    CCNumberFormat shown = m_Value.GetFormat();
+    if (format.GetSetMask() & kCellFormatNumber) {
+        shown = format.GetNFmt();
+    } else {
+        if (format.IsNFType()) shown.SetType(format.GetNFType());
+        if (format.IsNFPrecision()) shown.SetPrecision(format.GetNFPrecision());
+        if (format.IsNFCommas()) shown.SetCommas(format.GetNFCommas());
+        if ((format.IsNFPrecision() || format.IsNFCommas()) && shown.GetType() == C_NF_GENERAL)
+            shown.SetType(C_NF_NUMBER);
+    }
+    m_Value.Set(shown);
+}
+
+// Formulas
+
+int CCCell::IsValidFormula() const {
+    if (m_pFormula) return !m_bCircular;
+    return m_pFormulaData && m_pFormulaData[4] == kFormulaNormal;
+}
+
+uchar CCCell::GetFormulaType() const {
+    if (!m_pFormula) return kFormulaNone;
+    return m_bCircular ? kFormulaCircular : kFormulaNormal;
+}
+
+CCFormula * CCCell::LoadFormula(cells::CTX * ctx) {
+    if (!m_pFormula && m_pFormulaData) {
+        m_bCircular = m_pFormulaData[4] == kFormulaCircular;
+        m_pFormula.reset(ReadBlock(ctx));
+    }
+    return m_pFormula.get();
+}
+
+int CCCell::LoadFormula(cells::CTX * ctx, CCFormula *& formula, uchar & type) {
+    CCFormula const * const tree = LoadFormula(ctx);
+    formula = tree ? tree->Copy() : nullptr;
+    type = GetFormulaType();
+    return tree != nullptr;
+}
+
+void CCCell::StoreTree(CCFormula * formula) {
+    m_pFormula.reset(formula);
+    m_pFormulaData.reset();
+}
+
+void CCCell::RemoveFormula(cells::CTX * ctx) {
+    if (!IsFormulaLink()) return;
+    CCFormula * const tree = LoadFormula(ctx);
+    if (tree && !m_bCircular) {
+        Placed const place(MakeCellRef3D(ctx, this));
+        tree->UnRegisterDependents(ctx, place.get());
+    }
+    StoreTree(nullptr);
+    m_bCircular = false;
+}
+
+int CCCell::RegisterFormula(cells::CTX * ctx) {
+    CCFormula const * const tree = LoadFormula(ctx);
+    if (!tree) return 0;
+    Placed const place(MakeCellRef3D(ctx, this));
+    tree->RegisterDependents(ctx, place.get());
+    return 1;
+}
+
+int CCCell::UnregisterFormula(cells::CTX * ctx) {
+    CCFormula const * const tree = LoadFormula(ctx);
+    if (!tree) return 0;
+    Placed const place(MakeCellRef3D(ctx, this));
+    tree->UnRegisterDependents(ctx, place.get());
+    return 1;
+}
+
+// The result is built aside: a range over the own cell reads the old value, not half a sum.
+void CCCell::Compute(cells::CTX * ctx, CCFormula const & formula, CCRef const * place) {
+    CCCellValue result = m_Value;
+    EvalFormula(ctx, result, &formula, place);
+    m_Value.Swap(result);
+    UpdateNumberFormat(ctx);
+}
+
+void CCCell::FailToRegister(cells::CTX * ctx, CCRef const * place) {
+    m_pFormula->UnRegisterDependents(ctx, place);
+    TurnIntoText(ctx);
+    OnChange(ctx);
+    if (CCCellManager * manager = ctx->manager()) manager->InitIdleRecalc(this, 0);
+}
+
+// The text of the formula becomes the value, so that nothing is lost.
+void CCCell::TurnIntoText(cells::CTX * ctx) {
+    CString const text = FormulaString(ctx);
+    StoreTree(nullptr);
+    m_bCircular = false;
+    m_Value.Set(text);
+}
+
+void CCCell::MarkCircular(cells::CTX * ctx, CCRef const * place, int quiet) {
+    CCCellManager * const manager = ctx->manager();
+    m_pFormula->UnRegisterDependents(ctx, place);
+    m_bCircular = true;
+    if (m_pFormulaData) m_pFormulaData[4] = kFormulaCircular;
+    m_Value.Set(errCirc);
+    if (!manager) return;
+    manager->InitIdleRecalc(this, 0);
+    if (!quiet) manager->ErrorMessage(cells::kStringCircular);
+}
+
+int CCCell::SetFormula(cells::CTX * ctx, CCFormula const * formula, int quiet) {
+    if (!formula) return 0;
+    CCCellManager * const manager = ctx->manager();
+    int done = 0;
+    {
+        SessionGuard const session(manager);
+        std::unique_ptr<CCFormula> copy(formula->Copy()); // it may be the cell's own tree
+        RemoveFormula(ctx);
+        StoreTree(copy.release());
+        Placed const place(MakeCellRef3D(ctx, this));
+        if (IsEditSource(ctx) && !m_pFormula->IsEditSourceRef(ctx, place.get()) && !quiet && manager)
+            manager->ErrorMessage(cells::kStringNoEditSource);
+        if (!m_pFormula->RegisterDependents(ctx, place.get())) {
+            FailToRegister(ctx, place.get());
+        } else {
+            Compute(ctx, *m_pFormula, place.get());
+            if (IsCirc(ctx)) {
+                MarkCircular(ctx, place.get(), quiet);
+            } else {
+                if (manager) manager->InitFormulaRecalc(this);
+                m_bCircular = false;
+            }
+            OnChange(ctx);
+            done = 1;
+        }
+    }
+    OnValueChanged(ctx);
+    return done;
+}
+
+int CCCell::SetFormula1(cells::CTX * ctx, CCFormula const * formula) {
+    if (!formula) return 0;
+    int done = 0;
+    {
+        SessionGuard const session(ctx->manager());
+        Placed const place(MakeCellRef3D(ctx, this));
+        CCCellValue result = m_Value;
+        EvalFormula(ctx, result, formula, place.get());
+        std::unique_ptr<CCFormula> copy(formula->Copy());
+        RemoveFormula(ctx);
+        StoreTree(copy.release());
+        if (!m_pFormula->RegisterDependents(ctx, place.get())) {
+            FailToRegister(ctx, place.get());
+        } else {
+            m_Value.Set(result);
+            UpdateNumberFormat(ctx);
+            OnChange(ctx);
+            done = 1;
+        }
+    }
+    OnValueChanged(ctx);
+    return done;
+}
+
+int CCCell::StoreFormula(cells::CTX * ctx, std::unique_ptr<CCFormula> formula) {
+    RemoveFormula(ctx);
+    StoreTree(formula.release());
+    CCRef3D const place(ctx, GetRef());
+    if (m_pFormula->RegisterDependents(ctx, &place)) return 1;
+    FailToRegister(ctx, &place);
+    return 0;
+}
+
+void CCCell::Recalc(cells::CTX * ctx) {
+    CCFormula const * const tree = LoadFormula(ctx);
+    if (!tree) return;
+    CCCellValue other = m_Value; // the result, and after the exchange the value before
+    if (m_bCircular) {
+        other.Set(errCirc);
+    } else {
+        int const outer = CCRemoteOpFormula::RefRemoteChanged;
+        CCRemoteOpFormula::RefRemoteChanged = 0;
+        EvalFormula(ctx, other, tree, GetRef());
+        if (CCRemoteOpFormula::RefRemoteChanged) StoreTree(tree->Copy());
+        CCRemoteOpFormula::RefRemoteChanged = outer;
+    }
+    m_Value.Swap(other);
+    UpdateNumberFormat(ctx);
+    if (m_Value.IsEqual(other)) return;
+    OnChange(ctx);
+    OnValueChanged(ctx);
+}
+
+CCRefList * CCCell::GetPrecedents(cells::CTX * ctx) {
+    CCFormula const * const tree = LoadFormula(ctx);
+    if (!tree) return nullptr;
+    CCRefList * list = tree->GetPrecedents(ctx);
+    std::vector<CCFormula const *> stack{tree};
+    while (!stack.empty()) {
+        CCFormula const * const node = stack.back();
+        stack.pop_back();
+        if (node->GetType() < kOpFormula) continue;
+        if (node->GetType() == kRemoteOpFormula)
+            RefListAddLastItem(list, &static_cast<CCRemoteOpFormula const *>(node)->Remote());
+        for (auto const * args = static_cast<CCOpFormula const *>(node)->GetArgs(); args; args = args->next)
+            stack.push_back(args->formula);
+    }
+    return list;
+}
+
+// Puts a new tree, which it takes over, in the place of the old one and computes it.
+int CCCell::ReplaceTree(cells::CTX * ctx, CCFormula * now) {
+    CCCellManager * const manager = ctx->manager();
+    std::unique_ptr<CCFormula> fresh(now);
+    std::unique_ptr<CCFormula> const old = std::move(m_pFormula);
+    Placed const place(MakeCellRef3D(ctx, this));
+    old->UnRegisterDependents(ctx, place.get());
+    StoreTree(fresh.release());
+    if (!m_pFormula->RegisterDependents(ctx, place.get())) {
+        FailToRegister(ctx, place.get());
+        OnValueChanged(ctx);
+        return 1;
+    }
+    Compute(ctx, *m_pFormula, place.get());
+    OnChange(ctx);
+    OnValueChanged(ctx);
+    if (manager) manager->InitIdleRecalc(this, 0);
+    return 1;
+}
+
+int CCCell::InvalidateRef(cells::CTX * ctx, CCRef const * ref) {
+    CCFormula * const tree = LoadFormula(ctx);
+    if (!tree) return 0;
+    Placed const place(MakeCellRef3D(ctx, this));
+    CCFormula * now = nullptr;
+    if (tree->InvalidateRef(ctx, ref, now, place.get())) return ReplaceTree(ctx, now);
+    delete now;
+    return 0;
+}
+
+int CCCell::InvalidateItem(cells::CTX * ctx, CCItem const * item) {
+    CCFormula * const tree = LoadFormula(ctx);
+    if (!tree) return 0;
+    Placed const place(MakeCellRef3D(ctx, this));
+    CCFormula * now = nullptr;
+    if (tree->InvalidateItem(ctx, item, now, place.get())) return ReplaceTree(ctx, now);
+    delete now;
+    return 0;
+}
+
+int CCCell::UpdateFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to, int mode) {
+    CCFormula * const tree = LoadFormula(ctx);
+    if (!tree) return 0;
+    Placed const place(MakeCellRef3D(ctx, this));
+    CCFormula * updated = nullptr;
+    int const changed = tree->UpdateRef(ctx, place.get(), from, to, mode, updated);
+    std::unique_ptr<CCFormula> now(updated);
+    if (!changed) return 0;
+    if (tree->GetType() == kRefFormula && now->GetType() == kRefFormula) {
+        SwapFormulaRefs(static_cast<CCRefFormula *>(tree), static_cast<CCRefFormula *>(now.get()));
+        m_pFormulaData.reset();
+    } else {
+        StoreTree(now.release());
+    }
+    MarkDirty(ctx);
+    return 1;
+}
+
+int CCCell::UpdateInPaste(cells::CTX * ctx, CCRef const * oldRef, CCRef const * newRef,
+                          CCClipboardData const * clip) {
+    if (!LoadFormula(ctx)) return 0;
+    SessionGuard const session(ctx->manager());
+    Placed const place(MakeCellRef3D(ctx, this));
+    if (!m_bCircular) m_pFormula->UnRegisterDependents(ctx, place.get());
+    try {
+        m_pFormula->UpdateInPaste(ctx, oldRef, newRef, clip);
+    } catch (int) {
+        m_pFormula = std::make_unique<CCConstFormula>(errRef);
+    }
+    StoreTree(m_pFormula.release());
+    m_bCircular = false;
+    if (!m_pFormula->RegisterDependents(ctx, place.get())) {
+        FailToRegister(ctx, place.get());
+        return 1;
+    }
+    Compute(ctx, *m_pFormula, place.get());
+    OnChange(ctx);
+    return 1;
+}
+
+int CCCell::ValidateFormulaRef(cells::CTX * ctx, CCRef const * ref) {
+    if (!IsValidFormula()) return 0;
+    CCFormula * const tree = LoadFormula(ctx);
+    if (!tree || !tree->ContainsLink(ctx, ref, GetRef())) return 0;
+    Placed const place(MakeCellRef3D(ctx, this));
+    if (!tree->RegisterDependents(ctx, place.get())) {
+        FailToRegister(ctx, place.get());
+        return 0;
+    }
+    if (CCCellManager * manager = ctx->manager()) manager->InitIdleRecalc(this, 1);
+    return 1;
+}
+
+void CCCell::Move(cells::CTX * ctx, CCRef const * to, CCItem * from) {
+    {
+        SessionGuard const session(ctx->manager());
+        CCItem::Move(ctx, to, from);
+        if (LoadFormula(ctx) && !m_bCircular) {
+            Placed const oldPlace(MakeCellRef3D(ctx, this));
+            Placed const newPlace(cells::internal::MakeDependentRef(ctx, to));
+            m_pFormula->MoveFormula(ctx, oldPlace.get(), newPlace.get());
+            m_pFormula->RegisterDependents(ctx, newPlace.get());
+        }
+    }
+    MarkDirty(ctx);
+}
+
+int CCCell::Delete(cells::CTX * ctx) {
+    if (RefusesChange(ctx)) return 0;
+    SessionGuard const session(ctx->manager());
+    RemoveFormula(ctx);
+    m_Value.Set();
+    m_nFormat = 0;
+    return CCItem::Delete(ctx);
+}
+
+// Edit sources and links
+
+CCRef const * CCCell::GetEditSourceRef(cells::CTX * ctx) {
+    CCFormula const * const tree = IsEditSource(ctx) ? LoadFormula(ctx) : nullptr;
+    return tree ? tree->GetEditSourceRef(ctx, GetRef()) : nullptr;
+}
+
+int CCCell::SetEditSource(cells::CTX * ctx, CCRef const * ref, uchar flags) {
+    CCRefFormula const formula(ref, flags);
+    if (!SetFormula(ctx, &formula, 0)) return 0;
+    CCCellFormat source;
+    source.SetEditSource(1);
+    DoSetFormat(ctx, source);
+    return 1;
+}
+
+int CCCell::IsHyperLink() { return m_pFormula ? m_pFormula->IsHyperLink() : 0; }
+
+int CCCell::GetHyperLink(cells::CTX * ctx, CString & text) {
+    CCFormula const * const tree = LoadFormula(ctx);
+    if (!tree || !tree->IsHyperLink()) return 0;
+    CCFormulaList const * const args = static_cast<CCOpFormula const *>(tree)->GetArgs();
+    if (!args) return 0;
+    Placed const place(MakeCellRef3D(ctx, this));
+    CCCellValue value;
+    EvalFormula(ctx, value, args->formula, place.get());
+    if (!value.IsText()) return 0;
+    text = value.GetTextString();
+    return 1;
+}
+
+// Formats
+
+void CCCell::DoSetFormat(cells::CTX * ctx, CCCellFormat const & format) {
+    CCCellFormat merged = getCFmt();
+    merged.Merge(format);
+    putCFmt(merged);
+    UpdateNumberFormat(ctx);
+}
+
+int CCCell::SetFormat(cells::CTX * ctx, CCCellFormat const & format) {
+    if (RefusesChange(ctx)) return 0;
+    bool const shown = m_Value.IsNumber() && format.IsNF();
+    CCCellValue const before = shown ? m_Value : CCCellValue();
+    DoSetFormat(ctx, format);
+    OnChange(ctx);
+    CCCellManager * const manager = ctx->manager();
+    if (shown && manager && !m_Value.IsEqual(before)) manager->InitIdleRecalc(this, 0);
+    return 1;
+}
+
+int CCCell::ClearEditSource(cells::CTX * ctx) {
+    std::unique_ptr<CCRef const> const source(GetEditSourceRef(ctx));
+    if (CCCellManager * manager = ctx->manager(); manager && source) {
+        if (source->GetType() == kRefRemote) {
+            CCCellValue const empty;
+            SetValue(ctx, empty);
+        } else {
+            manager->ClearCell(source.get(), kClearValue);
+        }
+    }
+    if (!m_Value.IsEmpty()) OnChange(ctx);
+    return 1;
+}
+
+int CCCell::Clear(cells::CTX * ctx, int what) {
+    if (RefusesChange(ctx)) return 0;
+    CCCellManager * const manager = ctx->manager();
+    SessionGuard const session(manager);
+    if (IsEditSource(ctx) && IsFormulaLink()) return ClearEditSource(ctx);
+    bool changed = false, valueChanged = false;
+    if (what & kClearFormula && IsFormulaLink()) {
+        RemoveFormula(ctx);
+        changed = true;
+    }
+    if (what & kClearValue && !IsFormulaLink() && !m_Value.IsEmpty()) {
+        m_Value.Set();
+        changed = valueChanged = true;
+    }
+    unsigned short const mask = getCFmt().GetSetMask();
+    if (what & kClearFormat) {
+        if (m_Value.IsNumber()) {
+            CCNumberFormat general;
+            m_Value.Set(general);
+        }
+        bool const keepHidden = manager && manager->IsProtected() && IsHidden(ctx);
+        m_nFormat = 0;
+        if (keepHidden) {
+            CCCellFormat hidden;
+            hidden.SetHide(1);
+            SetFormat(ctx, hidden);
+        }
+    }
+    if (changed || mask != getCFmt().GetSetMask()) OnChange(ctx);
+    if (valueChanged) {
+        if (manager) manager->InitIdleRecalc(this, 0);
+        OnValueChanged(ctx);
+    }
+    return 1;
+}
+
+int CompareCells(CCCell const * a, CCCell const * b, int caseSensitive) {
+    if (!a) return b ? 1 : 0;
+    if (!b) return -1;
+    return CompareCellValues(a->GetValue(), b->GetValue(), caseSensitive);
+}

@@ -1,0 +1,121 @@
+#include "core/DependentArray.h"
+
+#include "formula/RefHash.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <new>
+#include <utility>
+
+namespace cells::internal {
+
+int DependentArray::Find(CCRef const * ref) const {
+    if (!ref) return -1;
+    if (m_pIndex) {
+        int slot = -1;
+        return PlaceOf(ref, slot) ? slot : -1;
+    }
+    for (int slot = 0; slot < m_nDependents; ++slot)
+        if (m_ppDependents[slot]->IsEqual(ref)) return slot;
+    return -1;
+}
+
+// The place in the table of the entry that equals `ref`, or null.
+std::uint32_t * DependentArray::PlaceOf(CCRef const * ref, int & slot) const {
+    std::vector<std::uint32_t> & table = m_pIndex->table;
+    std::size_t const mask = table.size() - 1;
+    for (std::size_t at = RefHash(ref) & mask; table[at] != kFree; at = (at + 1) & mask) {
+        if (table[at] == kGone) continue;
+        slot = int(table[at] - 1);
+        if (m_ppDependents[slot]->IsEqual(ref)) return &table[at];
+    }
+    return nullptr;
+}
+
+void DependentArray::Enter(int slot) {
+    std::vector<std::uint32_t> & table = m_pIndex->table;
+    std::size_t const mask = table.size() - 1;
+    std::size_t at = RefHash(m_ppDependents[slot]) & mask;
+    while (table[at] != kFree) at = (at + 1) & mask;
+    table[at] = std::uint32_t(slot) + 1;
+    ++m_pIndex->used;
+}
+
+void DependentArray::BuildIndex() {
+    int const slots = Slots();
+    if (!m_pIndex) m_pIndex = std::make_unique<Index>();
+    m_pIndex->slots = slots;
+    m_pIndex->used = 0;
+    m_pIndex->table.assign(std::bit_ceil(std::size_t(slots) * 4), kFree);
+    for (int slot = 0; slot < slots; ++slot)
+        if (m_ppDependents[slot]) Enter(slot);
+}
+
+void DependentArray::Add(CCRef * ref) {
+    int const slots = Slots();
+    if (std::has_single_bit(unsigned(slots)) || slots == 0) {
+        std::size_t const room = slots ? std::size_t(slots) * 2 : 1;
+        void * grown = std::realloc(m_ppDependents, room * sizeof(CCRef *));
+        if (!grown) throw std::bad_alloc();
+        m_ppDependents = static_cast<CCRef **>(grown);
+    }
+    m_ppDependents[slots] = ref;
+    if (m_nDependents == m_nDependentsCap) m_nDependentsCap += kGrowth;
+    ++m_nDependents;
+    if (m_pIndex) {
+        ++m_pIndex->slots;
+        if (std::size_t(m_pIndex->used) * 2 >= m_pIndex->table.size())
+            BuildIndex();
+        else
+            Enter(slots);
+    } else if (m_nDependents >= kIndexedFrom) {
+        BuildIndex();
+    }
+}
+
+void DependentArray::Replace(int slot, CCRef * ref) {
+    delete std::exchange(m_ppDependents[slot], ref);
+    if (m_pIndex) BuildIndex();
+}
+
+void DependentArray::Remove(int slot) {
+    CCRef * const ref = m_ppDependents[slot];
+    if (m_pIndex) {
+        int found = -1;
+        if (std::uint32_t * place = PlaceOf(ref, found)) *place = kGone;
+        m_ppDependents[slot] = nullptr;
+        --m_nDependents;
+        if (m_pIndex->slots > 2 * m_nDependents + kIndexedFrom) Squeeze();
+    } else {
+        std::copy(m_ppDependents + slot + 1, m_ppDependents + m_nDependents, m_ppDependents + slot);
+        --m_nDependents;
+    }
+    delete ref;
+}
+
+void DependentArray::Squeeze() {
+    if (!m_pIndex || m_pIndex->slots == m_nDependents) return;
+    std::remove(m_ppDependents, m_ppDependents + m_pIndex->slots, static_cast<CCRef *>(nullptr));
+    m_pIndex.reset();
+    // The next entry makes room for itself where the count is a power of two.
+    std::size_t const room = std::bit_ceil(std::size_t(std::max(m_nDependents, 1)));
+    if (void * fitted = std::realloc(m_ppDependents, room * sizeof(CCRef *)))
+        m_ppDependents = static_cast<CCRef **>(fitted);
+    if (m_nDependents >= kIndexedFrom) BuildIndex();
+}
+
+CCRef * const * DependentArray::Entries() {
+    Squeeze();
+    return m_ppDependents;
+}
+
+void DependentArray::Clear() {
+    ForEach([](CCRef * ref) { delete ref; });
+    std::free(m_ppDependents);
+    m_ppDependents = nullptr;
+    m_nDependents = m_nDependentsCap = 0;
+    m_pIndex.reset();
+}
+
+} // namespace cells::internal

@@ -1,0 +1,23 @@
+#include "core/ValueCompare.h"
+
+#include <cmath>
+
+namespace {
+
+int Sign(double difference) { return difference < 0 ? -1 : difference > 0; }
+
+} // namespace
+
+int CompareCellValues(CCCellValue const & a, CCCellValue const & b, int caseSensitive) {
+    // Rows: type of a; columns: type of b; 2 marks the pairs whose content decides.
+    static constexpr signed char kOrder[5][5] = {
+        {0, 1, 1, 1, 1}, {-1, 0, 1, 1, 1}, {-1, -1, 2, 1, -1}, {-1, -1, -1, 2, -1}, {0, 0, 0, 0, 0}};
+    int const order = kOrder[a.GetType()][b.GetType()];
+    return order == 2 ? CompareEQTypeValues(a, b, caseSensitive) : order;
+}
+
+int CompareEQTypeValues(CCCellValue const & a, CCCellValue const & b, int caseSensitive) {
+    if (a.IsNumber()) return Sign(a.GetNumber() - b.GetNumber());
+    if (a.IsText()) return StrColl(a.GetText(), b.GetText(), caseSensitive);
+    return 0;
+}

@@ -1,0 +1,86 @@
+// The process-wide tables in which equal number formats and equal cell formats are stored once.
+// Cell formats hold number formats by index, cells hold cell formats by index; entry 0 is always
+// there and stands for every index out of range.
+#pragma once
+
+#include "format/CCCellFormat.h"
+
+#include <memory>
+#include <vector>
+
+namespace cells::internal {
+
+// A table of owned records. `Same` tells when two records are one entry.
+template <typename Record, bool (*Same)(Record const &, Record const &)>
+class FormatTable {
+public:
+    FormatTable() = default;
+    FormatTable(FormatTable const & other) { Append(other); }
+    FormatTable & operator=(FormatTable const &) = delete;
+    virtual ~FormatTable() = default;
+
+    int GetSize() const { return int(m_Records.size()); }
+    Record * GetAt(int index) const { return m_Records[IsInside(index) ? std::size_t(index) : 0].get(); }
+    // Hands out the record, which is the caller's; null out of range.
+    Record * RemoveAt(int index) {
+        if (!IsInside(index)) return nullptr;
+        Record * record = m_Records[std::size_t(index)].release();
+        m_Records.erase(m_Records.begin() + index);
+        return record;
+    }
+    int DeleteAt(int index) {
+        if (!IsInside(index)) return 0;
+        delete RemoveAt(index);
+        return 1;
+    }
+    // The first entry with the same content, or -1.
+    int Find(Record const & record) const {
+        for (int i = 0; i < GetSize(); ++i)
+            if (Same(*m_Records[std::size_t(i)], record)) return i;
+        return -1;
+    }
+    int Add(Record const & record) {
+        int const found = Find(record);
+        return found >= 0 ? found : Append(record);
+    }
+    int Append(Record const & record) {
+        m_Records.push_back(std::make_unique<Record>(record));
+        return GetSize() - 1;
+    }
+    void Append(FormatTable const & other) {
+        for (int i = 0, size = other.GetSize(); i < size; ++i) Append(*other.GetAt(i));
+    }
+    void InsertAt(int index, Record const & record) {
+        m_Records.insert(m_Records.begin() + index, std::make_unique<Record>(record));
+    }
+
+private:
+    bool IsInside(int index) const { return index >= 0 && index < GetSize(); }
+
+    std::vector<std::unique_ptr<Record>> m_Records;
+};
+
+inline bool SameNumberFormat(CCNumberFormat const & a, CCNumberFormat const & b) {
+    return a.IsEqual(nullptr, b);
+}
+inline bool SameCellFormat(CCCellFormat const & a, CCCellFormat const & b) { return a.IsSame(b) != 0; }
+
+} // namespace cells::internal
+
+class CVCELLS_API CCNumberFormatTable
+    : public cells::internal::FormatTable<CCNumberFormat, cells::internal::SameNumberFormat> {
+public:
+    CCNumberFormatTable() { Add(CCNumberFormat()); }
+
+    static CCNumberFormatTable DefNumFormats;
+    static CCNumberFormatTable * NumFormats; // the table that cell formats resolve indexes in
+};
+
+class CVCELLS_API CCCellFormatTable
+    : public cells::internal::FormatTable<CCCellFormat, cells::internal::SameCellFormat> {
+public:
+    CCCellFormatTable() { Add(CCCellFormat()); }
+
+    static CCCellFormatTable DefCellFormats;
+    static CCCellFormatTable * CCellFormats;
+};

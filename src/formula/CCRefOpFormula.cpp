@@ -1,0 +1,205 @@
+#include "formula/CCRefOpFormula.h"
+
+#include "core/CCCellManager.h"
+#include "core/CCCellValue.h"
+#include "core/Context.h"
+#include "core/Guards.h"
+#include "core/ManagerContext.h"
+#include "formula/BuiltInIds.h"
+#include "formula/CCConstFormula.h"
+#include "formula/CCNameRef.h"
+#include "formula/CCRef3D.h"
+#include "formula/CCRefFormula.h"
+#include "formula/Clipboard.h"
+#include "formula/OperatorObjects.h"
+
+using namespace cells;
+using internal::MakeDependentRef;
+using internal::Operator;
+using internal::OperatorObject;
+
+CCRefOpFormula::CCRefOpFormula(CCRefOpFormula const & other)
+    : CCOpFormula(other), CCListenerWithManager() {
+    TakeOver(other);
+}
+
+CCRefOpFormula::~CCRefOpFormula() { StopListening(); }
+
+// A node made from another of its class remembers the same target and hears the same sheet.
+void CCRefOpFormula::TakeOver(CCRefOpFormula const & other) {
+    if (other.m_Target) m_Target.reset(other.m_Target->Copy());
+    if (other.m_Registered) m_Registered.reset(other.m_Registered->Copy());
+    m_pManager = other.m_pManager;
+    if (CCCellManager * sheet = internal::LiveManager(other.m_nSheet)) Listen(nullptr, sheet);
+}
+
+CCOpFormula * CCRefOpFormula::Rebuild(CCFormulaList * args) const {
+    auto * node = new CCRefOpFormula(m_pFunc, args);
+    node->TakeOver(*this);
+    return node;
+}
+
+bool CCRefOpFormula::IsFullRef() const { return m_pFunc && m_pFunc == OperatorObject(Operator::kFullRef); }
+
+bool CCRefOpFormula::NamesPlace() const {
+    return IsFullRef() || (m_pFunc && (m_pFunc == OperatorObject(Operator::kRange) ||
+                                       m_pFunc == OperatorObject(Operator::kSheetRange)));
+}
+
+void CCRefOpFormula::Listen(CTX * ctx, CCCellManager * sheet) const {
+    auto * listener = const_cast<CCRefOpFormula *>(this);
+    StopListening();
+    sheet->RegisterListener(CCBaseEvent::kSheetRename, listener);
+    sheet->RegisterListener(CCBaseEvent::kDestroySheet, listener);
+    m_nSheet = sheet->GetSerial();
+    if (ctx) listener->m_pManager = ctx->manager();
+}
+
+void CCRefOpFormula::StopListening() const {
+    if (CCCellManager * sheet = internal::LiveManager(m_nSheet))
+        sheet->UnRegisterListener(const_cast<CCRefOpFormula *>(this));
+    m_nSheet = internal::kNoManager;
+}
+
+// Takes the cell out of the target's dependents, if this node put it there.
+void CCRefOpFormula::Leave(CTX * ctx, CCRef const * current) const {
+    if (!m_Target || !m_Registered || !current) return;
+    std::unique_ptr<CCRef> const place(MakeDependentRef(ctx, current));
+    if (!m_Registered->IsEqual(place.get())) return; // it belongs to another cell
+    m_Target->UnRegisterDependent(ctx, place.get());
+    m_Registered.reset();
+}
+
+// Makes `target`, which it takes over, the place that the node follows. The registration made here
+// marks nothing as changed: an evaluation must not look like an edit.
+void CCRefOpFormula::Follow(CTX * ctx, CCRef * target, CCRef const * current) const {
+    std::unique_ptr<CCRef> now(target);
+    std::unique_ptr<CCRef> const place(MakeDependentRef(ctx, current));
+    bool const same = m_Target && now && m_Target->IsEqual(now.get());
+    if (same && (!place || (m_Registered && m_Registered->IsEqual(place.get())))) return;
+    if (!same) {
+        Leave(ctx, current);
+        m_Target = std::move(now);
+        m_Registered.reset();
+    }
+    if (!m_Target || !place) return;
+    internal::DirtyMarkGuard const silent(ctx->manager());
+    m_Target->RegisterDependent(ctx, place.get());
+    m_Registered.reset(place->Copy());
+}
+
+void CCRefOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * current) const {
+    CCOpFormula::Eval(ctx, value, current);
+    CCRef const * const ref = value.GetRef();
+    if (!ref) {
+        Leave(ctx, current);
+        m_Target.reset();
+    } else {
+        Follow(ctx, ref->Copy(), current);
+    }
+}
+
+int CCRefOpFormula::IsSingleValue(CTX * ctx, CCRef const *) {
+    CCCellValue value;
+    CCOpFormula::Eval(ctx, value, nullptr);
+    return value.IsRef() && value.GetRef() ? value.GetRef()->IsSingleValue(ctx) : 1;
+}
+
+int CCRefOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) const {
+    if (HasId(kIdOffset)) return 1;
+    if (!NamesPlace()) return CCOpFormula::RegisterDependents(ctx, dependent);
+    CCCellValue value;
+    Eval(ctx, value, dependent);
+    if (!m_Target || m_Target->GetType() != kRefSheets)
+        return CCOpFormula::RegisterDependents(ctx, dependent);
+    CCCellManager * const manager = ctx->manager();
+    auto & sheets = *static_cast<CCRef3D *>(m_Target.get());
+    if (IsFullRef() && manager)
+        if (CCCellManager * sheet = manager->GetManForNameIndex(sheets.firstSheet)) Listen(ctx, sheet);
+    return sheets.RegisterDependent(ctx, dependent);
+}
+
+void CCRefOpFormula::UnRegisterDependents(CTX * ctx, CCRef const * dependent) const {
+    if (IsFullRef()) {
+        StopListening();
+        const_cast<CCRefOpFormula *>(this)->m_pManager = nullptr;
+    }
+    CCOpFormula::UnRegisterDependents(ctx, dependent);
+    if (m_Target) m_Target->UnRegisterDependent(ctx, dependent);
+    m_Registered.reset();
+}
+
+void CCRefOpFormula::MoveFormula(CTX * ctx, CCRef const * from, CCRef const *) {
+    UnRegisterDependents(ctx, from);
+    m_Target.reset();
+}
+
+// Whether `ref` names, from another sheet, the place that a node of "!" yields.
+bool CCRefOpFormula::IsPlaceOf(CTX * ctx, CCRef const * ref) const {
+    if (!IsFullRef() || !ref || ref->GetType() != kRefSheets || !m_Target) return false;
+    if (m_Target->GetType() != kRefSheets || !ctx->manager()) return false;
+    auto const & place = *static_cast<CCRef3D const *>(ref);
+    auto const & own = *static_cast<CCRef3D const *>(m_Target.get());
+    return place.IsManagerForm() && own.IsOneSheet() && own.ref && own.ref->IsEqual(place.ref) &&
+           ctx->manager()->GetManForNameIndex(own.firstSheet) == place.GetManager();
+}
+
+int CCRefOpFormula::InvalidateRef(CTX * ctx, CCRef const * ref, CCFormula *& out, CCRef const * self) {
+    if (!IsPlaceOf(ctx, ref)) return CCOpFormula::InvalidateRef(ctx, ref, out, self);
+    out = new CCConstFormula(errValue);
+    return 1;
+}
+
+int CCRefOpFormula::UpdateRef(CTX * ctx, CCRef const * self, CCRef const * old, CCRef const * now,
+                              int unregister, CCFormula *& out) {
+    if (!IsPlaceOf(ctx, old)) return CCOpFormula::UpdateRef(ctx, self, old, now, unregister, out);
+    if (unregister) m_Target->UnRegisterDependent(ctx, self);
+    CCFormula const * const part = m_pArgs->next->formula;
+    uchar const mode = part->GetType() == kRefFormula ? static_cast<CCRefFormula const *>(part)->GetMode() : uchar(0);
+    out = ConstructOpFormula(m_pFunc, m_pArgs->formula->Copy(),
+                             new CCRefFormula(internal::InnerRef(now), mode));
+    return 1;
+}
+
+void CCRefOpFormula::UpdateInPaste(CTX * ctx, CCRef const * oldRef, CCRef const * newRef,
+                                   CCClipboardData const * clip) {
+    if (clip && clip->updateOnPaste) CCOpFormula::UpdateInPaste(ctx, oldRef, newRef, clip);
+}
+
+ushort CCRefOpFormula::OpenRef(CTX * ctx, CCRef const * current) {
+    CCCellValue value;
+    Eval(ctx, value, current);
+    return m_nOpen = m_Target ? m_Target->OpenRef(ctx) : ushort(0);
+}
+
+int CCRefOpFormula::NextValue(CTX * ctx, ushort, CCCellValue & value, CCRef const *) {
+    return m_Target && m_nOpen ? m_Target->NextValue(ctx, m_nOpen, value) : 0;
+}
+
+int CCRefOpFormula::CloseRef(CTX * ctx, ushort, CCRef const *) {
+    ushort const handle = m_nOpen;
+    m_nOpen = 0;
+    return m_Target && handle ? m_Target->CloseRef(ctx, handle) : 0;
+}
+
+bool CCRefOpFormula::OnEvent(CCBaseEvent const & event) {
+    if (!IsFullRef() || !m_pArgs) return true;
+    if (event.GetId() == CCBaseEvent::kSheetRename) {
+        // The sheet operand is the name itself, or the first argument of a ":" around it.
+        CCFormulaList * operand = m_pArgs;
+        if (operand->formula->GetType() == kRefOpFormula)
+            operand = static_cast<CCOpFormula *>(operand->formula)->GetArgs();
+        if (!operand) return true;
+        delete operand->formula;
+        operand->formula =
+            new CCRefFormula(static_cast<CCSheetRenameEvent const &>(event).m_strNew.GetString(), 0);
+    } else if (event.GetId() == CCBaseEvent::kDestroySheet) {
+        m_Target.reset();
+        m_Registered.reset();
+        if (!m_pManager) return true;
+        CCCellValue value;
+        CCOpFormula::Eval(m_pManager->ctx(), value, nullptr);
+        if (value.GetRef()) m_Target.reset(value.GetRef()->Copy());
+    }
+    return true;
+}

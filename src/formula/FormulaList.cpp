@@ -1,0 +1,89 @@
+#include "formula/FormulaList.h"
+
+#include "core/Context.h"
+#include "platform/Digits.h"
+
+#include <algorithm>
+#include <ostream>
+
+bool FormulaListHasItems(CCFormulaList const * list, int count) {
+    for (; count > 0 && list; list = list->next) --count;
+    return count == 0;
+}
+
+bool FormulaListHasExactly(CCFormulaList const * list, int count) {
+    for (; count > 0 && list; list = list->next) --count;
+    return count == 0 && !list;
+}
+
+CCFormulaList * FormulaListCreate1Item(CCFormula * a) { return new CCFormulaList{a, nullptr}; }
+
+CCFormulaList * FormulaListCreate2Item(CCFormula * a, CCFormula * b) {
+    return new CCFormulaList{a, FormulaListCreate1Item(b)};
+}
+
+CCFormulaList * FormulaListCreate3Item(CCFormula * a, CCFormula * b, CCFormula * c) {
+    return new CCFormulaList{a, FormulaListCreate2Item(b, c)};
+}
+
+CCFormulaList * FormulaListAddLast(CCFormulaList ** list, CCFormula * formula) {
+    CCFormulaList ** end = list;
+    while (*end) end = &(*end)->next;
+    *end = FormulaListCreate1Item(formula);
+    return *list;
+}
+
+CCFormulaList * CopyFormulaList(CCFormulaList const * list) {
+    cells::internal::FormulaListBuilder copy;
+    for (; list; list = list->next) copy.Add(list->formula ? list->formula->Copy() : nullptr);
+    return copy.Release();
+}
+
+void FreeFormulaList(CCFormulaList * list, int deleteFormulas) {
+    while (list) {
+        CCFormulaList * const next = list->next;
+        if (deleteFormulas) delete list->formula;
+        delete list;
+        list = next;
+    }
+}
+
+namespace {
+
+using PrintItem = void (CCFormula::*)(cells::CTX *, std::wostream &, uchar) const;
+
+void PrintItems(cells::CTX * ctx, std::wostream & stream, CCFormulaList const * list, uchar priority,
+                int force, PrintItem print) {
+    bool const brackets = force || FormulaList2Item(list);
+    if (brackets) cells::WriteText(stream, L" (");
+    for (CCFormulaList const * item = list; item; item = item->next) {
+        if (item != list) {
+            stream.put(ctx->lctx()->listSeparartor());
+            stream.put(L' ');
+        }
+        (item->formula->*print)(ctx, stream, priority);
+    }
+    if (brackets) stream.put(L')');
+}
+
+} // namespace
+
+void PrintFormulaList(cells::CTX * ctx, std::wostream & stream, CCFormulaList const * list,
+                      uchar priority, int force) {
+    PrintItems(ctx, stream, list, priority, force, &CCFormula::Print);
+}
+
+void PrintFormulaList2File(cells::CTX * ctx, std::wostream & stream, CCFormulaList const * list,
+                           uchar priority, int force) {
+    PrintItems(ctx, stream, list, priority, force, &CCFormula::Print2File);
+}
+
+namespace cells::internal {
+
+int DepthOf(CCFormulaList const * list) {
+    int depth = 0;
+    for (; list; list = list->next) depth = std::max(depth, list->formula ? list->formula->GetDepth() : 0);
+    return depth;
+}
+
+} // namespace cells::internal

@@ -1,0 +1,34 @@
+// The function objects of the operators, by what they mean.
+#pragma once
+
+class CCFunc;
+
+namespace cells::internal {
+
+enum class Operator {
+    kOr,
+    kAnd,
+    kNot,
+    kGreater,
+    kGreaterOrEqual,
+    kLess,
+    kLessOrEqual,
+    kEqual,
+    kNotEqual,
+    kAdd,
+    kSubtract,
+    kMultiply,
+    kDivide,
+    kPower,
+    kPercent,
+    kPlusSign,
+    kMinusSign,
+    kRange,      // ".."
+    kSheetRange, // ":"
+    kFullRef,    // "!"
+};
+constexpr int kOperators = 20;
+
+CCFunc * OperatorObject(Operator op);
+
+} // namespace cells::internal

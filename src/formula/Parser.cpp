@@ -1,0 +1,149 @@
+#include "formula/Parser.h"
+
+#include "core/Context.h"
+#include "formula/Lexer.h"
+#include "formula/Scanners.h"
+
+#include <memory>
+
+CCFormula * yyresult = nullptr;
+
+namespace {
+
+using cells::internal::ParseTree;
+using Tree = std::unique_ptr<CCFormula>;
+
+// The tree of the text when nothing but white space stands behind it.
+Tree ParseWhole(cells::CTX * ctx, wchar_t const * text, int mode) {
+    Tree tree(ParseTree(ctx, text, mode));
+    return _IsEmpty(ctx->lctx(), text) ? std::move(tree) : nullptr;
+}
+
+// A number of its own: dates, times and logical words take no sign and no brackets.
+bool IsSignable(CCCellValue const & value) {
+    uchar const type = value.GetFormat().GetType();
+    return type != C_NF_TIME && type != C_NF_DATE && type != C_NF_BOOL;
+}
+
+bool TakeUnsigned(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value) {
+    return _EatNumber(lctx, text, value, 0) && IsSignable(value);
+}
+
+bool ParseSigned(cells::LCTX * lctx, wchar_t const * text, CCCellValue & value) {
+    bool const negative = *text == L'-';
+    CCCellValue number;
+    if (!TakeUnsigned(lctx, ++text, number) || !_IsEmpty(lctx, text)) return false;
+    if (negative) number.Set(-number.GetNumber());
+    value.Set(number);
+    return true;
+}
+
+// "(5)" is the number -5, and says in its format how it was written.
+bool ParseBracketed(cells::LCTX * lctx, wchar_t const * text, CCCellValue & value) {
+    CCCellValue number;
+    if (!TakeUnsigned(lctx, ++text, number)) return false;
+    _EatWhite(lctx, text);
+    if (*text != L')' || !_IsEmpty(lctx, text + 1)) return false;
+    number.Set(-number.GetNumber());
+    number.GetFormat().SetNegBr(1);
+    value.Set(number);
+    return true;
+}
+
+bool ParsePlain(cells::LCTX * lctx, wchar_t const * text, CCCellValue & value) {
+    CCCellValue number;
+    if (!_EatNumber(lctx, text, number, 1) || !_IsEmpty(lctx, text)) return false;
+    value.Set(number);
+    return true;
+}
+
+} // namespace
+
+int _Parse(cells::CTX * ctx, wchar_t const * text, CCCellValue & value, CCFormula *& formula, CCRef *) {
+    cells::LCTX * const lctx = ctx->lctx();
+    value.Release();
+    formula = nullptr;
+    CString const units(text); // splits what is above U+FFFF
+    wchar_t const * at = units;
+    _EatWhite(lctx, at);
+    switch (*at) {
+    case 0: return kEntryValue;
+    case L'\'': value.Set(at + 1); return kEntryValue;
+    case L'@': formula = ParseWhole(ctx, at, 0).release(); return kEntryFormula;
+    case L'=': formula = ParseWhole(ctx, at + 1, 0).release(); return kEntryFormula;
+    case L'!': formula = ParseWhole(ctx, at + 1, 0).release(); return kEntryEditSource;
+    case L'+':
+    case L'-':
+        if (ParseSigned(lctx, at, value)) return kEntryValue;
+        formula = ParseWhole(ctx, at, 0).release();
+        if (formula) return kEntryFormula;
+        break;
+    case L'(':
+        if (ParseBracketed(lctx, at, value)) return kEntryValue;
+        [[fallthrough]];
+    default:
+        if (ParsePlain(lctx, at, value)) return kEntryValue;
+    }
+    value.Set(at);
+    return kEntryValue;
+}
+
+int Parse(cells::CTX * ctx, wchar_t * text, CCCellValue & value, CCFormula *& formula, CCRef * current) {
+    return _Parse(ctx, text, value, formula, current);
+}
+
+CCFormula * _ParseFormula(cells::CTX * ctx, wchar_t const * text, int mode, CCRef *) {
+    CString const units(text);
+    return ParseWhole(ctx, units, mode).release();
+}
+
+CCFormula * ParseFormula(cells::CTX * ctx, wchar_t * text, int mode, CCRef * current) {
+    return _ParseFormula(ctx, text, mode, current);
+}
+
+CCFormula * CVDOSParse(cells::CTX * ctx, wchar_t *& text) {
+    cells::LCTX * const lctx = ctx->lctx();
+    EatWhite(lctx, text);
+    CCCellValue constant;
+    switch (*text) {
+    case 0:
+    case L'*':
+    case L'\'':
+    case L'"': return nullptr;
+    case L'+':
+    case L'-':
+        if (ParseSigned(lctx, text, constant)) return nullptr;
+        break;
+    case L'(':
+        if (ParseBracketed(lctx, text, constant)) return nullptr;
+        break;
+    default:
+        if (ParsePlain(lctx, text, constant)) return nullptr;
+    }
+    return ParseWhole(ctx, text, 0).release();
+}
+
+bool _IsFormulaPrefix(cells::LCTX * lctx, wchar_t const * text) {
+    _EatWhite(lctx, text);
+    return *text && CString(L"=@!+-(").Find(*text) >= 0;
+}
+
+bool IsFormulaPrefix(cells::LCTX * lctx, wchar_t * text) { return _IsFormulaPrefix(lctx, text); }
+
+int yyparse(cells::CTX * ctx, wchar_t *& text, int mode, CCRef *) {
+    wchar_t const * at = text;
+    CCFormula * const tree = ParseTree(ctx, at, mode);
+    text += at - text;
+    if (!tree) return 1;
+    yyresult = tree;
+    return 0;
+}
+
+int yylex(cells::CTX * ctx, wchar_t *& text, int mode, CCRef *) {
+    cells::internal::Lexer lexer(ctx, text, mode);
+    cells::internal::Lexeme const lexeme = lexer.Next();
+    text += lexer.Position() - text;
+    return lexeme.token;
+}
+
+void yyerror(cells::CTX *, wchar_t *) {}

@@ -1,0 +1,42 @@
+#include "functions/Arguments.h"
+
+#include "core/Context.h"
+#include "formula/Dereference.h"
+
+#include <cmath>
+
+namespace cells::internal {
+
+bool EvalArg(CTX * ctx, CCCellValue & value, CCFormulaList const * args, CCRef const * current) {
+    if (!args) {
+        value.Set();
+        return false;
+    }
+    args->formula->Eval(ctx, value, current);
+    if (value.GetRef()) Dereference(ctx, value);
+    return true;
+}
+
+bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count, CCFormulaList const * args,
+                CCRef const * current) {
+    for (int i = 0; i < count; ++i, args = args->next) {
+        if (!EvalArg(ctx, result, args, current) || !result.IsNumber()) return false;
+        out[i] = result.GetNumber();
+    }
+    return true;
+}
+
+void SetStatusResult(CTX * ctx, Status status, CCCellValue & result, double number, uchar type) {
+    switch (status) {
+    case Status::kBadReference: return result.Set(errRef);
+    case Status::kBadValue: return result.Set(errValue);
+    case Status::kDivisionByZero: return result.Set(errDiv0);
+    case Status::kDone: break;
+    }
+    result.Set(number, type);
+    if (type < C_NF_NUMBER || type > C_NF_FRACTION) return;
+    bool const whole = number == std::floor(number);
+    result.GetFormat().SetPrecision(whole ? 0 : ctx->lctx()->numberPrecision());
+}
+
+} // namespace cells::internal

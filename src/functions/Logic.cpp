@@ -1,0 +1,47 @@
+// Logic: conditions and their combination.
+#include "functions/Families.h"
+#include "functions/Operators.h"
+#include "functions/Ranges.h"
+#include "functions/Shapes.h"
+
+namespace cells::internal {
+namespace {
+
+// The live argument of IF, so that evaluation never touches the other branch. Without an else
+// branch a false condition is itself the result. Gives an error number.
+int ChooseBranch(CTX * ctx, CCFormula *& choice, CCFormulaList const * args, CCRef const * current) {
+    choice = nullptr;
+    if (!args) return errLegacy;
+    CCCellValue condition;
+    EvalArg(ctx, condition, args, current);
+    bool const isFalse = condition.IsEmpty() || (condition.IsNumber() && condition.GetNumber() == 0);
+    if (!isFalse && !condition.IsNumber()) return errValue;
+    CCFormulaList const * const yes = args->next;
+    CCFormulaList const * const no = yes ? yes->next : nullptr;
+    CCFormulaList const * const branch = isFalse ? no : yes;
+    choice = branch ? branch->formula : args->formula;
+    return 0;
+}
+
+void EvalIf(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    CCFormula * choice;
+    int status = ChooseBranch(ctx, choice, args, current);
+    if (!status) status = choice->Check(ctx, current); // it may not have been live when checked
+    if (status) return result.Set(status);
+    CCFormulaList branch{choice, nullptr};
+    EvalArg(ctx, result, &branch, current);
+    if (FormulaList2ItemEx(args) && choice == args->formula) result.GetFormat().Set(uchar(C_NF_BOOL));
+}
+
+constexpr FunctionRow kRows[] = {
+    {13223, L"AND", L"value...", L"TRUE when no value is 0.", AtLeast<0>, Fold<kAnd>},
+    {13224, L"IF", L"condition; then; else", L"One of two values by a condition.", FirstSingle<1>, EvalIf, kChooseFunc, ChooseBranch},
+    {13225, L"NOT", L"value", L"TRUE when a value is 0.", Singles<1>, EvalNot},
+    {13226, L"OR", L"value...", L"TRUE when a value is not 0.", AtLeast<0>, Fold<kOr>},
+};
+
+} // namespace
+
+FunctionFamily Logic() { return MakeFamily(3, kRows); }
+
+} // namespace cells::internal

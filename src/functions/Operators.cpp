@@ -1,0 +1,236 @@
+#include "functions/Operators.h"
+
+#include "core/CCCellManager.h"
+#include "core/Context.h"
+#include "formula/CCNameRef.h"
+#include "formula/CCRCRef.h"
+#include "formula/CCRef3D.h"
+#include "formula/CCRefFormula.h"
+#include "formula/CCRefOpFormula.h"
+#include "formula/CCRegionRef.h"
+#include "formula/OperatorObjects.h"
+#include "functions/OperatorTable.h"
+#include "functions/Ranges.h"
+#include "functions/Shapes.h"
+
+#include <memory>
+
+namespace cells::internal {
+namespace {
+
+// What an operator over nothing but blanks gives: two blanks are equal.
+void SetBlankResult(int code, CCCellValue & result) {
+    switch (code) {
+    case kPower: return result.Set(1.0, uchar(C_NF_GENERAL));
+    case kEqual:
+    case kGreaterOrEqual:
+    case kLessOrEqual: return SetTruth(result, true);
+    case kAnd:
+    case kOr:
+    case kNotEqual:
+    case kGreater:
+    case kLess: return SetTruth(result, false);
+    default: return result.Set(0.0, uchar(C_NF_GENERAL));
+    }
+}
+
+} // namespace
+
+void FoldOperands(int code, CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                  CCRef const * current) {
+    result.Set();
+    if (!args) return;
+    CCCellValue value;
+    for (CCFormulaList const * item = args; item; item = item->next) {
+        ValueWalk walk(ctx, item->formula, current);
+        bool const first = item == args;
+        if (!walk.IsOpen() || (first && !walk.Next(result))) return result.Set(errRef);
+        while (walk.Next(value)) EvalCellValue(code, result, value);
+    }
+    if (result.IsEmpty()) SetBlankResult(code, result);
+}
+
+void EvalNot(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    EvalArg(ctx, result, args, current);
+    EvalCellValue(kNot, result);
+}
+
+namespace {
+
+void EvalPlusSign(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    EvalArg(ctx, result, args, current);
+}
+
+// The sign of a number changes and its format stays; everything else passes.
+void EvalMinusSign(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    EvalArg(ctx, result, args, current);
+    if (result.IsNumber()) result.Set(-result.GetNumber());
+}
+
+void EvalPercent(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    EvalArg(ctx, result, args, current);
+    if (result.IsNumber()) result.Set(result.GetNumber() / 100, uchar(C_NF_GENERAL));
+}
+
+using OwnedRef = std::unique_ptr<CCRef>;
+
+// The reference that an argument is, or yields; null with an error in `result`.
+OwnedRef RefArgument(CTX * ctx, CCCellValue & result, CCFormula const & formula, CCRef const * current) {
+    if (formula.GetType() == kRefFormula) {
+        CCRef const * const ref = static_cast<CCRefFormula const &>(formula).GetRef();
+        if (ref) return OwnedRef(ref->Copy());
+    } else if (formula.GetType() == kRefOpFormula) {
+        CCCellValue value;
+        formula.Eval(ctx, value, current);
+        if (value.GetRef()) return OwnedRef(value.GetRef()->Copy());
+    }
+    result.Set(errRef);
+    return nullptr;
+}
+
+// A corner of a range: a cell, or a name that stands for one.
+OwnedRef CornerArgument(CTX * ctx, CCCellValue & result, CCFormula const & formula, CCRef const * current) {
+    OwnedRef ref = RefArgument(ctx, result, formula, current);
+    if (!ref) return nullptr;
+    if (ref->GetType() == kRefName) {
+        CCCellManager * const manager = ctx->manager();
+        ref.reset(manager ? manager->TranslateNameRef(static_cast<CCNameRef *>(ref.get())) : nullptr);
+    }
+    if (ref && ref->GetType() == kRefCell) return ref;
+    result.Set(errValue);
+    return nullptr;
+}
+
+OwnedRef RegionBetween(CCRef const * a, CCRef const * b) {
+    auto const & first = *static_cast<CCRCRef const *>(a);
+    auto const & last = *static_cast<CCRCRef const *>(b);
+    auto region = std::make_unique<CCRegionRef>(first.col, first.row, last.col, last.row);
+    region->Normalize();
+    return region;
+}
+
+void EvalRange(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    OwnedRef const first = CornerArgument(ctx, result, *args->formula, current);
+    if (!first) return;
+    OwnedRef const last = CornerArgument(ctx, result, *args->next->formula, current);
+    if (last) result.AdoptRef(RegionBetween(first.get(), last.get()).release());
+}
+
+// The number of the sheet that a name or a text names; 0 for none.
+ushort SheetNumber(CTX * ctx, CCFormula const & formula, CCRef const * current) {
+    CCCellManager * const manager = ctx->manager();
+    if (!manager) return 0;
+    CCRef const * ref = formula.GetType() == kRefFormula ? static_cast<CCRefFormula const &>(formula).GetRef()
+                                                         : nullptr;
+    CCCellValue value;
+    if (!ref) {
+        formula.Eval(ctx, value, current);
+        if (value.IsText()) return manager->GetNameIndex(value.GetText());
+        ref = value.GetRef();
+    }
+    bool const isName = ref && ref->GetType() == kRefName;
+    return isName ? manager->GetNameIndex(static_cast<CCNameRef const *>(ref)) : ushort(0);
+}
+
+bool IsFullRef(CCFormula const & formula) {
+    return formula.GetType() == kRefOpFormula &&
+           static_cast<CCOpFormula const &>(formula).GetFunc() == OperatorObject(Operator::kFullRef);
+}
+
+bool IsSheetCell(CCRef const * ref) {
+    if (!ref || ref->GetType() != kRefSheets) return false;
+    auto const & sheets = *static_cast<CCRef3D const *>(ref);
+    return sheets.IsOneSheet() && sheets.ref && sheets.ref->GetType() == kRefCell;
+}
+
+// "Sheet1!A1:Sheet3!B2": the sheets of both corners, and the region between their cells.
+void EvalSheetCorners(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    OwnedRef const first = RefArgument(ctx, result, *args->formula, current);
+    OwnedRef const last = first ? RefArgument(ctx, result, *args->next->formula, current) : nullptr;
+    if (!first || !last || !IsSheetCell(first.get()) || !IsSheetCell(last.get())) return result.Set(errRef);
+    auto const & a = *static_cast<CCRef3D *>(first.get());
+    auto const & b = *static_cast<CCRef3D *>(last.get());
+    result.AdoptRef(new CCRef3D(a.firstSheet, b.firstSheet, RegionBetween(a.ref, b.ref).release()));
+}
+
+void EvalSheetRange(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    CCFormulaList const * const second = args->next;
+    if (second && IsFullRef(*args->formula) && IsFullRef(*second->formula))
+        return EvalSheetCorners(ctx, result, args, current);
+    ushort const first = SheetNumber(ctx, *args->formula, current);
+    ushort const last = second ? SheetNumber(ctx, *second->formula, current) : ushort(0);
+    if (!first || (second && !last)) return result.Set(errRef);
+    result.AdoptRef(new CCRef3D(first, last));
+}
+
+void EvalFullRef(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    OwnedRef const sheets = RefArgument(ctx, result, *args->formula, current);
+    OwnedRef inner = sheets ? RefArgument(ctx, result, *args->next->formula, current) : nullptr;
+    if (!inner || sheets->GetType() != kRefSheets) return result.Set(errRef);
+    auto const & run = *static_cast<CCRef3D *>(sheets.get());
+    result.AdoptRef(new CCRef3D(run.firstSheet, run.lastSheet, inner.release()));
+}
+
+struct OperatorRow {
+    Operator op;
+    wchar_t const * glyph;
+    uchar priority, kind;
+    CheckFn check;
+    EvalFn eval;
+};
+
+constexpr OperatorRow kRows[kOperators] = {
+    {Operator::kOr, L"|", 10, kInfix, AtLeast<0>, Fold<kOr>},
+    {Operator::kAnd, L"&", 20, kInfix, AtLeast<0>, Fold<kAnd>},
+    {Operator::kNot, L"~", 30, kPrefix, Singles<1>, EvalNot},
+    {Operator::kGreater, L">", 40, kInfix, AtLeast<2>, Fold<kGreater>},
+    {Operator::kGreaterOrEqual, L">=", 40, kInfix, AtLeast<2>, Fold<kGreaterOrEqual>},
+    {Operator::kLess, L"<", 40, kInfix, AtLeast<2>, Fold<kLess>},
+    {Operator::kLessOrEqual, L"<=", 40, kInfix, AtLeast<2>, Fold<kLessOrEqual>},
+    {Operator::kEqual, L"=", 40, kInfix, AtLeast<2>, Fold<kEqual>},
+    {Operator::kNotEqual, L"<>", 40, kInfix, AtLeast<2>, Fold<kNotEqual>},
+    {Operator::kAdd, L"+", 50, kInfix, AtLeast<1>, Fold<kAdd>},
+    {Operator::kSubtract, L"-", 50, kInfix, AtLeast<1>, Fold<kSubtract>},
+    {Operator::kMultiply, L"*", 60, kInfix, AtLeast<0>, Fold<kMultiply>},
+    {Operator::kDivide, L"/", 60, kInfix, AtLeast<1>, Fold<kDivide>},
+    {Operator::kPower, L"^", 70, kInfix, AtLeast<2>, Fold<kPower>},
+    {Operator::kPercent, L"%", 80, kPostfix, Singles<1>, EvalPercent},
+    {Operator::kPlusSign, L"+", 90, kPrefix, Singles<1>, EvalPlusSign},
+    {Operator::kMinusSign, L"-", 90, kPrefix, Singles<1>, EvalMinusSign},
+    {Operator::kRange, L"..", 100, kInfix, AtLeast<2>, EvalRange},
+    {Operator::kSheetRange, L":", 100, kInfix, Between<1, 2>, EvalSheetRange},
+    {Operator::kFullRef, L"!", 100, kInfix, Exactly<2>, EvalFullRef},
+};
+
+bool BuildsReference(Operator op) { return op >= Operator::kRange; }
+
+std::unique_ptr<CCFunc> NewOperator(Operator op) {
+    if (BuildsReference(op)) return std::make_unique<CCRefFunc>();
+    return std::make_unique<CCFunc>();
+}
+
+struct OperatorObjects {
+    std::unique_ptr<CCFunc> objects[kOperators];
+    OperatorObjects() {
+        for (int i = 0; i < kOperators; ++i) objects[i] = NewOperator(kRows[i].op);
+    }
+};
+
+OperatorObjects & Objects() {
+    static OperatorObjects * const objects = new OperatorObjects;
+    return *objects;
+}
+
+} // namespace
+
+CCFunc * OperatorObject(Operator op) { return Objects().objects[int(op)].get(); }
+
+void InitOperators(std::vector<CCFunc *> & functions) {
+    for (OperatorRow const & row : kRows) {
+        CCFunc * const func = OperatorObject(row.op);
+        func->Init(row.glyph, row.priority, row.kind, 0, row.check, row.eval);
+        functions.push_back(func);
+    }
+}
+
+} // namespace cells::internal

@@ -1,0 +1,69 @@
+// Walks over the values of arguments.
+#pragma once
+
+#include "core/BulkRead.h"
+#include "functions/Arguments.h"
+
+#include <vector>
+
+namespace cells::internal {
+
+// The values of one argument in order. The walk is closed with the object.
+//
+//     ValueWalk walk(ctx, formula, current);
+//     if (!walk.IsOpen()) return result.Set(errRef);
+//     while (walk.Next(value)) ...
+//
+// A constant, an operator or (where the host allows it) a single cell is read at once, without the
+// calls of the protocol; what is delivered is the same.
+class ValueWalk {
+public:
+    ValueWalk(CTX * ctx, CCFormula * formula, CCRef const * current);
+    ValueWalk(ValueWalk const &) = delete;
+    ValueWalk & operator=(ValueWalk const &) = delete;
+    ~ValueWalk();
+
+    bool IsOpen() const { return m_Kind != Kind::kFailed; }
+    bool Next(CCCellValue & value);
+    // Width and height; only while open.
+    bool Size(CSize & size);
+
+private:
+    enum class Kind { kFailed, kWalk, kConstant, kOperator, kCell, kDone };
+    static Kind KindOf(CTX * ctx, CCFormula * formula);
+
+    CTX * m_Ctx;
+    CCFormula * m_Formula;
+    CCRef const * m_Current;
+    Kind m_Kind;
+    ushort m_Handle = 0;
+};
+
+// Calls `visit` with every value of every argument; false where one cannot be opened.
+template <typename Visit>
+bool ForEachValue(CTX * ctx, CCFormulaList const * args, CCRef const * current, Visit && visit) {
+    CCCellValue value;
+    for (; args; args = args->next) {
+        ValueWalk walk(ctx, args->formula, current);
+        if (!walk.IsOpen()) return false;
+        while (walk.Next(value)) visit(value);
+    }
+    return true;
+}
+
+// Gives every number of one argument, or of all, to the sink and skips everything else; regions go
+// in bulk where the host serves them so. kBadReference where one cannot be opened.
+Status ForEachNumberOf(CTX * ctx, CCFormula * formula, CCRef const * current, NumberSink & sink);
+Status ForEachNumber(CTX * ctx, CCFormulaList const * args, CCRef const * current, NumberSink & sink);
+
+struct NumberStats {
+    double sum = 0, sumSquares = 0, count = 0;
+};
+
+// Sum, sum of squares and count of all numbers, gathered by argument.
+Status ListStats(CTX * ctx, CCFormulaList const * args, CCRef const * current, NumberStats & stats);
+
+// All numbers, in walking order.
+Status CollectDoubles(CTX * ctx, CCFormulaList const * args, CCRef const * current, std::vector<double> & out);
+
+} // namespace cells::internal
