@@ -20,6 +20,7 @@ CCCell::CCCell(CCCell const & other)
     : CCItem(other), m_nFormat(other.m_nFormat), m_bCircular(other.m_bCircular), m_Value(other.m_Value),
       m_pFormula(other.m_pFormula ? other.m_pFormula->Copy() : nullptr) {}
 
+CCCell::CCCell() = default;
 CCCell::~CCCell() = default;
 
 CCCellFormat const & CCCell::getCFmt() const { return *CCCellFormatTable::CCellFormats->GetAt(m_nFormat); }

@@ -26,7 +26,7 @@ enum EFormulaState : uchar { kFormulaNone = 0, kFormulaNormal = 'F', kFormulaCir
 
 class CVCELLS_API CCCell : public CCItem {
 public:
-    CCCell() = default;
+    CCCell();
     CCCell(CCCell const & other);
     ~CCCell() override;
 
@@ -91,6 +91,8 @@ public:
     CCCellFormat const & getCFmt() const;
     void putCFmt(CCCellFormat const & format);
     CCCellValue const & GetValue() const { return m_Value; }
+    // Gives a cell that nobody depends on yet its number, without any of the effects of an edit.
+    void SetPlainNumber(double number, CCNumberFormat & format) { m_Value.Set(number, format); }
     int IsValueNumber() const { return m_Value.IsNumber(); }
     int IsValueText() const { return m_Value.IsText(); }
     int IsValueError() const { return m_Value.IsError(); }

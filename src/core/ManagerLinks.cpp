@@ -77,7 +77,8 @@ CCCellManager::CCDocItem * CCCellManager::FindDocItem(CCRef const * ref) const {
 }
 
 bool CCCellManager::CCDocItem::IsEqual(CCItem const * item) const {
-    return item && item->GetRef() && m_Ref.CCRef::IsEqual(item->GetRef());
+    CCRef const & own = m_Ref;
+    return item && item->GetRef() && own.IsEqual(item->GetRef());
 }
 
 int CCCellManager::RegisterDocumentDependent(CCDocumentRef const * ref, CCRef const * dependent) {

@@ -153,6 +153,21 @@ void CCNumberFormat::ReadBuff(uchar const * buffer) {
     m_nData = static_cast<unsigned short>(buffer[3] | buffer[4] << 8);
 }
 
+bool CCNumberFormat::PackPlain(std::uint32_t & packed) const {
+    if (m_bCustom || m_nData != 0 || m_nOptionsB != 0) return false;
+    packed = std::uint32_t(m_nSetMask) << 16 | std::uint32_t(m_nOptionsA) << 8 | m_nType;
+    return true;
+}
+
+void CCNumberFormat::UnpackPlain(std::uint32_t packed) {
+    m_nSetMask = static_cast<unsigned short>(packed >> 16);
+    m_nOptionsA = uchar(packed >> 8);
+    m_nType = uchar(packed);
+    m_nOptionsB = 0;
+    m_nData = 0;
+    m_bCustom = false;
+}
+
 bool CCNumberFormat::SameField(Field const & field, CCNumberFormat const & other) const {
     return ((m_nOptionsA ^ other.m_nOptionsA) & field.optionsA) == 0 &&
            ((m_nOptionsB ^ other.m_nOptionsB) & field.optionsB) == 0 &&

@@ -179,6 +179,11 @@ public:
     void FillBuff(uchar * buffer) const;
     void ReadBuff(uchar const * buffer);
 
+    // Four bytes that hold a format without date and time options, strings and custom text; false
+    // for any other. For hosts that keep many plain numbers.
+    bool PackPlain(std::uint32_t & packed) const;
+    void UnpackPlain(std::uint32_t packed);
+
     // The set algebra. set overlays this record with the fields that `other` has; the type always
     // counts as had.
     void set(CCNumberFormat const & other);

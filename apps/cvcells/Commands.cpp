@@ -1,0 +1,184 @@
+#include "cvcells/Commands.h"
+
+#include "cvcells/Csv.h"
+#include "cvcells/Prompt.h"
+#include "cvcells/Session.h"
+#include "formula/FunctionRegistry.h"
+#include "host/Engine.h"
+#include "platform/Utf.h"
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+#include <sstream>
+#include <unistd.h>
+
+namespace cells::app {
+namespace {
+
+using host::Area;
+using host::Place;
+using host::Sheet;
+
+// A line on a terminal for work of more than half a second.
+class ProgressLine {
+public:
+    bool Tick(int done, int total) {
+        using namespace std::chrono;
+        if (!isatty(STDERR_FILENO) || steady_clock::now() - m_Start < milliseconds(500)) return true;
+        std::cerr << "\rcalculating " << 100 * done / std::max(total, 1) << "%" << std::flush;
+        m_Shown = true;
+        return true;
+    }
+    ~ProgressLine() {
+        if (m_Shown) std::cerr << "\r                    \r" << std::flush;
+    }
+
+private:
+    std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
+    bool m_Shown = false;
+};
+
+// "A1=5": the text behind the first "=" is entered.
+void EnterAssignment(Sheet & sheet, std::string const & assignment) {
+    std::size_t const equals = assignment.find('=');
+    auto const place = host::ParsePlace(assignment.substr(0, std::min(equals, assignment.size())));
+    if (equals == std::string::npos || !place) throw InputError("--set " + assignment + ": expected CELL=TEXT");
+    sheet.Enter(*place, assignment.substr(equals + 1));
+}
+
+TextFormat InputFormatOf(CalcOptions const & options) {
+    if (options.inputFormat.empty()) return FormatOf(options.file);
+    return options.inputFormat == "tsv" ? TextFormat::kTsv : TextFormat::kCsv;
+}
+
+OutputFormat OutputFormatOf(std::string const & name) {
+    if (name == "csv") return OutputFormat::kCsv;
+    if (name == "tsv") return OutputFormat::kTsv;
+    return name == "json" ? OutputFormat::kJson : OutputFormat::kTable;
+}
+
+Area ShownArea(Sheet const & sheet, std::string const & range) {
+    if (range.empty()) return {{0, 0}, sheet.UsedArea().value_or(Area{}).last};
+    if (auto const area = host::ParseArea(range)) return *area;
+    throw InputError("--range " + range + ": no such area");
+}
+
+int RunGuarded(std::ostream & errors, auto && work) {
+    try {
+        return work();
+    } catch (std::exception const & failure) {
+        errors << "cvcells: " << failure.what() << '\n';
+        return 1;
+    }
+}
+
+} // namespace
+
+int Calc(CalcOptions const & options) {
+    return RunGuarded(std::cerr, [&] {
+        Sheet sheet(options.locale);
+        ProgressLine progress;
+        sheet.OnProgress([&](int done, int total) { return progress.Tick(done, total); });
+        LoadText(sheet, options.file, ReadFile(options.file), InputFormatOf(options));
+        for (std::string const & assignment : options.set) EnterAssignment(sheet, assignment);
+        sheet.Recalculate();
+        Show const show = options.show == "formulas" ? Show::kFormulas : Show::kValues;
+        WriteFile(options.output, Render(sheet, ShownArea(sheet, options.range), OutputFormatOf(options.format), show));
+        return 0;
+    });
+}
+
+// Each text has a cell of its own below and beyond whatever is set.
+int Eval(std::string const & locale, std::vector<std::string> const & set, std::vector<std::string> const & texts) {
+    return RunGuarded(std::cerr, [&] {
+        Sheet sheet(locale);
+        for (std::string const & assignment : set) EnterAssignment(sheet, assignment);
+        int const column = sheet.UsedArea() ? sheet.UsedArea()->last.column + 1 : 0;
+        if (column >= host::kColumns || texts.size() > std::size_t(host::kRows))
+            throw InputError("no room beyond the used part of the sheet");
+        int row = 0;
+        int status = 0;
+        std::string message;
+        sheet.OnMessage([&](unsigned int, std::string const & text) { message = text; });
+        for (std::string const & text : texts) {
+            Place const place{column, row++};
+            message.clear();
+            sheet.Enter(place, text);
+            sheet.Recalculate();
+            std::cout << sheet.Text(place) << '\n';
+            if (message.empty()) continue;
+            std::cerr << "cvcells: " << text << ": " << message << '\n';
+            status = 1;
+        }
+        return status;
+    });
+}
+
+int Repl(std::string const & locale, std::string const & file) {
+    return RunGuarded(std::cerr, [&] {
+        Session session(locale, std::cout, true);
+        if (!file.empty()) session.Execute("load " + file);
+        Prompt prompt;
+        int status = 0;
+        std::string line;
+        for (int number = 1; prompt.Read(line); ++number) {
+            try {
+                if (!session.Execute(line)) break;
+            } catch (std::exception const & failure) {
+                if (!prompt.IsInteractive()) std::cerr << "line " << number << ": ";
+                std::cerr << failure.what() << '\n';
+                if (!prompt.IsInteractive()) status = 1;
+            }
+        }
+        return status;
+    });
+}
+
+int TestFiles(std::string const & locale, std::vector<std::string> const & files) {
+    int failures = 0, expectations = 0;
+    int const status = RunGuarded(std::cerr, [&] {
+        for (std::string const & file : files) {
+            Session session(locale, std::cout, false);
+            std::istringstream lines(ReadFile(file));
+            std::string line;
+            for (int number = 1; std::getline(lines, line); ++number) {
+                if (line.rfind("expect", 0) == 0) ++expectations;
+                try {
+                    if (!session.Execute(line)) break;
+                } catch (std::exception const & failure) {
+                    ++failures;
+                    std::cout << file << ":" << number << ": " << line << ": " << failure.what() << '\n';
+                }
+            }
+            for (std::string const & flaw : session.GetSheet().CheckInvariants()) {
+                ++failures;
+                std::cout << file << ": " << flaw << '\n';
+            }
+        }
+        return 0;
+    });
+    std::cout << expectations << " expectations, " << failures << " failed\n";
+    return status || failures ? 1 : 0;
+}
+
+int Functions(std::string const & name) {
+    host::StartEngine();
+    bool found = false;
+    for (int i = 0; i < GetBuiltInFuncSize(); ++i) {
+        CCFunc const & func = *GetBuiltInFunc()[i];
+        CString const local(func.LocalName());
+        CString description, arguments;
+        if (func.kind != kFunction || (!name.empty() && local.CompareNoCase(FromUtf8(name)) != 0)) continue;
+        found = true;
+        func.GetFuncString(description, 1);
+        func.GetFuncString(arguments, 2);
+        std::cout << ToUtf8(local) << '(' << ToUtf8(arguments) << ")  " << ToUtf8(description)
+                  << (func.eval ? "" : "  [not computed yet]") << '\n';
+    }
+    if (found) return 0;
+    std::cerr << "cvcells: no function " << name << '\n';
+    return 1;
+}
+
+} // namespace cells::app

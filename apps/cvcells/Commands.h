@@ -1,0 +1,30 @@
+// The commands of the program. Each gives an exit status: 0, or 1 for bad input.
+#pragma once
+
+#include "cvcells/Output.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace cells::app {
+
+struct CalcOptions {
+    std::string file;
+    std::string inputFormat; // "csv", "tsv" or by extension
+    std::string format = "table";
+    std::string show = "values";
+    std::string range;
+    std::string locale;
+    std::vector<std::string> set; // CELL=TEXT, entered after the load
+    std::string output = "-";
+};
+
+int Calc(CalcOptions const & options);
+int Eval(std::string const & locale, std::vector<std::string> const & set, std::vector<std::string> const & texts);
+int Repl(std::string const & locale, std::string const & file);
+int TestFiles(std::string const & locale, std::vector<std::string> const & files);
+// The function catalogue: one line a function, or all of one.
+int Functions(std::string const & name);
+
+} // namespace cells::app

@@ -1,0 +1,148 @@
+#include "cvcells/Csv.h"
+
+#include "platform/Utf.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csv.h>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <vector>
+
+namespace cells::app {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void Fail(std::string const & name, std::size_t line, std::size_t column, std::string const & what) {
+    throw InputError(name + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + what);
+}
+
+void RequireUtf8(std::string const & name, std::string const & content) {
+    std::size_t const bad = FindInvalidUtf8(content);
+    if (bad == content.size()) return;
+    std::size_t const start = content.rfind('\n', bad) == std::string::npos || bad == 0 ? 0 : content.rfind('\n', bad - 1) + 1;
+    std::size_t const line = std::size_t(std::count(content.begin(), content.begin() + std::ptrdiff_t(bad), '\n')) + 1;
+    Fail(name, line, bad - start + 1, "the text is not UTF-8");
+}
+
+struct Field {
+    host::Place place;
+    std::string text;
+};
+
+// Collects the fields that the parser calls out.
+struct Collector {
+    std::string name;
+    std::size_t line = 1;
+    host::Place next{0, 0};
+    std::vector<Field> fields;
+    std::string failure;
+
+    void Take(char const * text, std::size_t size) {
+        if (size > 0 && failure.empty()) {
+            if (next.column >= host::kColumns) failure = "more than 256 columns";
+            else if (next.row >= host::kRows) failure = "more than 65536 rows";
+            else fields.push_back({next, std::string(text, size)});
+        }
+        ++next.column;
+    }
+    void EndRow() {
+        next.column = 0;
+        ++next.row;
+    }
+};
+
+int KeepBlanks(unsigned char) { return 0; }
+
+// The parser of libcsv, released with the object.
+struct Parser {
+    csv_parser parser;
+    explicit Parser(char separator) {
+        if (csv_init(&parser, CSV_STRICT_FINI | CSV_REPALL_NL | CSV_APPEND_NULL) != 0) throw std::bad_alloc();
+        csv_set_delim(&parser, static_cast<unsigned char>(separator));
+        csv_set_space_func(&parser, KeepBlanks);
+    }
+    Parser(Parser const &) = delete;
+    Parser & operator=(Parser const &) = delete;
+    ~Parser() { csv_free(&parser); }
+};
+
+void OnField(void * text, std::size_t size, void * data) {
+    static_cast<Collector *>(data)->Take(static_cast<char const *>(text), size);
+}
+
+void OnRow(int, void * data) { static_cast<Collector *>(data)->EndRow(); }
+
+void Collect(Collector & collector, std::string const & content, char separator) {
+    Parser csv(separator);
+    for (std::size_t at = 0; at < content.size(); ++collector.line) {
+        std::size_t const end = std::min(content.find('\n', at), content.size() - 1) + 1;
+        std::size_t const taken = csv_parse(&csv.parser, content.data() + at, end - at, OnField, OnRow, &collector);
+        if (taken != end - at) Fail(collector.name, collector.line, taken + 1, csv_strerror(csv_error(&csv.parser)));
+        if (!collector.failure.empty())
+            Fail(collector.name, collector.line, std::size_t(collector.next.column) + 1, collector.failure);
+        at = end;
+    }
+    if (csv_fini(&csv.parser, OnField, OnRow, &collector) != 0)
+        Fail(collector.name, collector.line, 1, "a quoted field does not end");
+    if (!collector.failure.empty()) Fail(collector.name, collector.line, 1, collector.failure);
+}
+
+} // namespace
+
+TextFormat FormatOf(std::string const & path) {
+    std::string const extension = fs::path(path).extension().string();
+    return extension == ".tsv" || extension == ".tab" ? TextFormat::kTsv : TextFormat::kCsv;
+}
+
+std::string ReadFile(std::string const & path) {
+    if (path == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
+    if (fs::is_directory(path)) throw InputError(path + ": is a folder");
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw InputError(path + ": " + std::strerror(errno));
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteFile(std::string const & path, std::string const & content) {
+    if (path == "-") {
+        std::cout << content << std::flush;
+        return;
+    }
+    std::string const temporary = path + ".new";
+    {
+        std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
+        file << content << std::flush;
+        if (!file) throw InputError(path + ": cannot be written");
+    }
+    std::error_code failure;
+    fs::rename(temporary, path, failure);
+    if (failure) throw InputError(path + ": " + failure.message());
+}
+
+void LoadText(host::Sheet & sheet, std::string const & name, std::string const & content, TextFormat format) {
+    constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
+    RequireUtf8(name, content);
+    Collector collector{name, 1, {0, 0}, {}, {}};
+    bool const marked = content.compare(0, 3, kByteOrderMark) == 0;
+    Collect(collector, marked ? content.substr(3) : content, format == TextFormat::kTsv ? '\t' : ',');
+    host::Sheet::Bulk bulk(sheet);
+    for (Field const & field : collector.fields) bulk.Enter(field.place, field.text);
+    bulk.Commit();
+}
+
+std::string QuoteField(std::string const & field, char separator) {
+    bool const plain = field.find_first_of(std::string("\"\r\n") + separator) == std::string::npos;
+    if (plain) return field;
+    std::string quoted = "\"";
+    for (char c : field) {
+        if (c == '"') quoted += '"';
+        quoted += c;
+    }
+    return quoted + '"';
+}
+
+} // namespace cells::app

@@ -1,0 +1,25 @@
+// Lines from a person at a terminal, with history and completion of function names, or from a pipe.
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace cells::app {
+
+class Prompt {
+public:
+    Prompt();
+    Prompt(Prompt const &) = delete;
+    Prompt & operator=(Prompt const &) = delete;
+    ~Prompt();
+
+    bool IsInteractive() const { return m_Editor != nullptr; }
+    // The next line without its end; false at the end of the input.
+    bool Read(std::string & line);
+
+private:
+    struct Editor;
+    std::unique_ptr<Editor> m_Editor; // null for a pipe
+};
+
+} // namespace cells::app

@@ -1,0 +1,273 @@
+#include "cvcells/Session.h"
+
+#include "cvcells/Csv.h"
+#include "cvcells/Output.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <ostream>
+
+namespace cells::app {
+namespace {
+
+using host::Area;
+using host::Kind;
+using host::Place;
+using host::Value;
+
+constexpr char const * kClasses[] = {"general", "fixed", "currency", "percent", "fraction",
+                                     "scientific", "time", "date", "logical"};
+
+std::string Trimmed(std::string const & text) {
+    std::size_t const first = text.find_first_not_of(" \t\r");
+    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+// Cuts the first word off.
+std::string TakeWord(std::string & text) {
+    std::size_t const end = std::min(text.find_first_of(" \t"), text.size());
+    std::string const word = text.substr(0, end);
+    text = Trimmed(text.substr(end));
+    return word;
+}
+
+Place RequirePlace(std::string const & text) {
+    if (auto const place = host::ParsePlace(text)) return *place;
+    throw CommandError("no such cell: " + (text.empty() ? "(nothing)" : text));
+}
+
+Area RequireArea(std::string const & text) {
+    if (auto const area = host::ParseArea(text)) return *area;
+    throw CommandError("no such area: " + (text.empty() ? "(nothing)" : text));
+}
+
+template <typename Number>
+Number RequireNumber(std::string const & text) {
+    Number number{};
+    auto const result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size())
+        throw CommandError("no number: " + (text.empty() ? "(nothing)" : text));
+    return number;
+}
+
+std::string Describe(Value const & value) {
+    char number[40];
+    switch (value.kind) {
+    case Kind::kNumber:
+        std::snprintf(number, sizeof number, "%.17g", value.number);
+        return std::string("number ") + number;
+    case Kind::kText: return "text " + value.text;
+    case Kind::kError: return "error " + std::to_string(value.error);
+    default: return "empty";
+    }
+}
+
+std::string Joined(std::vector<std::string> const & words) {
+    std::string text;
+    for (std::string const & word : words) text += (text.empty() ? "" : " ") + word;
+    return text.empty() ? "none" : text;
+}
+
+} // namespace
+
+Session::Command const Session::kCommands[] = {
+    {"?", &Session::Explain},       {"clear", &Session::Clear},      {"format", &Session::Format},
+    {"name", &Session::DefineName}, {"locale", &Session::SetLocale}, {"load", &Session::Load},
+    {"save", &Session::Save},       {"idle", &Session::Idle},        {"help", &Session::Help},
+    {"expect", &Session::Expect},
+};
+
+std::string const & Session::HelpText() {
+    static std::string const text =
+        "CELL: TEXT            enter a text, as a user types it\n"
+        "CELL, CELL:CELL       show values\n"
+        "? CELL                formula, kind, value, format class, precedents and dependents\n"
+        "clear CELL            empty a cell\n"
+        "format CELL CLASS [N] show numbers as general, fixed, currency, percent, fraction,\n"
+        "                      scientific, time, date or logical, with N decimals\n"
+        "name NAME AREA        give a cell or an area a name\n"
+        "locale TAG            start an empty sheet in another locale, such as de-DE\n"
+        "load FILE, save FILE  comma or tab separated text, by extension\n"
+        "idle                  bring everything up to date (edits do it by themselves)\n"
+        "expect CELL TEXT      the cell shows the text; also: expect value CELL NUMBER,\n"
+        "                      expect text CELL TEXT, expect error N CELL, expect empty CELL,\n"
+        "                      expect formula CELL TEXT, expect class N CELL,\n"
+        "                      expect message N, expect no message\n"
+        "# ...                 a comment\n"
+        "help, quit\n";
+    return text;
+}
+
+Session::Session(std::string locale, std::ostream & out, bool tellChanges)
+    : m_Out(out), m_bTellChanges(tellChanges) {
+    NewSheet(locale);
+}
+
+void Session::NewSheet(std::string const & locale) {
+    m_Sheet = std::make_unique<host::Sheet>(locale);
+    m_Sheet->OnChanged([this](Place place) { m_Changed.push_back(place); });
+    m_Sheet->OnMessage([this](unsigned int id, std::string const & text) {
+        m_Messages.push_back(id);
+        if (m_bTellChanges) m_Out << text << '\n';
+    });
+}
+
+// Brings dependents up to date and tells what changed.
+void Session::Edited() {
+    m_Sheet->Recalculate();
+    std::sort(m_Changed.begin(), m_Changed.end(),
+              [](Place a, Place b) { return a.row != b.row ? a.row < b.row : a.column < b.column; });
+    m_Changed.erase(std::unique(m_Changed.begin(), m_Changed.end()), m_Changed.end());
+    if (m_bTellChanges)
+        for (Place place : m_Changed) m_Out << host::NameOf(place) << " = " << m_Sheet->Text(place) << '\n';
+    m_Changed.clear();
+}
+
+// "A1: text"; an area has no blank behind its colon.
+bool Session::TryEnter(std::string const & line) {
+    std::size_t const colon = line.find(':');
+    if (colon == std::string::npos) return false;
+    auto const place = host::ParsePlace(Trimmed(line.substr(0, colon)));
+    if (!place || host::ParseArea(line)) return false;
+    std::string const text = line.substr(colon + 1);
+    m_Messages.clear();
+    m_Sheet->Enter(*place, text.empty() || text[0] != ' ' ? text : text.substr(1));
+    Edited();
+    return true;
+}
+
+bool Session::Execute(std::string const & raw) {
+    std::string line = Trimmed(raw);
+    if (line.empty() || line[0] == '#') return true;
+    if (line == "quit") return false;
+    if (auto const area = host::ParseArea(line)) {
+        ShowArea(*area);
+        return true;
+    }
+    if (TryEnter(line)) return true;
+    if (line[0] == '?') line.insert(1, " ");
+    std::string const word = TakeWord(line);
+    for (Command const & command : kCommands) {
+        if (word != command.name) continue;
+        (this->*command.action)(line);
+        return true;
+    }
+    throw CommandError("unknown command: " + word + " (help lists them)");
+}
+
+void Session::ShowArea(Area const & area) {
+    if (area.first == area.last)
+        m_Out << m_Sheet->Text(area.first) << '\n';
+    else
+        m_Out << Render(*m_Sheet, area, OutputFormat::kTable, Show::kValues);
+}
+
+void Session::Explain(std::string const & rest) {
+    Place const place = RequirePlace(rest);
+    Value const value = m_Sheet->Get(place);
+    m_Out << host::NameOf(place) << '\n';
+    m_Out << "  shows       " << m_Sheet->Text(place) << '\n';
+    m_Out << "  formula     " << m_Sheet->Formula(place).value_or("none") << '\n';
+    m_Out << "  holds       " << Describe(value) << '\n';
+    if (value.kind == Kind::kNumber) {
+        bool const known = value.formatClass < int(std::size(kClasses));
+        m_Out << "  class       " << value.formatClass << ' ' << (known ? kClasses[value.formatClass] : "") << '\n';
+    }
+    m_Out << "  reads       " << Joined(m_Sheet->Precedents(place)) << '\n';
+    m_Out << "  is read by  " << Joined(m_Sheet->Dependents(place)) << '\n';
+}
+
+void Session::Clear(std::string const & rest) {
+    m_Messages.clear();
+    m_Sheet->Clear(RequirePlace(rest));
+    Edited();
+}
+
+void Session::Format(std::string const & rest) {
+    std::string words = rest;
+    Place const place = RequirePlace(TakeWord(words));
+    std::string const name = TakeWord(words);
+    auto const * const found = std::find(std::begin(kClasses), std::end(kClasses), name);
+    if (found == std::end(kClasses)) throw CommandError("no such format class: " + name);
+    std::optional<int> decimals;
+    if (!words.empty()) decimals = RequireNumber<int>(words);
+    if (decimals && (*decimals < 0 || *decimals > 15)) throw CommandError("decimals go from 0 to 15");
+    m_Sheet->SetFormat(place, int(found - kClasses), decimals);
+    Edited();
+}
+
+void Session::DefineName(std::string const & rest) {
+    std::string words = rest;
+    std::string const name = TakeWord(words);
+    if (!m_Sheet->DefineName(name, RequireArea(words))) throw CommandError("no good name: " + name);
+    Edited();
+}
+
+void Session::SetLocale(std::string const & rest) { NewSheet(rest); }
+
+void Session::Load(std::string const & rest) {
+    LoadText(*m_Sheet, rest, ReadFile(rest), FormatOf(rest));
+    m_Changed.clear();
+}
+
+void Session::Save(std::string const & rest) {
+    if (rest.empty()) throw CommandError("save needs the name of a file");
+    Area const area{{0, 0}, m_Sheet->UsedArea().value_or(Area{}).last};
+    OutputFormat const format = FormatOf(rest) == TextFormat::kTsv ? OutputFormat::kTsv : OutputFormat::kCsv;
+    WriteFile(rest, Render(*m_Sheet, area, format, Show::kFormulas));
+}
+
+void Session::Idle(std::string const &) { Edited(); }
+
+void Session::Help(std::string const &) { m_Out << HelpText(); }
+
+void Session::ExpectKind(Place place, Kind kind) const {
+    Value const value = m_Sheet->Get(place);
+    if (value.kind != kind) throw Unmet(host::NameOf(place) + " holds " + Describe(value));
+}
+
+void Session::Expect(std::string const & rest) {
+    std::string words = rest;
+    std::string const what = TakeWord(words);
+    auto const require = [](bool met, std::string const & found) {
+        if (!met) throw Unmet("found " + found);
+    };
+    if (what == "value") {
+        Place const place = RequirePlace(TakeWord(words));
+        ExpectKind(place, Kind::kNumber);
+        Value const value = m_Sheet->Get(place);
+        require(value.number == RequireNumber<double>(words), Describe(value));
+    } else if (what == "text") {
+        Place const place = RequirePlace(TakeWord(words));
+        ExpectKind(place, Kind::kText);
+        require(m_Sheet->Get(place).text == words, m_Sheet->Get(place).text);
+    } else if (what == "error") {
+        int const number = RequireNumber<int>(TakeWord(words));
+        Place const place = RequirePlace(words);
+        ExpectKind(place, Kind::kError);
+        require(m_Sheet->Get(place).error == number, Describe(m_Sheet->Get(place)));
+    } else if (what == "empty") {
+        ExpectKind(RequirePlace(words), Kind::kEmpty);
+    } else if (what == "formula") {
+        std::string const found = m_Sheet->Formula(RequirePlace(TakeWord(words))).value_or("no formula");
+        require(found == words, found);
+    } else if (what == "class") {
+        int const number = RequireNumber<int>(TakeWord(words));
+        Place const place = RequirePlace(words);
+        ExpectKind(place, Kind::kNumber);
+        int const found = m_Sheet->Get(place).formatClass;
+        require(found == number, "class " + std::to_string(found));
+    } else if (what == "message") {
+        unsigned const id = RequireNumber<unsigned>(words);
+        require(std::count(m_Messages.begin(), m_Messages.end(), id) == 1,
+                m_Messages.empty() ? "no message" : "message " + std::to_string(m_Messages.front()));
+    } else if (what == "no" && words == "message") {
+        require(m_Messages.empty(), m_Messages.empty() ? "" : "message " + std::to_string(m_Messages.front()));
+    } else {
+        std::string const shown = m_Sheet->Text(RequirePlace(what));
+        require(shown == words, shown.empty() ? "nothing" : shown);
+    }
+}
+
+} // namespace cells::app

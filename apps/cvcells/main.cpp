@@ -1,0 +1,90 @@
+// cvcells: calculates sheets, evaluates entries, runs sessions.
+#include "cvcells/Commands.h"
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+namespace {
+
+constexpr int kBadUsage = 2;
+
+using cells::app::CalcOptions;
+
+void AddCalc(CLI::App & app, std::function<int()> & run) {
+    auto options = std::make_shared<CalcOptions>();
+    CLI::App * calc = app.add_subcommand("calc", "Read a sheet, bring it up to date and print it");
+    calc->add_option("FILE", options->file, "CSV or TSV in UTF-8; - is standard input")->required();
+    calc->add_option("--input-format", options->inputFormat, "csv or tsv; by extension otherwise")
+        ->check(CLI::IsMember({"csv", "tsv"}));
+    calc->add_option("--format", options->format, "table, csv, tsv or json")
+        ->check(CLI::IsMember({"table", "csv", "tsv", "json"}))
+        ->capture_default_str();
+    calc->add_option("--show", options->show, "values or formulas")
+        ->check(CLI::IsMember({"values", "formulas"}))
+        ->capture_default_str();
+    calc->add_option("--range", options->range, "the area to print, such as A1:F20");
+    calc->add_option("--locale", options->locale, "a locale tag, such as de-DE; the user's otherwise");
+    calc->add_option("--set", options->set, "CELL=TEXT, entered after the load")->allow_extra_args(false);
+    calc->add_option("-o,--output", options->output, "the file to write; - is standard output")->capture_default_str();
+    calc->callback([&run, options] { run = [options] { return cells::app::Calc(*options); }; });
+}
+
+void AddEval(CLI::App & app, std::function<int()> & run) {
+    struct Options {
+        std::string locale;
+        std::vector<std::string> set, texts;
+    };
+    auto options = std::make_shared<Options>();
+    CLI::App * eval = app.add_subcommand("eval", "Enter each text into a cell and print what the cell shows");
+    eval->add_option("TEXT", options->texts, "what a user would type, such as =1+2")->required();
+    eval->add_option("--set", options->set, "CELL=TEXT, entered before")->allow_extra_args(false);
+    eval->add_option("--locale", options->locale, "a locale tag, such as de-DE; the user's otherwise");
+    eval->callback([&run, options] {
+        run = [options] { return cells::app::Eval(options->locale, options->set, options->texts); };
+    });
+}
+
+void AddRepl(CLI::App & app, std::function<int()> & run) {
+    auto locale = std::make_shared<std::string>(), file = std::make_shared<std::string>();
+    CLI::App * repl = app.add_subcommand("repl", "An interactive prompt; reads a session from a pipe too");
+    repl->add_option("FILE", *file, "a sheet to load first");
+    repl->add_option("--locale", *locale, "a locale tag, such as de-DE; the user's otherwise");
+    repl->callback([&run, locale, file] { run = [=] { return cells::app::Repl(*locale, *file); }; });
+}
+
+void AddTest(CLI::App & app, std::function<int()> & run) {
+    auto locale = std::make_shared<std::string>("C");
+    auto files = std::make_shared<std::vector<std::string>>();
+    CLI::App * test = app.add_subcommand("test", "Run session files and report the expectations that fail");
+    test->add_option("FILE", *files, "session files")->required();
+    test->add_option("--locale", *locale, "a locale tag; C is the invariant locale")->capture_default_str();
+    test->callback([&run, locale, files] { run = [=] { return cells::app::TestFiles(*locale, *files); }; });
+}
+
+void AddFunctions(CLI::App & app, std::function<int()> & run) {
+    auto name = std::make_shared<std::string>();
+    CLI::App * functions = app.add_subcommand("functions", "The function catalogue");
+    functions->add_option("NAME", *name, "one function only");
+    functions->callback([&run, name] { run = [=] { return cells::app::Functions(*name); }; });
+}
+
+} // namespace
+
+int main(int argc, char ** argv) {
+    CLI::App app("cvcells, a spreadsheet calculation engine", "cvcells");
+    app.set_version_flag("--version", CVCELLS_VERSION);
+    app.require_subcommand(1);
+    app.footer("Example: cvcells eval --set A1=1200 '=A1*1.05'");
+    std::function<int()> run;
+    AddCalc(app, run);
+    AddEval(app, run);
+    AddRepl(app, run);
+    AddTest(app, run);
+    AddFunctions(app, run);
+    try {
+        app.parse(argc, argv);
+    } catch (CLI::ParseError const & error) {
+        return app.exit(error) == 0 ? 0 : kBadUsage;
+    }
+    return run();
+}

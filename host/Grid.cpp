@@ -1,0 +1,105 @@
+#include "host/Grid.h"
+
+#include <vector>
+
+namespace cells::host {
+
+Grid::Page & Grid::MakePage(Place place) {
+    auto & column = m_Columns[std::size_t(place.column)];
+    if (!column) column = std::make_unique<Column>();
+    auto & group = (*column)[GroupOf(place.row)];
+    if (!group) group = std::make_unique<Group>();
+    auto & page = (*group)[PageOf(place.row)];
+    if (!page) page = std::make_unique<Page>();
+    return *page;
+}
+
+GridCell & Grid::MakeCell(Place place) {
+    Page & page = MakePage(place);
+    if (!page.cells) page.cells = std::make_unique<Cells>();
+    std::unique_ptr<GridCell> & cell = (*page.cells)[Slot(place)];
+    if (cell) return *cell;
+    cell = std::make_unique<GridCell>(place);
+    std::uint64_t const bit = std::uint64_t(1) << Slot(place);
+    if (page.numberMask & bit) {
+        CCNumberFormat format;
+        format.UnpackPlain(page.numbers->formats[Slot(place)]);
+        cell->SetPlainNumber(page.numbers->values[Slot(place)], format);
+        page.numberMask &= ~bit;
+    }
+    page.cellMask |= bit;
+    return *cell;
+}
+
+void Grid::PutNumber(Place place, double number, std::uint32_t format) {
+    Page & page = MakePage(place);
+    if (!page.numbers) page.numbers = std::make_unique<Numbers>();
+    page.numbers->values[Slot(place)] = number;
+    page.numbers->formats[Slot(place)] = format;
+    page.numberMask |= std::uint64_t(1) << Slot(place);
+}
+
+void Grid::RemoveNumber(Place place) {
+    if (FindPage(place)) MakePage(place).numberMask &= ~(std::uint64_t(1) << Slot(place));
+}
+
+bool Grid::NumberAt(Page const & page, std::size_t slot, double & number) {
+    if (page.numberMask >> slot & 1) {
+        number = page.numbers->values[slot];
+        return true;
+    }
+    GridCell const * const cell = page.cells ? (*page.cells)[slot].get() : nullptr;
+    if (!cell || !cell->IsValueNumber()) return false;
+    number = cell->CCCell::GetValue().GetNumber();
+    return true;
+}
+
+void Grid::ReadPage(Page const & page, std::uint64_t rows, NumberSink & sink) {
+    std::uint64_t const occupied = (page.numberMask | page.cellMask) & rows;
+    if (!occupied) return;
+    int const first = std::countr_zero(occupied);
+    std::uint64_t const run = occupied >> first;
+    bool const gapless = (run & (run + 1)) == 0;
+    if (gapless && !(page.cellMask & rows)) {
+        sink.Take(page.numbers->values + first, std::size_t(std::popcount(occupied)));
+        return;
+    }
+    double numbers[kPageRows];
+    std::size_t count = 0;
+    for (std::uint64_t left = occupied; left; left &= left - 1)
+        if (NumberAt(page, std::size_t(std::countr_zero(left)), numbers[count])) ++count;
+    sink.Take(numbers, count);
+}
+
+void Grid::ReadColumn(Area const & area, NumberSink & sink) const {
+    ForEachBand(area, [&](int pageRow) {
+        ReadPage(*FindPage(area.first.column, pageRow), RowsIn(area, pageRow), sink);
+    });
+}
+
+void Grid::ReadNumbers(Area const & area, NumberSink & sink) const {
+    if (area.first.column == area.last.column) return ReadColumn(area, sink);
+    std::size_t const width = std::size_t(area.last.column - area.first.column + 1);
+    std::vector<Page const *> pages(width);
+    std::vector<double> numbers(width * kPageRows);
+    ForEachBand(area, [&](int pageRow) {
+        std::uint64_t plain = ~std::uint64_t(0);
+        for (std::size_t i = 0; i < width; ++i) {
+            pages[i] = FindPage(area.first.column + int(i), pageRow);
+            plain &= pages[i] ? pages[i]->numberMask : 0;
+        }
+        std::size_t count = 0;
+        for (std::uint64_t left = RowsIn(area, pageRow); left; left &= left - 1) {
+            std::size_t const slot = std::size_t(std::countr_zero(left));
+            if (plain >> slot & 1) {
+                for (Page const * page : pages) numbers[count++] = page->numbers->values[slot];
+            } else {
+                for (Page const * page : pages)
+                    if (page && NumberAt(*page, slot, numbers[count])) ++count;
+            }
+        }
+        sink.Take(numbers.data(), count);
+    });
+}
+
+} // namespace cells::host

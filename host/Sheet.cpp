@@ -1,0 +1,272 @@
+#include "host/Sheet.h"
+
+#include "formula/CCFormula.h"
+#include "formula/CCNameRef.h"
+#include "formula/CCRef3D.h"
+#include "formula/CCRefList.h"
+#include "formula/CCRegionRef.h"
+#include "formula/Parser.h"
+#include "formula/Scanners.h"
+#include "host/Engine.h"
+#include "host/SheetManager.h"
+#include "host/TextBuffer.h"
+#include "platform/Resources.h"
+#include "platform/Utf.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace cells::host {
+namespace {
+
+constexpr Area kWholeGrid{{0, 0}, {kColumns - 1, kRows - 1}};
+
+kbt::multilang::CLocaleInfo const & FindLocale(std::string_view tag) {
+    StartEngine();
+    auto & cache = kbt::globals::global_environment().locales_cache();
+    return tag.empty() ? cache.user() : cache.find(FromUtf8(tag));
+}
+
+CCRCRef RefOf(Place place) { return CCRCRef(uchar(place.column), ushort(place.row)); }
+
+TextBuffer & Buffer() {
+    static TextBuffer buffer;
+    return buffer;
+}
+
+std::string PrintRef(CTX * ctx, CCRef const * ref) {
+    CCRef const * const inner = internal::InnerRef(ref);
+    if (inner) inner->Print(ctx, Buffer().Restart(), 0);
+    return inner ? ToUtf8(Buffer().View()) : std::string();
+}
+
+std::vector<std::string> PrintRefs(CTX * ctx, CCRefList * list) {
+    internal::RefListHolder const holder(list);
+    std::vector<std::string> texts;
+    for (CCRefList const * node = list; node; node = node->m_pNext)
+        if (node->m_pRef) texts.push_back(PrintRef(ctx, node->m_pRef));
+    std::sort(texts.begin(), texts.end());
+    texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
+    return texts;
+}
+
+Value ValueOf(CCCellValue const & value) {
+    Value result;
+    switch (value.GetType()) {
+    case vtNumber:
+        result.kind = Kind::kNumber;
+        result.number = value.GetNumber();
+        result.formatClass = value.GetFormat().GetType();
+        break;
+    case vtText:
+        result.kind = Kind::kText;
+        result.text = ToUtf8(value.GetTextString());
+        break;
+    case vtError:
+        result.kind = Kind::kError;
+        result.error = value.GetError();
+        break;
+    default: break;
+    }
+    return result;
+}
+
+} // namespace
+
+Sheet::Sheet(std::string_view locale) : m_Manager(std::make_unique<SheetManager>(FindLocale(locale))) {}
+
+Sheet::~Sheet() = default;
+
+CCCellManager & Sheet::Manager() { return *m_Manager; }
+
+Place Sheet::At(std::string_view place) {
+    if (auto const parsed = ParsePlace(place)) return *parsed;
+    throw std::out_of_range("no such cell: " + std::string(place));
+}
+
+void Sheet::Require(Place place) {
+    if (!IsOnGrid(place)) throw std::out_of_range("a place off the grid");
+}
+
+// A plain number goes straight to its page; everything else takes the road of the engine.
+void Sheet::Enter(Place place, std::string_view text) {
+    Require(place);
+    CString const entered = FromUtf8(text);
+    if (!m_Manager->Cells().FindCell(place)) {
+        CCCellValue value;
+        CCFormula * parsed = nullptr;
+        int const kind = _Parse(m_Manager.get(), entered, value, parsed, nullptr);
+        std::unique_ptr<CCFormula> const formula(parsed);
+        if (kind == kEntryValue && m_Manager->TryPutNumber(place, value)) return m_Manager->FinishRecalc();
+        double number;
+        std::uint32_t format;
+        bool const occupied = m_Manager->Cells().FindNumber(place, number, format);
+        if (kind == kEntryValue && value.IsEmpty() && !occupied) return;
+    }
+    m_Manager->MakeCell(place);
+    CCRCRef const ref = RefOf(place);
+    m_Manager->SetCellText(&ref, entered);
+}
+
+void Sheet::Clear(Place place) {
+    Require(place);
+    CCRCRef const ref = RefOf(place);
+    m_Manager->ClearCell(&ref, kClearFormula);
+    m_Manager->ClearCell(&ref, kClearValue);
+}
+
+void Sheet::SetFormat(Place place, int formatClass, std::optional<int> decimals) {
+    Require(place);
+    CCCellFormat format;
+    format.SetNFType(uchar(formatClass));
+    if (decimals) format.SetNFPrecision(*decimals);
+    m_Manager->MakeCell(place).SetFormat(m_Manager.get(), format);
+}
+
+std::string Sheet::Text(Place place) const {
+    Require(place);
+    std::wostream & stream = Buffer().Restart();
+    if (GridCell const * cell = m_Manager->Cells().FindCell(place)) {
+        cell->CCCell::GetValueText(m_Manager.get(), stream);
+    } else {
+        CCRCRef const ref = RefOf(place);
+        CCCellValue value;
+        if (m_Manager->GetValue(&ref, value, 0)) value.Print(m_Manager.get(), stream, 0);
+    }
+    return ToUtf8(Buffer().View());
+}
+
+std::string Sheet::EditText(Place place) {
+    Require(place);
+    CCRCRef const ref = RefOf(place);
+    auto * const cell = static_cast<GridCell *>(m_Manager->GetItem(&ref));
+    std::wostream & stream = Buffer().Restart();
+    if (cell) cell->CCCell::GetFormulaText(m_Manager.get(), stream);
+    return ToUtf8(Buffer().View());
+}
+
+std::optional<std::string> Sheet::Formula(Place place) {
+    Require(place);
+    GridCell const * const cell = m_Manager->Cells().FindCell(place);
+    if (!cell || !cell->IsFormulaLink()) return std::nullopt;
+    return EditText(place);
+}
+
+Value Sheet::Get(Place place) const {
+    Require(place);
+    CCRCRef const ref = RefOf(place);
+    CCCellValue value;
+    m_Manager->GetValue(&ref, value, 0);
+    return ValueOf(value);
+}
+
+bool Sheet::Step() { return m_Manager->DoIdle(0) != 0; }
+
+bool Sheet::Recalculate() {
+    m_Cancelled = false;
+    if (!m_Progress) {
+        while (m_Manager->DoIdle(1)) {}
+        return false;
+    }
+    int done = 0;
+    while (!m_Cancelled && Step()) {
+        int const left = m_Manager->GetCurRecalcCount() + m_Manager->GetCurProcessCount();
+        ++done;
+        if (!m_Progress(done, done + left / 64)) m_Cancelled = true;
+    }
+    return m_Cancelled;
+}
+
+void Sheet::OnProgress(std::function<bool(int, int)> progress) { m_Progress = std::move(progress); }
+
+void Sheet::OnChanged(std::function<void(Place)> changed) { m_Manager->onChanged = std::move(changed); }
+
+void Sheet::OnMessage(std::function<void(unsigned int, std::string const &)> message) {
+    m_Manager->onMessage = [message = std::move(message)](unsigned int id) {
+        if (message) message(id, ToUtf8(LoadString(id)));
+    };
+}
+
+bool Sheet::DefineName(std::string_view name, Area const & area) {
+    Require(area.first);
+    Require(area.last);
+    CString const text = FromUtf8(name);
+    wchar_t const * at = text;
+    uchar col, flags;
+    ushort row;
+    bool const isAddress = _EatRC(m_Manager.get(), at, col, row, flags) && *at == 0;
+    bool const isWord = !text.IsEmpty() && *internal::EndOfWord(text) == 0;
+    if (!isWord || isAddress) return false;
+    if (area.first == area.last) return m_Manager->DefineName(text, RefOf(area.first));
+    return m_Manager->DefineName(text, CCRegionRef(uchar(area.first.column), ushort(area.first.row),
+                                                   uchar(area.last.column), ushort(area.last.row)));
+}
+
+bool Sheet::RemoveName(std::string_view name) { return m_Manager->RemoveName(FromUtf8(name)); }
+
+void Sheet::ForEachOccupied(std::function<void(Place)> const & visit) const {
+    Grid const & grid = m_Manager->Cells();
+    grid.ForEach(kWholeGrid, [&](Place place) {
+        GridCell const * const cell = grid.FindCell(place);
+        if (!cell || !cell->IsValueEmpty() || cell->IsFormulaLink()) visit(place);
+    });
+}
+
+std::optional<Area> Sheet::UsedArea() const {
+    std::optional<Area> used;
+    ForEachOccupied([&](Place place) {
+        if (!used) used = Area{place, place};
+        used->first.column = std::min(used->first.column, place.column);
+        used->last.column = std::max(used->last.column, place.column);
+        used->last.row = place.row;
+    });
+    return used;
+}
+
+std::vector<std::string> Sheet::Precedents(Place place) {
+    Require(place);
+    GridCell * const cell = m_Manager->Cells().FindCell(place);
+    return PrintRefs(m_Manager.get(), cell ? cell->GetPrecedents(m_Manager.get()) : nullptr);
+}
+
+std::vector<std::string> Sheet::Dependents(Place place) {
+    Require(place);
+    CCRCRef const ref = RefOf(place);
+    return PrintRefs(m_Manager.get(), m_Manager->LoadDependencies(&ref));
+}
+
+std::vector<std::string> Sheet::CheckInvariants() {
+    CTX * const ctx = m_Manager.get();
+    std::vector<std::string> stored, implied, lines;
+    m_Manager->Cells().ForEachCell(kWholeGrid, [&](GridCell & cell) {
+        for (std::string const & dependent : PrintRefs(ctx, cell.LoadDependents(ctx)))
+            stored.push_back(dependent + " reads " + NameOf(cell.At()));
+        if (!cell.IsFormulaLink() || !cell.IsValidFormula()) return;
+        internal::RefListHolder const precedents(cell.GetPrecedents(ctx));
+        for (CCRefList const * node = precedents.list; node; node = node->m_pNext) {
+            CCRef const * ref = node->m_pRef;
+            std::unique_ptr<CCRef> named;
+            if (ref && ref->GetType() == kRefName) {
+                named.reset(m_Manager->TranslateNameRef(static_cast<CCNameRef const *>(ref)));
+                ref = named.get();
+            }
+            if (ref) implied.push_back(NameOf(cell.At()) + " reads " + PrintRef(ctx, ref));
+        }
+    });
+    m_Manager->Regions().ForEach([&](CCRegionRef const & region, CCRef * dependent) {
+        stored.push_back(PrintRef(ctx, dependent) + " reads " + PrintRef(ctx, &region));
+    });
+    for (auto * list : {&stored, &implied}) {
+        std::sort(list->begin(), list->end());
+        list->erase(std::unique(list->begin(), list->end()), list->end());
+    }
+    std::set_difference(stored.begin(), stored.end(), implied.begin(), implied.end(), std::back_inserter(lines));
+    for (std::string & line : lines) line = "stored, but no formula says: " + line;
+    std::vector<std::string> missing;
+    std::set_difference(implied.begin(), implied.end(), stored.begin(), stored.end(), std::back_inserter(missing));
+    for (std::string const & line : missing) lines.push_back("not stored: " + line);
+    if (int const open = m_Manager->GetOpenRefCount()) lines.push_back(std::to_string(open) + " walks left open");
+    return lines;
+}
+
+} // namespace cells::host

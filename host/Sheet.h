@@ -1,0 +1,121 @@
+// cells::host::Sheet: a spreadsheet in memory, in UTF-8.
+//
+//     cells::host::Sheet sheet;
+//     sheet.Enter("A1", "1200");
+//     sheet.Enter("A2", "=A1*1.05");
+//     sheet.Recalculate();
+//     std::cout << sheet.Text("A2") << '\n';   // 1260
+//
+// A sheet enters texts as a user types them, shows what its cells show, and keeps dependents up to
+// date when it is told to recalculate, in one go or in slices. It is the engine hosted on a sparse
+// grid; Manager() leads to the engine itself. Places off the grid throw std::out_of_range, and so
+// do texts that name no place. One thread at a time.
+#pragma once
+
+#include "host/Place.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class CCCellManager;
+
+namespace cells::host {
+
+class SheetManager;
+
+enum class Kind { kEmpty, kNumber, kText, kError };
+
+// What a cell holds.
+struct Value {
+    Kind kind = Kind::kEmpty;
+    double number = 0;   // of a number; TRUE and FALSE are 1 and 0 in format class 8
+    std::string text;    // of a text
+    int error = 0;       // of an error: 1 reference, 2 division, 3 value, 4 call, 5 circular, 9 N/A
+    int formatClass = 0; // of a number: 0 general, 1 fixed, 2 currency, 3 percent, 6 time, 7 date, 8 logical
+};
+
+class CVCELLS_API Sheet {
+public:
+    // The locale of a tag such as "de-DE"; without one, the user's.
+    explicit Sheet(std::string_view locale = {});
+    Sheet(Sheet const &) = delete;
+    Sheet & operator=(Sheet const &) = delete;
+    ~Sheet();
+
+    // Enters a text as a user types it. A formula is computed at once, its dependents when the
+    // sheet is recalculated.
+    void Enter(Place place, std::string_view text);
+    void Enter(std::string_view place, std::string_view text) { Enter(At(place), text); }
+    // Empties a cell: its value and its formula.
+    void Clear(Place place);
+
+    // Shows the numbers of a cell in a format class (see Value), with so many decimals when told.
+    void SetFormat(Place place, int formatClass, std::optional<int> decimals = {});
+
+    std::string Text(Place place) const;    // as the cell shows it
+    std::string Text(std::string_view place) const { return Text(At(place)); }
+    std::string EditText(Place place);      // as it is edited: a formula begins with "="
+    std::optional<std::string> Formula(Place place); // the edit text of a formula
+    Value Get(Place place) const;
+    Value Get(std::string_view place) const { return Get(At(place)); }
+
+    // Brings everything up to date. Recalculate does it all, Step one slice; both tell whether work
+    // remains, Recalculate only when it was cancelled.
+    bool Recalculate();
+    bool Step();
+    // Called now and then during long work; false cancels it at the next slice.
+    void OnProgress(std::function<bool(int done, int total)> progress);
+
+    // Called with each place whose value changed, and with each message (its string number).
+    void OnChanged(std::function<void(Place)> changed);
+    void OnMessage(std::function<void(unsigned int id, std::string const & text)> message);
+
+    // Names for a cell or an area. A name is a letter or "_", then letters, digits and "_", and no
+    // cell's address; false for any other.
+    bool DefineName(std::string_view name, Area const & area);
+    bool RemoveName(std::string_view name);
+
+    // The smallest area that holds all occupied cells; nothing for an empty sheet.
+    std::optional<Area> UsedArea() const;
+    // Calls visit with every occupied place, row by row.
+    void ForEachOccupied(std::function<void(Place)> const & visit) const;
+    // What a formula reads, and who reads a cell, as reference texts.
+    std::vector<std::string> Precedents(Place place);
+    std::vector<std::string> Dependents(Place place);
+
+    // Compares the stored dependents with those that the formulas imply, and the queues with what
+    // they should be; each difference is a line. Empty for a sound sheet. For debugging and tests.
+    std::vector<std::string> CheckInvariants();
+
+    CCCellManager & Manager();
+
+    // Many entries at once, with one pass of ordering and computing at the end. The outcome is that
+    // of entering them one by one and recalculating.
+    class CVCELLS_API Bulk {
+    public:
+        explicit Bulk(Sheet & sheet);
+        Bulk(Bulk const &) = delete;
+        Bulk & operator=(Bulk const &) = delete;
+        ~Bulk(); // without a commit, entries that wait are dropped
+        void Enter(Place place, std::string_view text);
+        void Commit();
+
+    private:
+        struct State;
+        std::unique_ptr<State> m_State;
+    };
+
+private:
+    static Place At(std::string_view place);
+    static void Require(Place place);
+
+    std::unique_ptr<SheetManager> m_Manager;
+    std::function<bool(int, int)> m_Progress;
+    bool m_Cancelled = false;
+};
+
+} // namespace cells::host

@@ -1,0 +1,231 @@
+#include "host/SheetManager.h"
+
+#include "formula/CCFormula.h"
+#include "formula/CCNameRef.h"
+#include "formula/CCRef3D.h"
+#include "formula/CCRefList.h"
+#include "formula/CCRegionRef.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+
+namespace cells::host {
+namespace {
+
+Place PlaceOf(CCRef const * ref) {
+    auto const & cell = *static_cast<CCRCRef const *>(ref);
+    return {cell.col, cell.row};
+}
+
+CCRegionRef const & RegionOf(CCRef const * ref) { return *static_cast<CCRegionRef const *>(ref); }
+
+Area AreaOf(CCRegionRef const & region) {
+    return {{region.left, region.top}, {region.right, region.bottom}};
+}
+
+} // namespace
+
+void GridCell::OnValueChanged(CTX * ctx) {
+    if (auto * sheet = static_cast<SheetManager *>(ctx->manager())) sheet->OnCellChanged(At());
+}
+
+void SheetManager::ErrorMessage(unsigned int id) {
+    if (onMessage && GetNotifyEnable()) onMessage(id);
+    else CCCellManager::ErrorMessage(id);
+}
+
+CString SheetManager::Folded(CString name) {
+    CString folded;
+    for (wchar_t unit : name.View()) folded += FoldCase(unit);
+    return folded;
+}
+
+// What a reference stands for on this sheet: the place inside a reference of a sheet, the target of
+// a name. Null for what this sheet does not hold.
+CCRef const * SheetManager::Target(CCRef const * ref) const {
+    if (!ref) return nullptr;
+    switch (ref->GetType()) {
+    case kRefCell:
+    case kRefRegion: return ref;
+    case kRefName: return FindName(static_cast<CCNameRef const *>(ref)->name());
+    case kRefSheets: {
+        auto const & sheets = *static_cast<CCRef3D const *>(ref);
+        return !sheets.IsManagerForm() || sheets.GetManager() == this ? Target(sheets.ref) : nullptr;
+    }
+    default: return nullptr;
+    }
+}
+
+CCItem * SheetManager::GetItem(CCRef const * ref) {
+    CCRef const * const target = Target(ref);
+    if (!target || target->GetType() != kRefCell) return nullptr;
+    Place const place = PlaceOf(target);
+    if (GridCell * cell = m_Grid.FindCell(place)) return cell;
+    double number;
+    std::uint32_t format;
+    return m_Grid.FindNumber(place, number, format) ? &m_Grid.MakeCell(place) : nullptr;
+}
+
+CSize SheetManager::GetRefSize(CCRef const * ref) {
+    CCRef const * const target = Target(ref);
+    if (!target || target->GetType() != kRefRegion) return {1, 1};
+    CCRegionRef const & region = RegionOf(target);
+    return {region.right - region.left + 1, region.bottom - region.top + 1};
+}
+
+int SheetManager::IsValidRef(CCRef const * ref) { return Target(ref) != nullptr; }
+
+int SheetManager::IsSingleValue(CCRef const * ref) {
+    CCRef const * const target = Target(ref);
+    return target && (target->GetType() == kRefCell || RegionOf(target).IsSingle());
+}
+
+void SheetManager::ReadPlace(Place place, CCCellValue & value) const {
+    double number;
+    std::uint32_t packed;
+    if (m_Grid.FindNumber(place, number, packed)) {
+        CCNumberFormat format;
+        format.UnpackPlain(packed);
+        value.Set(number, format);
+    } else if (GridCell const * cell = m_Grid.FindCell(place)) {
+        value.Set(cell->CCCell::GetValue());
+    } else {
+        value.Set();
+    }
+}
+
+int SheetManager::GetValue(CCRef const * ref, CCCellValue & value, int index) {
+    CCRef const * const target = ref->GetType() == kRefCell ? ref : Target(ref);
+    if (!target || index < 0) return 0;
+    if (target->GetType() == kRefCell) {
+        if (index == 0) ReadPlace(PlaceOf(target), value);
+        return index == 0;
+    }
+    CCRegionRef const & region = RegionOf(target);
+    int const width = region.right - region.left + 1;
+    Place const place{region.left + index % width, region.top + index / width};
+    if (place.row > region.bottom) return 0;
+    ReadPlace(place, value);
+    return 1;
+}
+
+int SheetManager::ReadNumbers(CCRef const * ref, NumberSink & sink) {
+    CCRef const * const target = Target(ref);
+    if (!target || target->GetType() != kRefRegion) return 0;
+    m_Grid.ReadNumbers(AreaOf(RegionOf(target)), sink);
+    return 1;
+}
+
+bool SheetManager::TryPutNumber(Place place, CCCellValue const & value) {
+    std::uint32_t format;
+    uchar const type = value.GetFormat().GetType();
+    if (!value.IsNumber() || type == C_NF_NUMBER || type == C_NF_CURRENCY) return false;
+    if (!value.GetFormat().PackPlain(format) || m_Grid.FindCell(place)) return false;
+    if (!m_Regions.IsEmpty() && IsWatched(place)) return false;
+    m_Grid.PutNumber(place, value.GetNumber(), format);
+    SetDirty();
+    OnCellChanged(place);
+    return true;
+}
+
+int SheetManager::RegisterDependent(CCRef const * ref, CCRef const * dependent) {
+    if (!ref || !dependent) return 0;
+    if (ref->GetType() == kRefName) {
+        Name & name = m_Names[Folded(static_cast<CCNameRef const *>(ref)->name())];
+        bool const known = std::any_of(name.users.begin(), name.users.end(),
+                                       [&](auto const & user) { return user->IsEqual(dependent); });
+        if (!known) name.users.emplace_back(dependent->Copy());
+    }
+    CCRef const * const target = Target(ref);
+    if (!target) return 1;
+    std::unique_ptr<CCRef> const placed(internal::MakeDependentRef(this, dependent));
+    if (target->GetType() == kRefCell) return m_Grid.MakeCell(PlaceOf(target)).RegisterDependent(this, placed.get());
+    if (m_Regions.Register(RegionOf(target), placed.get()) && GetDirtyMarking()) SetDirty();
+    return 1;
+}
+
+int SheetManager::UnRegisterDependent(CCRef const * ref, CCRef const * dependent) {
+    if (!ref || !dependent) return 0;
+    if (ref->GetType() == kRefName) {
+        auto const name = m_Names.find(Folded(static_cast<CCNameRef const *>(ref)->name()));
+        if (name != m_Names.end())
+            std::erase_if(name->second.users, [&](auto const & user) { return user->IsEqual(dependent) != 0; });
+    }
+    CCRef const * const target = Target(ref);
+    if (!target) return 0;
+    std::unique_ptr<CCRef> const placed(internal::MakeDependentRef(this, dependent));
+    if (target->GetType() == kRefCell)
+        return UnRegisterDependent(static_cast<CCItem *>(m_Grid.FindCell(PlaceOf(target))), placed.get());
+    return m_Regions.UnRegister(RegionOf(target), placed.get());
+}
+
+int SheetManager::MoveFormula(CCRef const * ref, CCRef const * from, CCRef const * to) {
+    CCRef const * const target = Target(ref);
+    if (!target || target->GetType() != kRefRegion) return CCCellManager::MoveFormula(ref, from, to);
+    std::unique_ptr<CCRef> const old(internal::MakeDependentRef(this, from));
+    std::unique_ptr<CCRef> const now(internal::MakeDependentRef(this, to));
+    m_Regions.Update(RegionOf(target), old.get(), now.get());
+    return 1;
+}
+
+CCRefList * SheetManager::LoadDependencies(CCRef const * ref) {
+    CCRef const * const target = Target(ref);
+    if (!target) return nullptr;
+    if (target->GetType() == kRefRegion) return m_Regions.LoadDependents(RegionOf(target));
+    Place const place = PlaceOf(target);
+    GridCell * const cell = m_Grid.FindCell(place);
+    CCRefList * own = cell ? cell->LoadDependents(this) : nullptr;
+    if (m_Regions.IsEmpty()) return own;
+    return m_Regions.LoadDependents(uchar(place.column), ushort(place.row), own);
+}
+
+// Names
+
+CCRef const * SheetManager::FindName(CString const & name) const {
+    auto const found = m_Names.find(Folded(name));
+    return found == m_Names.end() ? nullptr : found->second.target.get();
+}
+
+CCRef * SheetManager::TranslateNameRef(CCNameRef const * name) {
+    CCRef const * const target = name ? FindName(name->name()) : nullptr;
+    return target ? target->Copy() : nullptr;
+}
+
+std::vector<CString> SheetManager::Names() const {
+    std::vector<CString> names;
+    for (auto const & [folded, name] : m_Names)
+        if (name.target) names.push_back(folded);
+    return names;
+}
+
+bool SheetManager::DefineName(CString const & name, CCRef const & target) {
+    int const type = target.GetType();
+    if (type != kRefCell && type != kRefRegion) return false;
+    Redefine(name, std::unique_ptr<CCRef>(target.Copy()));
+    return true;
+}
+
+bool SheetManager::RemoveName(CString const & name) {
+    if (!FindName(name)) return false;
+    Redefine(name, nullptr);
+    return true;
+}
+
+// The users leave the old target and join the new one, and are computed again.
+void SheetManager::Redefine(CString const & name, std::unique_ptr<CCRef> target) {
+    Name & entry = m_Names[Folded(name)];
+    std::vector<GridCell *> cells;
+    for (auto const & user : entry.users)
+        if (auto * cell = static_cast<GridCell *>(GetItem(user.get()))) cells.push_back(cell);
+    for (GridCell * cell : cells) cell->UnregisterFormula(this);
+    m_Names[Folded(name)].target = std::move(target);
+    for (GridCell * cell : cells) {
+        CCFormula * tree = nullptr;
+        uchar type = kFormulaNone;
+        cell->LoadFormula(this, tree, type); // a fresh copy checks its references anew
+        std::unique_ptr<CCFormula> const fresh(tree);
+        if (fresh) cell->SetFormula(this, fresh.get(), 1);
+    }
+}
+
+} // namespace cells::host

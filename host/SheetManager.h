@@ -1,0 +1,92 @@
+// SheetManager: the engine's manager over a grid, as any host would write one.
+#pragma once
+
+#include "core/CCCellManager.h"
+#include "core/RegionIndex.h"
+#include "host/Grid.h"
+#include "host/Place.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace cells::host {
+
+class SheetManager final : public CCCellManager, public CTX {
+public:
+    explicit SheetManager(kbt::multilang::CLocaleInfo const & locale) : m_Locale(locale) {}
+
+    // cells::CTX and its provider.
+    LCTX * lctx() override { return &m_Locale; }
+    CCCellManager * manager() override { return this; }
+    CTX * ctx() override { return this; }
+    CTX * ctx() const override { return const_cast<SheetManager *>(this); }
+
+    // The grid.
+    Grid & Cells() { return m_Grid; }
+    Grid const & Cells() const { return m_Grid; }
+    GridCell & MakeCell(Place place) { return m_Grid.MakeCell(place); }
+    bool IsWatched(Place place) const { return m_Regions.Holds(uchar(place.column), ushort(place.row)); }
+    RegionIndex const & Regions() const { return m_Regions; }
+    // Stores a plain number where that is all there is to it: no cell object, nobody watching.
+    bool TryPutNumber(Place place, CCCellValue const & value);
+
+    // Names stand for a cell or a region; formulas that use one follow its redefinition.
+    bool DefineName(CString const & name, CCRef const & target);
+    bool RemoveName(CString const & name);
+    CCRef const * FindName(CString const & name) const;
+    std::vector<CString> Names() const;
+
+    // Queues the dependents of a place.
+    void QueueDependents(CCRef const * ref) { ProcessDependents(ref, m_ProcessList); }
+    void FinishRecalc() { DoRecalc(-1); }
+    void OnCellChanged(Place place) {
+        if (onChanged) onChanged(place);
+    }
+
+    std::function<void(Place)> onChanged; // a value changed
+    std::function<void()> onTick;         // now and then during long work
+    std::function<void(unsigned int)> onMessage;
+    bool dirty = false;
+
+    // CCCellManager.
+    int GetType() const override { return 1; }
+    void ErrorMessage(unsigned int id) override;
+    CSize GetRefSize(CCRef const * ref) override;
+    void SetDirty() override { dirty = true; }
+    using CCCellManager::GetItem;
+    CCItem * GetItem(CCRef const * ref) override;
+    void OnUpdateIdleRecalc() override {
+        if (onTick) onTick();
+    }
+    int IsValidRef(CCRef const * ref) override;
+    int IsSingleValue(CCRef const * ref) override;
+    int GetValue(CCRef const * ref, CCCellValue & value, int index) override;
+    int RegisterDependent(CCRef const * ref, CCRef const * dependent) override;
+    using CCCellManager::UnRegisterDependent;
+    int UnRegisterDependent(CCRef const * ref, CCRef const * dependent) override;
+    int MoveFormula(CCRef const * ref, CCRef const * from, CCRef const * to) override;
+    CCRef * TranslateNameRef(CCNameRef const * name) override;
+    CCRefList * LoadDependencies(CCRef const * ref) override;
+    int ReadsCellsDirectly() const override { return 1; }
+    int ReadNumbers(CCRef const * ref, NumberSink & sink) override;
+
+private:
+    struct Name {
+        std::unique_ptr<CCRef> target;        // null while only used, not defined
+        std::vector<std::unique_ptr<CCRef>> users; // the cells whose formulas use it
+    };
+
+    CCRef const * Target(CCRef const * ref) const;
+    void ReadPlace(Place place, CCCellValue & value) const;
+    void Redefine(CString const & name, std::unique_ptr<CCRef> target);
+    static CString Folded(CString name);
+
+    LCTX m_Locale;
+    Grid m_Grid;
+    RegionIndex m_Regions;
+    std::map<CString, Name> m_Names; // by folded name
+};
+
+} // namespace cells::host
