@@ -243,7 +243,9 @@ bool Sheet::Bulk::State::TryOrdered() {
     if (!ordered) return false;
     std::unordered_map<unsigned, CCFormula const *> formulas; // the last entry of a place counts
     std::unordered_map<unsigned, std::size_t> last;
+    last.reserve(waiting.size());
     for (std::size_t i = 0; i < waiting.size(); ++i) last[KeyOf(waiting[i].place)] = i;
+    formulas.reserve(waiting.size());
     bool moving = false;
     for (auto const & [key, i] : last) {
         if (!waiting[i].formula) continue;

@@ -44,7 +44,7 @@ CString SheetManager::Folded(CString name) {
 // a name. Null for what this sheet does not hold.
 CCRef const * SheetManager::Target(CCRef const * ref) const {
     if (!ref) return nullptr;
-    switch (ref->GetType()) {
+    switch (ref->Kind()) {
     case kRefCell:
     case kRefRegion: return ref;
     case kRefName: return FindName(static_cast<CCNameRef const *>(ref)->name());
@@ -58,7 +58,7 @@ CCRef const * SheetManager::Target(CCRef const * ref) const {
 
 CCItem * SheetManager::GetItem(CCRef const * ref) {
     CCRef const * const target = Target(ref);
-    if (!target || target->GetType() != kRefCell) return nullptr;
+    if (!target || target->Kind() != kRefCell) return nullptr;
     Place const place = PlaceOf(target);
     if (GridCell * cell = m_Grid.FindCell(place)) return cell;
     double number;
@@ -95,9 +95,9 @@ void SheetManager::ReadPlace(Place place, CCCellValue & value) const {
 }
 
 int SheetManager::GetValue(CCRef const * ref, CCCellValue & value, int index) {
-    CCRef const * const target = ref->GetType() == kRefCell ? ref : Target(ref);
+    CCRef const * const target = ref->Kind() == kRefCell ? ref : Target(ref);
     if (!target || index < 0) return 0;
-    if (target->GetType() == kRefCell) {
+    if (target->Kind() == kRefCell) {
         if (index == 0) ReadPlace(PlaceOf(target), value);
         return index == 0;
     }

@@ -78,7 +78,7 @@ private:
         std::vector<std::unique_ptr<CCRef>> users; // the cells whose formulas use it
     };
 
-    CCRef const * Target(CCRef const * ref) const;
+    CCRef const * Target(CCRef const * ref) const; // by the engine's own reference classes
     void ReadPlace(Place place, CCCellValue & value) const;
     void Redefine(CString const & name, std::unique_ptr<CCRef> target);
     static CString Folded(CString name);

@@ -263,6 +263,13 @@ private:
     bool m_bRemoteDependents = false; // a remote dependent was registered some time
     bool m_bStoredDependents = false; // dependents were read from a block some time
     std::uint64_t m_nEdgesMet = 0;    // of the running patch pass
+    // The reference that the patch pass is at, with what it resolved to.
+    struct {
+        CCRef const * ref;
+        CCItem * item;
+        CCCellManager * owner;
+        cells::internal::RecalcList::Node node;
+    } m_Walked{};
     cells::internal::ManagerSerial m_nSerial;
 };
 

@@ -25,9 +25,7 @@ CCCellValue::CCCellValue(CCRef const * ref) : m_dNumber(0) { Set(ref); }
 
 CCCellValue::CCCellValue(tagVARIANT const & variant) : m_dNumber(0) { Set(variant); }
 
-CCCellValue::CCCellValue(CCCellValue const & other) : m_dNumber(0), m_Format(other.m_Format) {
-    CopyPayload(other);
-}
+CCCellValue::CCCellValue(CCCellValue const & other) : m_dNumber(0) { Set(other); }
 
 CCCellValue & CCCellValue::operator=(CCCellValue const & other) {
     Set(other);
@@ -41,7 +39,7 @@ void CCCellValue::Free() {
 }
 
 void CCCellValue::Release() {
-    Free();
+    if (m_nType != vtEmpty) Free();
     m_dNumber = 0;
 }
 
@@ -112,12 +110,6 @@ void CCCellValue::AdoptRef(CCRef * ref) {
     m_pRefValue = ref;
 }
 
-void CCCellValue::Set(double number) {
-    if (m_nType == vtText || m_nType == vtRef) Free();
-    m_nType = vtNumber;
-    m_dNumber = number;
-}
-
 void CCCellValue::Set(double number, unsigned char type) {
     Set(number);
     m_Format.Set(uchar(type));
@@ -132,7 +124,10 @@ void CCCellValue::Set(CCNumberFormat & format) { m_Format = format; }
 
 void CCCellValue::Set(CCCellValue const & other) {
     if (this == &other) return;
-    CopyPayload(other);
+    if (other.m_nType == vtNumber)
+        Set(other.m_dNumber);
+    else
+        CopyPayload(other);
     m_Format = other.m_Format;
 }
 

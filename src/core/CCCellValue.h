@@ -55,7 +55,9 @@ public:
     CCCellValue(char) = delete;
     CCCellValue(CCCellValue const & other);
     CCCellValue & operator=(CCCellValue const & other);
-    ~CCCellValue() { Free(); }
+    ~CCCellValue() {
+        if (m_nType == vtText || m_nType == vtRef) Free();
+    }
 
     uchar GetType() const { return m_nType; }
     double GetNumber() const { return m_nType == vtNumber ? m_dNumber : 0; }
@@ -83,7 +85,11 @@ public:
     void Set(wchar_t const * text);
     void Set(CString const & text);
     void Set(CCRef const * ref);
-    void Set(double number);
+    void Set(double number) {
+        if (m_nType == vtText || m_nType == vtRef) Free();
+        m_nType = vtNumber;
+        m_dNumber = number;
+    }
     void Set(double number, unsigned char type);
     void Set(double number, CCNumberFormat & format);
     void Set(CCNumberFormat & format);

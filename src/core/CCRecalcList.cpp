@@ -4,11 +4,63 @@
 #include "formula/RefHash.h"
 
 #include <bit>
+#include <memory>
 #include <utility>
 
 namespace cells::internal {
+namespace {
+
+// Spreads the bits of a key over a word: the multiplier is 2^64 over the golden ratio.
+std::uint64_t Mix(std::uint64_t key) {
+    key *= 0x9E3779B97F4A7C15ull;
+    return key ^ key >> 32;
+}
+
+} // namespace
 
 RecalcList::~RecalcList() { Empty(); }
+
+// A cell, plain or on a sheet, fits into a key; anything else is hashed.
+std::uint64_t RecalcList::KeyOf(CCRef const * ref) {
+    bool const placed = ref->Kind() == kRefSheets;
+    CCRef const * const inner = placed ? static_cast<CCRef3D const *>(ref)->ref : ref;
+    if (!inner || inner->Kind() != kRefCell) return RefHash(ref) & ~kExact;
+    auto const & cell = *static_cast<CCRCRef const *>(inner);
+    std::uint64_t key = kExact | std::uint64_t(cell.col) << 16 | cell.row;
+    if (placed) key |= kPlaced | static_cast<CCRef3D const *>(ref)->SheetKey() << 24;
+    return key;
+}
+
+RecalcList::Held::Held(RecalcList & list, Node node) : m_List(list), m_Outer(list.m_pHeld) {
+    Entry const & entry = list.At(node);
+    list.m_pHeld = this;
+    m_Ref = entry.ref;
+    m_bPinned = m_Ref != nullptr;
+    if (m_bPinned) return;
+    m_Cell.Set(uchar(entry.key >> 16), ushort(entry.key));
+    m_Ref = &m_Cell;
+    if (!(entry.key & kPlaced)) return;
+    m_Placed.Borrow((entry.key & ~(kExact | kPlaced)) >> 24, &m_Cell);
+    m_Ref = &m_Placed;
+}
+
+RecalcList::Held::~Held() {
+    m_List.m_pHeld = m_Outer;
+    if (m_bDropped) delete m_Ref;
+}
+
+// The reference of a node as an object, made when it is first asked for.
+CCRef * RecalcList::ObjectOf(Node node) {
+    if (!At(node).ref) {
+        Held const held(*this, node);
+        At(node).ref = held.Get()->Copy();
+    }
+    return At(node).ref;
+}
+
+bool RecalcList::IsSame(Node node, std::uint64_t key, CCRef const * ref) const {
+    return At(node).key == key && (IsExact(key) || At(node).ref->IsEqual(ref));
+}
 
 // Takes the references back from the standard list.
 void RecalcList::Adopt() {
@@ -21,16 +73,16 @@ void RecalcList::Adopt() {
 
 std::list<CCRef *> & RecalcList::GetStdList() {
     if (!m_bStandard) {
-        for (Node node = m_Head; node != kNone; node = Next(node)) m_Standard.push_back(RefAt(node));
+        for (Node node = m_Head; node != kNone; node = Next(node)) m_Standard.push_back(ObjectOf(node));
         Reset();
         m_bStandard = true;
     }
     return m_Standard;
 }
 
-CCRef * RecalcList::GetFirst() const {
+CCRef * RecalcList::GetFirst() {
     if (m_bStandard) return m_Standard.empty() ? nullptr : m_Standard.front();
-    return m_Head == kNone ? nullptr : RefAt(m_Head);
+    return m_Head == kNone ? nullptr : ObjectOf(m_Head);
 }
 
 RecalcList::Node RecalcList::First() {
@@ -46,49 +98,45 @@ void RecalcList::Reset() {
     m_nCount = m_nIndexUsed = 0;
 }
 
-void RecalcList::Link(CCRef * ref, std::uint64_t origin, bool expanded) {
+void RecalcList::Link(CCRef * ref, std::uint64_t key, Stamp origin, bool expanded) {
     Node node;
     if (m_Spare.empty()) {
         node = Node(m_Nodes.size());
-        m_Nodes.push_back({});
+        m_Nodes.emplace_back();
     } else {
         node = m_Spare.back();
         m_Spare.pop_back();
     }
-    std::uint64_t const stamp = m_nStamp++;
-    m_Nodes[std::size_t(node)] = {ref,   stamp, origin ? origin : stamp, m_Tail, kNone, kNone,
-                                  kNone, expanded};
-    if (m_Tail == kNone)
-        m_Head = node;
-    else
-        m_Nodes[std::size_t(m_Tail)].next = node;
+    Stamp const stamp = m_nStamp++;
+    At(node) = {ref, key, stamp, origin ? origin : stamp, m_Tail, kNone, kNone, kNone, expanded, false};
+    (m_Tail == kNone ? m_Head : At(m_Tail).next) = node;
     m_Tail = node;
     ++m_nCount;
-    if (!m_Index.empty())
-        Enter(node);
-    else if (m_nCount > kIndexedFrom)
-        BuildIndex();
+    if (!m_Index.empty()) Enter(node);
 }
 
 void RecalcList::Append(CCRef * ref) {
     Adopt();
-    Link(ref, 0, false);
+    Link(ref, KeyOf(ref), 0, false);
 }
 
 void RecalcList::AddLast(CCRef const * ref) {
-    if (ref) Append(ref->Copy());
+    if (!ref) return;
+    Adopt();
+    std::uint64_t const key = KeyOf(ref);
+    Link(IsExact(key) ? nullptr : ref->Copy(), key, 0, false);
 }
 
 void RecalcList::AddLast(CCRefList const * list) {
     for (; list; list = list->m_pNext) AddLast(list->m_pRef);
 }
 
-// Removes a node from the order and the index.
+// Removes a node from the order and the index; gives its object, if it has one.
 CCRef * RecalcList::Detach(Node node) {
     if (!m_Index.empty()) Leave(node);
-    Entry & entry = m_Nodes[std::size_t(node)];
-    (entry.previous == kNone ? m_Head : m_Nodes[std::size_t(entry.previous)].next) = entry.next;
-    (entry.next == kNone ? m_Tail : m_Nodes[std::size_t(entry.next)].previous) = entry.previous;
+    Entry & entry = At(node);
+    (entry.previous == kNone ? m_Head : At(entry.previous).next) = entry.next;
+    (entry.next == kNone ? m_Tail : At(entry.next).previous) = entry.previous;
     CCRef * const ref = entry.ref;
     entry.ref = nullptr;
     entry.stamp = 0;
@@ -97,18 +145,20 @@ CCRef * RecalcList::Detach(Node node) {
     return ref;
 }
 
-CCRef * RecalcList::Unlink(Node node) { return Detach(node); }
-
-void RecalcList::MoveToTail(Node node) {
-    std::uint64_t const origin = OriginOf(node);
-    bool const expanded = m_Nodes[std::size_t(node)].expanded;
-    CCRef * const ref = Detach(node);
-    Link(ref, origin, expanded);
+CCRef * RecalcList::Unlink(Node node) {
+    ObjectOf(node);
+    return Detach(node);
 }
 
-bool RecalcList::MarkExpanded(Node node) { return !std::exchange(m_Nodes[std::size_t(node)].expanded, true); }
+void RecalcList::MoveToTail(Node node) {
+    Entry const entry = At(node);
+    CCRef * const ref = Detach(node);
+    Link(ref, entry.key, entry.origin, entry.expanded);
+}
 
-RecalcList::Node RecalcList::NextAfter(Node node, std::uint64_t stamp) {
+bool RecalcList::MarkExpanded(Node node) { return !std::exchange(At(node).expanded, true); }
+
+RecalcList::Node RecalcList::NextAfter(Node node, Stamp stamp) {
     Adopt();
     if (std::size_t(node) < m_Nodes.size() && StampOf(node) == stamp) return Next(node);
     Node at = m_Head;
@@ -119,18 +169,24 @@ RecalcList::Node RecalcList::NextAfter(Node node, std::uint64_t stamp) {
 RecalcList::Node RecalcList::Find(CCRef const * ref) {
     Adopt();
     if (!ref) return kNone;
+    std::uint64_t const key = KeyOf(ref);
+    if (m_Index.empty() && m_nCount > kIndexedFrom) BuildIndex();
     if (!m_Index.empty()) {
-        std::int32_t const * const place = PlaceOf(ref);
-        return place ? *place : kNone;
+        Slot const * const place = PlaceOf(key, ref);
+        return place ? place->node : kNone;
     }
     for (Node node = m_Head; node != kNone; node = Next(node))
-        if (RefAt(node)->IsEqual(ref)) return node;
+        if (IsSame(node, key, ref)) return node;
     return kNone;
 }
 
 void RecalcList::Exclude(CCRef const * ref) {
     Node const node = Find(ref);
-    if (node != kNone) Detach(node);
+    if (node == kNone) return;
+    if (At(node).ref == ref)
+        Detach(node);
+    else
+        Delete(Detach(node));
 }
 
 void RecalcList::Exclude(CCRefList const * list) {
@@ -138,16 +194,22 @@ void RecalcList::Exclude(CCRefList const * list) {
 }
 
 void RecalcList::ExcludeDelete(CCRef const * ref) {
-    Adopt();
-    bool const isHead = m_Head != kNone && RefAt(m_Head) == ref;
-    Node const node = isHead ? m_Head : Find(ref);
+    Node const node = Find(ref);
     if (node != kNone) Delete(Detach(node));
 }
 
+// Taking from the head again and again needs no index; a search later builds it anew.
+void RecalcList::RemoveDone(Node node, Stamp stamp, CCRef const * ref) {
+    Adopt();
+    if (m_Head != node || m_Head == kNone || StampOf(node) != stamp) return ExcludeDelete(ref);
+    m_Index.clear();
+    Delete(Detach(node));
+}
+
 void RecalcList::Delete(CCRef * ref) {
-    for (Pin * pin = m_pPins; pin; pin = pin->m_Outer) {
-        if (pin->m_Ref != ref) continue;
-        pin->m_Dropped = true;
+    for (Held * held = ref ? m_pHeld : nullptr; held; held = held->m_Outer) {
+        if (!held->m_bPinned || held->m_Ref != ref) continue;
+        held->m_bDropped = true;
         return;
     }
     delete ref;
@@ -156,7 +218,7 @@ void RecalcList::Delete(CCRef * ref) {
 void RecalcList::Merge(RecalcList & other) {
     Adopt();
     other.Adopt();
-    if (m_nCount == 0 && !m_pPins && !other.m_pPins) {
+    if (m_nCount == 0 && !m_pHeld && !other.m_pHeld) {
         std::swap(m_Nodes, other.m_Nodes);
         std::swap(m_Spare, other.m_Spare);
         std::swap(m_Index, other.m_Index);
@@ -167,7 +229,8 @@ void RecalcList::Merge(RecalcList & other) {
         std::swap(m_nIndexUsed, other.m_nIndexUsed);
         return;
     }
-    for (Node node = other.m_Head; node != kNone; node = other.Next(node)) Append(other.RefAt(node));
+    for (Node node = other.m_Head; node != kNone; node = other.Next(node))
+        Link(other.At(node).ref, other.At(node).key, 0, false);
     other.Reset();
 }
 
@@ -178,54 +241,58 @@ void RecalcList::Abort() {
 
 void RecalcList::Empty() {
     Adopt();
-    for (Node node = m_Head; node != kNone; node = Next(node)) Delete(RefAt(node));
+    for (Node node = m_Head; node != kNone; node = Next(node)) Delete(At(node).ref);
     Reset();
 }
 
-std::int32_t * RecalcList::PlaceOf(CCRef const * ref) {
+RecalcList::Slot * RecalcList::PlaceOf(std::uint64_t key, CCRef const * ref) {
     std::size_t const mask = m_Index.size() - 1;
-    for (std::size_t at = RefHash(ref) & mask; m_Index[at] != kFree; at = (at + 1) & mask)
-        if (m_Index[at] != kGone && RefAt(m_Index[at])->IsEqual(ref)) return &m_Index[at];
+    std::uint64_t const hash = Mix(key);
+    for (std::size_t at = hash & mask; m_Index[at].node != kFree; at = (at + 1) & mask) {
+        Slot & slot = m_Index[at];
+        if (slot.node != kGone && slot.tag == std::uint32_t(hash >> 32) && IsSame(slot.node, key, ref)) return &slot;
+    }
     return nullptr;
 }
 
 void RecalcList::BuildIndex() {
-    m_Index.assign(std::bit_ceil(std::size_t(m_nCount) * 4), kFree);
+    m_Index.assign(std::bit_ceil(std::size_t(m_nCount) * 4), {0, kFree});
     m_nIndexUsed = 0;
     for (Node node = m_Head; node != kNone; node = Next(node)) {
-        m_Nodes[std::size_t(node)].nextEqual = m_Nodes[std::size_t(node)].lastEqual = kNone;
+        At(node).nextEqual = At(node).lastEqual = kNone;
+        At(node).first = false;
         Enter(node);
     }
 }
 
 void RecalcList::Enter(Node node) {
     if (std::size_t(m_nIndexUsed) * 2 >= m_Index.size()) return BuildIndex();
-    std::size_t const mask = m_Index.size() - 1;
-    std::size_t at = RefHash(RefAt(node)) & mask;
-    for (; m_Index[at] != kFree; at = (at + 1) & mask) {
-        if (m_Index[at] == kGone || !RefAt(m_Index[at])->IsEqual(RefAt(node))) continue;
-        Entry & first = m_Nodes[std::size_t(m_Index[at])];
-        Node const last = first.lastEqual == kNone ? m_Index[at] : first.lastEqual;
-        m_Nodes[std::size_t(last)].nextEqual = node;
+    Entry const & entry = At(node);
+    if (Slot const * place = PlaceOf(entry.key, entry.ref)) {
+        Entry & first = At(place->node);
+        Node const last = first.lastEqual == kNone ? place->node : first.lastEqual;
+        At(last).nextEqual = node;
         first.lastEqual = node;
         return;
     }
-    m_Index[at] = node;
+    std::uint64_t const hash = Mix(entry.key);
+    std::size_t const mask = m_Index.size() - 1;
+    std::size_t at = hash & mask;
+    while (m_Index[at].node != kFree) at = (at + 1) & mask;
+    m_Index[at] = {std::uint32_t(hash >> 32), node};
+    At(node).first = true;
     ++m_nIndexUsed;
 }
 
 // Only the first of equal nodes is ever removed; the next one takes its place.
 void RecalcList::Leave(Node node) {
-    std::int32_t * const place = PlaceOf(RefAt(node));
-    if (!place || *place != node) return;
-    Entry const & first = m_Nodes[std::size_t(node)];
-    if (first.nextEqual == kNone) {
-        *place = kGone;
-        return;
-    }
-    Node const next = first.nextEqual;
-    m_Nodes[std::size_t(next)].lastEqual = first.lastEqual == next ? kNone : first.lastEqual;
-    *place = next;
+    Slot * const place = PlaceOf(At(node).key, At(node).ref);
+    if (!place || place->node != node) return;
+    Entry const & first = At(node);
+    place->node = first.nextEqual == kNone ? kGone : first.nextEqual;
+    if (first.nextEqual == kNone) return;
+    At(first.nextEqual).lastEqual = first.lastEqual == first.nextEqual ? kNone : first.lastEqual;
+    At(first.nextEqual).first = true;
 }
 
 } // namespace cells::internal

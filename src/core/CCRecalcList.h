@@ -1,13 +1,18 @@
-// CCRecalcList: a queue of owned references, in order, duplicates allowed.
+// RecalcList: a queue of references, in order, duplicates allowed; the base of
+// CCCellManager::CCRecalcList.
 //
 // Recalculation asks a queue three things all the time: is an equal reference in it, which of two
 // stands first, and append one. So the nodes carry a growing stamp (order in the list is order of
 // stamps, since nodes are only ever appended), and a longer queue keeps a hash from a reference to
-// its first node. Whoever asks for the standard list gets one; the queue is indexed anew when it is
-// next needed.
+// its first node. Most references are cells; a cell with its sheet is held as a number, and becomes
+// an object only when someone asks for one.
+//
+// Whoever asks for the standard list gets one; the queue takes its references back when it is next
+// needed.
 #pragma once
 
-#include "formula/CCRef.h"
+#include "formula/CCRCRef.h"
+#include "formula/CCRef3D.h"
 
 #include <cstdint>
 #include <list>
@@ -20,6 +25,7 @@ namespace cells::internal {
 class CVCELLS_API RecalcList {
 public:
     using Node = std::int32_t;
+    using Stamp = std::uint64_t;
     static constexpr Node kNone = -1;
 
     RecalcList() = default;
@@ -31,12 +37,13 @@ public:
     std::list<CCRef *> & GetStdList();
     bool IsEmpty() const { return GetCount() == 0; }
     int GetCount() const { return m_bStandard ? int(m_Standard.size()) : m_nCount; }
-    CCRef * GetFirst() const; // null for an empty queue
+    CCRef * GetFirst(); // null for an empty queue; the queue keeps it
 
     // Append copies, with no test for duplicates.
     void AddLast(CCRef const * ref);
     void AddLast(CCRefList const * list);
-    // Removes the first equal node; its reference lives on in the hands of the caller.
+    // Removes the first equal node. Where the caller holds that node's reference, it lives on in the
+    // caller's hands.
     void Exclude(CCRef const * ref);
     // For each member removes the first equal node and deletes its reference. The difference is
     // meant so.
@@ -49,71 +56,87 @@ public:
 
     // The nodes, for passes over the queue.
     Node First();
-    Node Next(Node node) const { return m_Nodes[std::size_t(node)].next; }
-    CCRef * RefAt(Node node) const { return m_Nodes[std::size_t(node)].ref; }
-    std::uint64_t StampOf(Node node) const { return m_Nodes[std::size_t(node)].stamp; }
+    Node Next(Node node) const { return At(node).next; }
+    Stamp StampOf(Node node) const { return At(node).stamp; }
     // The node behind one that had this stamp and may be gone.
-    Node NextAfter(Node node, std::uint64_t stamp);
+    Node NextAfter(Node node, Stamp stamp);
     Node Find(CCRef const * ref); // the first equal node
     void MoveToTail(Node node);
     CCRef * Unlink(Node node); // the reference is the caller's
     void Append(CCRef * ref);  // takes it over
+    // Removes the node at the head, if it still has this stamp, and else the first equal one.
+    void RemoveDone(Node node, Stamp stamp, CCRef const * ref);
 
+    // Whether a node is known to be the first of its equals without a search.
+    bool IsFirst(Node node) const { return !m_Index.empty() && At(node).first; }
     // The stamp that a node had before it was moved to the tail, and whether it was expanded.
-    std::uint64_t OriginOf(Node node) const { return m_Nodes[std::size_t(node)].origin; }
+    Stamp OriginOf(Node node) const { return At(node).origin; }
     bool MarkExpanded(Node node); // true the first time
-    std::uint64_t NextStamp() const { return m_nStamp; }
+    Stamp NextStamp() const { return m_nStamp; }
 
-    // Keeps the reference of the head alive over a call that may change the queue.
-    class Pin {
+    // The reference of a node, alive as long as this object whatever happens to the queue.
+    class CVCELLS_API Held {
     public:
-        Pin(RecalcList & list, CCRef * ref) : m_List(list), m_Ref(ref), m_Outer(list.m_pPins) {
-            list.m_pPins = this;
-        }
-        Pin(Pin const &) = delete;
-        Pin & operator=(Pin const &) = delete;
-        ~Pin() {
-            m_List.m_pPins = m_Outer;
-            if (m_Dropped) delete m_Ref;
-        }
+        Held(RecalcList & list, Node node);
+        Held(Held const &) = delete;
+        Held & operator=(Held const &) = delete;
+        ~Held();
+        CCRef const * Get() const { return m_Ref; }
 
     private:
         friend class RecalcList;
         RecalcList & m_List;
+        Held * m_Outer;
         CCRef * m_Ref;
-        Pin * m_Outer;
-        bool m_Dropped = false;
+        bool m_bPinned = false, m_bDropped = false;
+        CCRCRef m_Cell; // what m_Ref leads to for a node without an object
+        CCRef3D m_Placed;
     };
+
+    // Whether two references are one is decided by their keys alone when a key is exact.
+    static std::uint64_t KeyOf(CCRef const * ref);
+    static bool IsExact(std::uint64_t key) { return key >> 63 != 0; }
 
 private:
     struct Entry {
-        CCRef * ref;
-        std::uint64_t stamp, origin;
+        CCRef * ref; // null for an exact key that nobody asked an object of
+        std::uint64_t key;
+        Stamp stamp, origin;
         Node previous, next;
         Node nextEqual, lastEqual; // nodes of equal references; the last is kept in the first
         bool expanded;
+        bool first; // of its equals; known while there is an index
+    };
+    struct Slot {
+        std::uint32_t tag;
+        Node node;
     };
     static constexpr int kIndexedFrom = 16;
-    static constexpr std::int32_t kFree = -1, kGone = -2;
+    static constexpr Node kFree = -1, kGone = -2;
+    static constexpr std::uint64_t kExact = 1ull << 63, kPlaced = 1ull << 62;
 
+    Entry & At(Node node) { return m_Nodes[std::size_t(node)]; }
+    Entry const & At(Node node) const { return m_Nodes[std::size_t(node)]; }
+    CCRef * ObjectOf(Node node);
+    bool IsSame(Node node, std::uint64_t key, CCRef const * ref) const;
     void Adopt();
-    void Link(CCRef * ref, std::uint64_t origin, bool expanded);
+    void Link(CCRef * ref, std::uint64_t key, Stamp origin, bool expanded);
     CCRef * Detach(Node node);
     void Delete(CCRef * ref);
     void Reset();
     void BuildIndex();
     void Enter(Node node);
     void Leave(Node node);
-    std::int32_t * PlaceOf(CCRef const * ref);
+    Slot * PlaceOf(std::uint64_t key, CCRef const * ref);
 
     std::vector<Entry> m_Nodes;
     std::vector<Node> m_Spare;
     Node m_Head = kNone, m_Tail = kNone;
     int m_nCount = 0;
-    std::uint64_t m_nStamp = 1;
-    std::vector<std::int32_t> m_Index; // first nodes by hash; empty while the queue is short
+    Stamp m_nStamp = 1;
+    std::vector<Slot> m_Index; // first nodes by hash; empty while nobody searches a long queue
     int m_nIndexUsed = 0;
-    Pin * m_pPins = nullptr;
+    Held * m_pHeld = nullptr;
     std::list<CCRef *> m_Standard;
     bool m_bStandard = false; // the references are in m_Standard
 };

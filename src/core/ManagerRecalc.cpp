@@ -37,10 +37,10 @@ constexpr std::uint64_t kFreeSteps = 4096; // an expansion of so many steps is n
 } // namespace
 
 void Adjust3DDependencies(CCRef const * ref, CCRefList * list) {
-    if (!ref || ref->GetType() != kRefSheets) return;
+    if (!ref || ref->Kind() != kRefSheets) return;
     for (; list; list = list->m_pNext) {
         CCRef * const member = list->m_pRef;
-        if (!member || member->GetType() == kRefSheets || member->GetType() == kRefRemote) continue;
+        if (!member || member->Kind() == kRefSheets || member->GetType() == kRefRemote) continue;
         auto * placed = new CCRef3D;
         placed->Set(*static_cast<CCRef3D const *>(ref));
         delete placed->ref;
@@ -99,7 +99,8 @@ CCItem * CCCellManager::ProcessDependents(CCRef const * ref, CCRecalcList & list
 
 // The dependents of a place, with their sheet; null without an item.
 CCRefList * CCCellManager::LoadPlacedDependents(CCRef const * ref, CCItem *& item) {
-    Place const place = Resolve(*this, ref);
+    bool const walked = ref && ref == m_Walked.ref;
+    Place const place = walked ? Place{m_Walked.item, m_Walked.owner} : Resolve(*this, ref);
     item = place.item;
     if (!item) return nullptr;
     CCRefList * const dependents = place.owner->LoadDependencies(ref);
@@ -112,8 +113,10 @@ CCItem * CCCellManager::PatchProcessDependents(CCRef const * ref, CCRecalcList &
     RefListHolder const dependents(LoadPlacedDependents(ref, item));
     if (!item) return ref && ref->GetType() == kRefDocument ? ProcessDependents(ref, list) : nullptr;
     if (!dependents.list) return item;
-    Node const own = list.Find(ref);
-    std::uint64_t const passed = own == RecalcList::kNone ? UINT64_MAX : list.StampOf(own);
+    // The first node equal to `ref`; a later one of its equals may be the one under the walk.
+    bool const atWalk = ref == m_Walked.ref && &list == &m_ProcessList && list.IsFirst(m_Walked.node);
+    Node const own = atWalk ? m_Walked.node : list.Find(ref);
+    RecalcList::Stamp const passed = own == RecalcList::kNone ? UINT64_MAX : list.StampOf(own);
     for (CCRefList const * node = dependents.list; node; node = node->m_pNext) {
         if (!node->m_pRef) continue;
         ++m_nEdgesMet;
@@ -128,30 +131,33 @@ CCItem * CCCellManager::PatchProcessDependents(CCRef const * ref, CCRecalcList &
 
 void CCCellManager::PatchDoProcess(int limit) {
     RemoteRefs remote;
-    std::uint64_t const firstNewStamp = m_ProcessList.NextStamp();
+    RecalcList::Stamp const firstNewStamp = m_ProcessList.NextStamp();
     std::uint64_t steps = 0, known = 0; // `known`: distinct references and edges met
     int ticks = 0;
     Node node = m_ProcessList.First();
     while (node != RecalcList::kNone) {
-        std::uint64_t const stamp = m_ProcessList.StampOf(node);
-        CCRef * const ref = m_ProcessList.RefAt(node);
+        RecalcList::Stamp const stamp = m_ProcessList.StampOf(node);
+        RecalcList::Held const held(m_ProcessList, node);
+        CCRef const * const ref = held.Get();
         if (RemoteRefs::IsRemote(ref)) {
             Node const first = m_ProcessList.Find(ref);
             Node const next = first == node ? m_ProcessList.Next(node) : node;
-            remote.Add(m_ProcessList.Unlink(first));
+            remote.Add(ref->Copy());
+            m_ProcessList.ExcludeDelete(ref);
             node = next;
             continue;
         }
-        CCItem const * const item = Resolve(*this, ref).item;
-        if (item && item->IsFormulaLink()) {
+        Place const place = Resolve(*this, ref);
+        if (place.item && place.item->IsFormulaLink()) {
             bool const fresh = m_ProcessList.MarkExpanded(node);
             std::uint64_t const edges = m_nEdgesMet;
-            RecalcList::Pin const pin(m_ProcessList, ref);
+            m_Walked = {ref, place.item, place.owner, node};
             if (PatchProcessDependents(ref, m_ProcessList)) {
                 if (fresh) known += 1 + (m_nEdgesMet - edges);
                 if (limit > 0) --limit;
                 if (++ticks % kProcessTick == 0) OnUpdateIdleRecalc();
             }
+            m_Walked = {};
             if (++steps > std::max(kFreeSteps, 2 * known)) {
                 OrderLinearly(firstNewStamp);
                 break;
@@ -208,16 +214,17 @@ private:
 //
 // Source: A. B. Kahn, Topological sorting of large networks.
 void CCCellManager::OrderLinearly(std::uint64_t firstNewStamp) {
-    std::vector<std::pair<std::uint64_t, CCRef *>> queue;
+    std::vector<std::pair<RecalcList::Stamp, Node>> queue;
     for (Node node = m_ProcessList.First(); node != RecalcList::kNone; node = m_ProcessList.Next(node))
         if (m_ProcessList.OriginOf(node) < firstNewStamp)
-            queue.emplace_back(m_ProcessList.OriginOf(node), m_ProcessList.RefAt(node));
+            queue.emplace_back(m_ProcessList.OriginOf(node), node);
     std::sort(queue.begin(), queue.end());
     Closure closure;
     std::vector<int> queued;
-    for (auto const & [stamp, ref] : queue) {
+    for (auto const & [stamp, node] : queue) {
         bool fresh;
-        int const number = closure.Enter(std::unique_ptr<CCRef>(ref->Copy()), fresh);
+        RecalcList::Held const held(m_ProcessList, node);
+        int const number = closure.Enter(std::unique_ptr<CCRef>(held.Get()->Copy()), fresh);
         if (fresh) queued.push_back(number);
     }
     for (std::size_t at = 0; at < closure.members.size(); ++at) {
@@ -260,9 +267,11 @@ void CCCellManager::DoProcess(int limit) {
     while (limit != 0 || !remote.IsEmpty()) {
         Node const head = m_ProcessList.First();
         if (head == RecalcList::kNone) break;
-        CCRef * const ref = m_ProcessList.RefAt(head);
+        RecalcList::Held const held(m_ProcessList, head);
+        CCRef const * const ref = held.Get();
         if (RemoteRefs::IsRemote(ref)) {
-            remote.Add(m_ProcessList.Unlink(head));
+            remote.Add(ref->Copy());
+            m_ProcessList.ExcludeDelete(ref);
             continue;
         }
         if (limit == 0) break;
@@ -280,8 +289,7 @@ void CCCellManager::DoProcess(int limit) {
             m_ProcessList.ExcludeDelete(ref);
             continue;
         }
-        m_ProcessList.Exclude(ref);
-        std::unique_ptr<CCRef> const excluded(ref);
+        m_ProcessList.ExcludeDelete(ref);
         m_RecalcList.ExcludeDelete(ref);
         m_RecalcList.AddLast(ref);
         m_nAllRecalc = std::max(m_nAllRecalc, static_cast<unsigned long>(m_RecalcList.GetCount()));
@@ -297,12 +305,13 @@ void CCCellManager::DoProcess(int limit) {
 void CCCellManager::DoRecalc(int limit) {
     int ticks = 0;
     while (limit != 0) {
-        CCRef * const ref = m_RecalcList.GetFirst();
-        if (!ref) break;
+        Node const head = m_RecalcList.First();
+        if (head == RecalcList::kNone) break;
         {
-            RecalcList::Pin const pin(m_RecalcList, ref);
-            RecalcCell(ref);
-            m_RecalcList.ExcludeDelete(ref);
+            RecalcList::Stamp const stamp = m_RecalcList.StampOf(head);
+            RecalcList::Held const held(m_RecalcList, head);
+            RecalcCell(held.Get());
+            m_RecalcList.RemoveDone(head, stamp, held.Get());
         }
         if (limit > 0) --limit;
         if (++ticks % kRecalcTick == 0) OnUpdateIdleRecalc();

@@ -15,7 +15,7 @@ CCCellManager * SheetOf(CCCellManager & manager, CCRef3D const & sheets) {
 Place Resolve(CCCellManager & manager, CCRef const * ref) {
     if (!ref) return {nullptr, &manager};
     CCItem * item = manager.GetItem(ref);
-    if (ref->GetType() != kRefSheets) return {item, &manager};
+    if (ref->Kind() != kRefSheets) return {item, &manager};
     auto const & sheets = *static_cast<CCRef3D const *>(ref);
     CCCellManager * owner = SheetOf(manager, sheets);
     if (!owner && !sheets.IsManagerForm() && !manager.GetWorkbook()) owner = &manager;

@@ -41,23 +41,6 @@ CCNumberFormat::CCNumberFormat(int type) {
     Set(uchar(type));
 }
 
-CCNumberFormat::CCNumberFormat(CCNumberFormat const & other) noexcept
-    : m_nSetMask(other.m_nSetMask), m_nData(other.m_nData), m_nType(other.m_nType),
-      m_nOptionsA(other.m_nOptionsA), m_nOptionsB(other.m_nOptionsB), m_bCustom(other.m_bCustom) {
-    if (m_bCustom) m_strFormat = other.m_strFormat;
-}
-
-CCNumberFormat & CCNumberFormat::operator=(CCNumberFormat const & other) noexcept {
-    m_nSetMask = other.m_nSetMask;
-    m_nData = other.m_nData;
-    m_nType = other.m_nType;
-    m_nOptionsA = other.m_nOptionsA;
-    m_nOptionsB = other.m_nOptionsB;
-    m_bCustom = other.m_bCustom;
-    if (m_bCustom) m_strFormat = other.m_strFormat;
-    return *this;
-}
-
 void CCNumberFormat::Set(uchar type) {
     m_bCustom = false;
     m_nType = type;
@@ -260,6 +243,9 @@ bool CCNumberFormat::Agrees(CCNumberFormat const & other, unsigned short fields)
 bool CCNumberFormat::IsEqual(cells::LCTX *, CCNumberFormat const & other) const {
     if (m_bCustom || other.m_bCustom)
         return m_bCustom && other.m_bCustom && m_strFormat == other.m_strFormat;
+    bool const sameFields = m_nSetMask == other.m_nSetMask && m_nData == other.m_nData &&
+                            m_nOptionsA == other.m_nOptionsA && m_nOptionsB == other.m_nOptionsB;
+    if (sameFields && m_nType == other.m_nType && m_nType <= C_NF_BOOL) return true;
     if (m_nType != other.m_nType) return false;
     switch (m_nType) {
     case C_NF_GENERAL:

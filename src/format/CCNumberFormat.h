@@ -57,8 +57,18 @@ public:
     CCNumberFormat() noexcept {}
     // The defaults of a type; the locale's precision does not survive Set, which runs last.
     explicit CCNumberFormat(int type);
-    CCNumberFormat(CCNumberFormat const & other) noexcept;
-    CCNumberFormat & operator=(CCNumberFormat const & other) noexcept;
+    // The custom text is copied only while it is in force; otherwise the target's stays.
+    CCNumberFormat(CCNumberFormat const & other) noexcept { *this = other; }
+    CCNumberFormat & operator=(CCNumberFormat const & other) noexcept {
+        m_nSetMask = other.m_nSetMask;
+        m_nData = other.m_nData;
+        m_nType = other.m_nType;
+        m_nOptionsA = other.m_nOptionsA;
+        m_nOptionsB = other.m_nOptionsB;
+        m_bCustom = other.m_bCustom;
+        if (m_bCustom) m_strFormat = other.m_strFormat;
+        return *this;
+    }
     ~CCNumberFormat() = default;
 
     void Set(uchar type);

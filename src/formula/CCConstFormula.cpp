@@ -83,7 +83,7 @@ int CCConstFormula::CloseRef(cells::CTX *, ushort, CCRef const *) {
     return 1;
 }
 
-CCConstArrayFormula::CCConstArrayFormula(SCCellValueList * list) {
+CCConstArrayFormula::CCConstArrayFormula(SCCellValueList * list) : ConstantFormula(kConstArrayFormula) {
     CSize const size = CalcCellValueArraySize(list);
     m_nWidth = size.cx;
     m_nHeight = size.cy;

@@ -4,6 +4,7 @@
 #include "core/CCCellValue.h"
 #include "core/ValueLists.h"
 #include "formula/CCFormula.h"
+#include "platform/NodePool.h"
 
 #include <vector>
 
@@ -12,6 +13,7 @@ namespace cells::internal {
 // What constants have in common: they refer to nothing, so that most operations do nothing.
 class CVCELLS_API ConstantFormula : public CCFormula {
 public:
+    using CCFormula::CCFormula;
     int IsEditSourceRef(CTX *, CCRef const *) const override { return 0; }
     CCRef const * GetEditSourceRef(CTX *, CCRef const *) const override { return nullptr; }
     int ContainsLink(CTX *, CCRef const *, CCRef const *) const override { return 0; }
@@ -29,11 +31,13 @@ public:
 
 } // namespace cells::internal
 
-class CVCELLS_API CCConstFormula : public cells::internal::ConstantFormula {
+class CVCELLS_API CCConstFormula : public cells::internal::ConstantFormula,
+                                   public cells::internal::Pooled<CCConstFormula> {
 public:
-    CCConstFormula() = default;
-    explicit CCConstFormula(CCCellValue const & constant) : m_Value(constant) {}
-    explicit CCConstFormula(int error) : m_Value(error) {}
+    CCConstFormula() : ConstantFormula(kConstFormula) {}
+    explicit CCConstFormula(CCCellValue const & constant)
+        : ConstantFormula(kConstFormula), m_Value(constant) {}
+    explicit CCConstFormula(int error) : ConstantFormula(kConstFormula), m_Value(error) {}
     CCConstFormula(double) = delete;
     CCConstFormula(CCConstFormula const & other) : ConstantFormula(other), m_Value(other.m_Value) {}
 
@@ -60,7 +64,7 @@ private:
 
 class CVCELLS_API CCConstArrayFormula : public cells::internal::ConstantFormula {
 public:
-    CCConstArrayFormula() = default;
+    CCConstArrayFormula() : ConstantFormula(kConstArrayFormula) {}
     // Takes the list over. Short rows are filled up with empty values.
     explicit CCConstArrayFormula(SCCellValueList * list);
     CCConstArrayFormula(CCConstArrayFormula const & other);

@@ -42,6 +42,8 @@ public:
     CCFormula() = default;
     virtual ~CCFormula() = default;
     virtual int GetType() const = 0;
+    // The type of the engine's own classes without a virtual call; 0 for a host's.
+    uchar Kind() const { return m_nKind; }
     virtual CCFormula * Copy() const = 0; // deep; the caller's
     // An error number, 0 for a formula that may be evaluated. Success is remembered.
     virtual int Check(cells::CTX * ctx, CCRef const * current) const = 0;
@@ -86,11 +88,18 @@ public:
     int GetDepth() const { return m_nDepth; }
 
 protected:
+    explicit CCFormula(EFormulaType kind) : m_nKind(uchar(kind)) {}
     // A copy starts unchecked.
-    CCFormula(CCFormula const & other) : CInstanceCounter(other), m_nDepth(other.m_nDepth) {}
+    CCFormula(CCFormula const & other)
+        : CInstanceCounter(other), m_nKind(other.m_nKind), m_nDepth(other.m_nDepth) {}
     CCFormula & operator=(CCFormula const &) = delete;
 
     mutable bool m_bChecked = false;
+
+private:
+    uchar m_nKind = 0;
+
+protected:
     ushort m_nDepth = 1;
 };
 

@@ -15,7 +15,8 @@
 
 using namespace cells;
 
-CCOpFormula::CCOpFormula(CCFunc * func, CCFormulaList * args) : m_pFunc(func), m_pArgs(args) {
+CCOpFormula::CCOpFormula(EFormulaType kind, CCFunc * func, CCFormulaList * args)
+    : CCFormula(kind), m_pFunc(func), m_pArgs(args) {
     m_nDepth = ushort(std::min(internal::DepthOf(args) + 1, 0xFFFF));
 }
 

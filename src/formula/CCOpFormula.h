@@ -8,11 +8,11 @@
 #include "formula/CCFunc.h"
 #include "formula/FormulaList.h"
 
-class CVCELLS_API CCOpFormula : public CCFormula {
+class CVCELLS_API CCOpFormula : public CCFormula, public cells::internal::Pooled<CCOpFormula> {
 public:
-    CCOpFormula() = default;
+    CCOpFormula() : CCFormula(kOpFormula) {}
     // Takes the list over.
-    CCOpFormula(CCFunc * func, CCFormulaList * args);
+    CCOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(kOpFormula, func, args) {}
     CCOpFormula(CCOpFormula const & other);
     ~CCOpFormula() override;
 
@@ -57,6 +57,7 @@ public:
     bool IsOpen() const { return m_nOpen != 0; }
 
 protected:
+    CCOpFormula(EFormulaType kind, CCFunc * func, CCFormulaList * args);
     // A node of the same class over new arguments, which keeps what the class remembers.
     virtual CCOpFormula * Rebuild(CCFormulaList * args) const { return new CCOpFormula(m_pFunc, args); }
     // Runs `change` on every argument and rebuilds the node of what it hands out.
@@ -79,8 +80,8 @@ private:
 // IF and CHOOSE: only the live argument is checked and walked.
 class CVCELLS_API CCChooseOpFormula : public CCOpFormula {
 public:
-    CCChooseOpFormula() = default;
-    CCChooseOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(func, args) {}
+    CCChooseOpFormula() : CCChooseOpFormula(nullptr, nullptr) {}
+    CCChooseOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(kChooseOpFormula, func, args) {}
     CCChooseOpFormula(CCChooseOpFormula const & other) : CCOpFormula(other) {}
 
     int GetType() const override { return kChooseOpFormula; }
@@ -108,8 +109,8 @@ private:
 // Functions of document properties.
 class CVCELLS_API CCDocOpFormula : public CCOpFormula {
 public:
-    CCDocOpFormula() = default;
-    CCDocOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(func, args) {}
+    CCDocOpFormula() : CCDocOpFormula(nullptr, nullptr) {}
+    CCDocOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(kDocOpFormula, func, args) {}
     CCDocOpFormula(CCDocOpFormula const & other) : CCOpFormula(other) {}
 
     int GetType() const override { return kDocOpFormula; }

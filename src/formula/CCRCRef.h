@@ -6,9 +6,9 @@
 
 class CVCELLS_API CCRCRef : public CCRef, public cells::internal::Pooled<CCRCRef> {
 public:
-    CCRCRef() = default;
-    CCRCRef(uchar column, ushort line) : col(column), row(line) {}
-    explicit CCRCRef(CPoint const & point) { Set(point); }
+    CCRCRef() : CCRef(kRefCell) {}
+    CCRCRef(uchar column, ushort line) : CCRef(kRefCell), col(column), row(line) {}
+    explicit CCRCRef(CPoint const & point) : CCRef(kRefCell) { Set(point); }
 
     void Set(CCRCRef const & other) { *this = other; }
     void Set(uchar column, ushort line) {

@@ -49,8 +49,11 @@ enum ERefType : int {
 
 class CVCELLS_API CCRef : public calvera::debug::CInstanceCounter<CCRef> {
 public:
+    CCRef() = default;
     virtual ~CCRef() = default;
     virtual int GetType() const = 0;
+    // The type of the engine's own classes without a virtual call; 0 for a host's.
+    uchar Kind() const { return m_nKind; }
     virtual int IsEqual(CCRef const * other) const = 0;
     // Prints the reference; `mode` is the set of absolute flags.
     virtual void Print(cells::CTX * ctx, std::wostream & stream, uchar mode) const;
@@ -81,6 +84,12 @@ public:
     virtual int Compare(CCRef const * other) const = 0;
     virtual void Move(long dx, long dy);
     virtual int Contain(CCRef const * other) const;
+
+protected:
+    explicit CCRef(ERefType kind) : m_nKind(uchar(kind)) {}
+
+private:
+    uchar m_nKind = 0;
 };
 
 // For hosts that refer to an object of their own.

@@ -11,7 +11,8 @@
 
 using cells::internal::LiveManager;
 
-CCRef3D::CCRef3D(cells::CTX * ctx, CCRef const * inner) : ref(inner ? inner->Copy() : nullptr) {
+CCRef3D::CCRef3D(cells::CTX * ctx, CCRef const * inner)
+    : CCRef(kRefSheets), ref(inner ? inner->Copy() : nullptr) {
     if (CCCellManager * manager = ctx->manager()) {
         m_bManagerForm = true;
         m_nManager = manager->GetSerial();
@@ -47,6 +48,16 @@ CCCellManager * CCRef3D::GetManager() const {
 unsigned long long CCRef3D::SheetKey() const {
     if (m_bManagerForm) return (1ull << 32) + m_nManager;
     return unsigned(lastSheet) * 65536ull + firstSheet;
+}
+
+void CCRef3D::Borrow(unsigned long long sheetKey, CCRef * inner) {
+    if (!m_bBorrowed) delete ref;
+    ref = inner;
+    m_bBorrowed = true;
+    m_bManagerForm = sheetKey >> 32 != 0;
+    m_nManager = m_bManagerForm ? cells::internal::ManagerSerial(sheetKey) : cells::internal::kNoManager;
+    firstSheet = m_bManagerForm ? ushort(0) : ushort(sheetKey);
+    lastSheet = m_bManagerForm ? ushort(0) : ushort(sheetKey >> 16);
 }
 
 CCCellManager * CCRef3D::SheetManager(cells::CTX * ctx, ushort sheet) const {

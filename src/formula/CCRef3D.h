@@ -14,11 +14,12 @@ struct CCRefList;
 
 class CVCELLS_API CCRef3D : public CCRef, public cells::internal::Pooled<CCRef3D> {
 public:
-    CCRef3D() = default;
-    explicit CCRef3D(ushort first) : firstSheet(first) {}
-    CCRef3D(ushort first, ushort last) : firstSheet(first), lastSheet(last) {}
+    CCRef3D() : CCRef(kRefSheets) {}
+    explicit CCRef3D(ushort first) : CCRef(kRefSheets), firstSheet(first) {}
+    CCRef3D(ushort first, ushort last) : CCRef(kRefSheets), firstSheet(first), lastSheet(last) {}
     // Takes the reference over.
-    CCRef3D(ushort first, ushort last, CCRef * inner) : ref(inner), firstSheet(first), lastSheet(last) {}
+    CCRef3D(ushort first, ushort last, CCRef * inner)
+        : CCRef(kRefSheets), ref(inner), firstSheet(first), lastSheet(last) {}
     // The manager form with the context's current manager, around a copy of the reference; without
     // a manager the number form 0, 0.
     CCRef3D(cells::CTX * ctx, CCRef const * inner);
@@ -36,6 +37,8 @@ public:
     bool IsOneSheet() const { return m_bManagerForm || lastSheet == 0 || lastSheet == firstSheet; }
     // What orders references of this class: both numbers, or the manager's place behind all numbers.
     unsigned long long SheetKey() const;
+    // Lends the object an inner reference and the sheets of a key; it then owns nothing.
+    void Borrow(unsigned long long sheetKey, CCRef * inner);
 
     int GetType() const override { return kRefSheets; }
     int IsEqual(CCRef const * other) const override;

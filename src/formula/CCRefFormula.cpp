@@ -14,13 +14,14 @@
 
 #include <utility>
 
-CCRefFormula::CCRefFormula(wchar_t const * name, uchar mode) : m_Ref(new CCNameRef(name)), m_nMode(mode) {}
+CCRefFormula::CCRefFormula(wchar_t const * name, uchar mode)
+    : CCFormula(kRefFormula), m_Ref(new CCNameRef(name)), m_nMode(mode) {}
 
 CCRefFormula::CCRefFormula(uchar col, ushort row, uchar mode)
-    : m_Ref(new CCRCRef(col, row)), m_nMode(mode) {}
+    : CCFormula(kRefFormula), m_Ref(new CCRCRef(col, row)), m_nMode(mode) {}
 
 CCRefFormula::CCRefFormula(uchar left, ushort top, uchar right, ushort bottom, uchar mode)
-    : m_Ref(new CCRegionRef(left, top, right, bottom)), m_nMode(mode) {}
+    : CCFormula(kRefFormula), m_Ref(new CCRegionRef(left, top, right, bottom)), m_nMode(mode) {}
 
 CCRefFormula::CCRefFormula(CCRefFormula const & other)
     : CCFormula(other), m_Ref(other.m_Ref ? other.m_Ref->Copy() : nullptr), m_nMode(other.m_nMode) {}

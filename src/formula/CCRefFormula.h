@@ -2,13 +2,15 @@
 #pragma once
 
 #include "formula/CCFormula.h"
+#include "platform/NodePool.h"
 
 #include <memory>
 
-class CVCELLS_API CCRefFormula : public CCFormula {
+class CVCELLS_API CCRefFormula : public CCFormula, public cells::internal::Pooled<CCRefFormula> {
 public:
-    CCRefFormula() = default;
-    CCRefFormula(CCRef const * ref, uchar mode) : m_Ref(ref ? ref->Copy() : nullptr), m_nMode(mode) {}
+    CCRefFormula() : CCFormula(kRefFormula) {}
+    CCRefFormula(CCRef const * ref, uchar mode)
+        : CCFormula(kRefFormula), m_Ref(ref ? ref->Copy() : nullptr), m_nMode(mode) {}
     CCRefFormula(wchar_t const * name, uchar mode);
     CCRefFormula(uchar col, ushort row, uchar mode);
     CCRefFormula(uchar left, ushort top, uchar right, ushort bottom, uchar mode);

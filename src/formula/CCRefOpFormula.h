@@ -13,8 +13,8 @@
 
 class CVCELLS_API CCRefOpFormula : public CCOpFormula, public CCListenerWithManager {
 public:
-    CCRefOpFormula() = default;
-    CCRefOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(func, args) {}
+    CCRefOpFormula() : CCRefOpFormula(nullptr, nullptr) {}
+    CCRefOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(kRefOpFormula, func, args) {}
     CCRefOpFormula(CCRefOpFormula const & other);
     ~CCRefOpFormula() override;
 

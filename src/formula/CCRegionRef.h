@@ -8,9 +8,10 @@
 
 class CVCELLS_API CCRegionRef : public CCRef {
 public:
-    CCRegionRef() = default;
-    CCRegionRef(uchar l, ushort t, uchar r, ushort b) : left(l), right(r), top(t), bottom(b) {}
-    explicit CCRegionRef(CRect const & rect) { Set(rect); }
+    CCRegionRef() : CCRef(kRefRegion) {}
+    CCRegionRef(uchar l, ushort t, uchar r, ushort b)
+        : CCRef(kRefRegion), left(l), right(r), top(t), bottom(b) {}
+    explicit CCRegionRef(CRect const & rect) : CCRef(kRefRegion) { Set(rect); }
 
     void Set(CCRegionRef const & other) { *this = other; }
     void Set(CRect const & rect); // truncates to the width of the grid

@@ -7,8 +7,8 @@
 
 class CVCELLS_API CCRemoteOpFormula : public CCOpFormula {
 public:
-    CCRemoteOpFormula() = default;
-    CCRemoteOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(func, args) {}
+    CCRemoteOpFormula() : CCRemoteOpFormula(nullptr, nullptr) {}
+    CCRemoteOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(kRemoteOpFormula, func, args) {}
     CCRemoteOpFormula(CCRemoteOpFormula const & other) : CCOpFormula(other), m_Remote(other.m_Remote) {}
 
     CCRemoteRef * GetRemoteRef() const { return new CCRemoteRef(m_Remote); } // the caller's

@@ -3,8 +3,11 @@
 #pragma once
 
 #include "formula/CCFormula.h"
+#include "platform/NodePool.h"
 
-struct CVCELLS_API CCFormulaList {
+struct CVCELLS_API CCFormulaList : cells::internal::Pooled<CCFormulaList> {
+    CCFormulaList(CCFormula * item, CCFormulaList * rest) : formula(item), next(rest) {}
+
     CCFormula * formula;
     CCFormulaList * next;
 };

@@ -33,9 +33,10 @@ public:
         std::stable_sort(m_Functions.begin(), m_Functions.end(),
                          [this](CCFunc * a, CCFunc * b) { return StandsBefore(a, b, m_Name); });
         m_Index.fill(kNoEntry);
+        m_Names.clear();
+        for (CCFunc const * func : m_Functions) m_Names.push_back((func->*m_Name)());
         for (std::size_t i = m_Functions.size(); i-- > 0;)
-            if (wchar_t const first = *(m_Functions[i]->*m_Name)())
-                m_Index[first & 0xFF] = static_cast<unsigned short>(i);
+            if (wchar_t const first = *m_Names[i]) m_Index[first & 0xFF] = static_cast<unsigned short>(i);
     }
 
     std::vector<CCFunc *> & Functions() { return m_Functions; }
@@ -47,7 +48,7 @@ public:
         if (first == 0 || first > kEntries) return nullptr;
         std::size_t i = m_Index[first & 0xFF];
         for (; i < m_Functions.size() && i < kEntries; ++i) {
-            wchar_t const * const name = (m_Functions[i]->*m_Name)();
+            wchar_t const * const name = m_Names[i];
             if (name[0] != first && (name[0] & 0xFF) == (first & 0xFF)) continue;
             if (name[0] != first) return nullptr;
             if (test(m_Functions[i], name)) return m_Functions[i];
@@ -58,6 +59,7 @@ public:
 private:
     NameOf m_Name;
     std::vector<CCFunc *> m_Functions;
+    std::vector<wchar_t const *> m_Names; // of the functions, in the same order
     std::array<unsigned short, 256> m_Index;
 };
 

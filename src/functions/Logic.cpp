@@ -28,7 +28,7 @@ void EvalIf(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef c
     int status = ChooseBranch(ctx, choice, args, current);
     if (!status) status = choice->Check(ctx, current); // it may not have been live when checked
     if (status) return result.Set(status);
-    CCFormulaList branch{choice, nullptr};
+    CCFormulaList const branch(choice, nullptr);
     EvalArg(ctx, result, &branch, current);
     if (FormulaList2ItemEx(args) && choice == args->formula) result.GetFormat().Set(uchar(C_NF_BOOL));
 }

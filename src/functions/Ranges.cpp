@@ -10,14 +10,14 @@
 namespace cells::internal {
 
 ValueWalk::Kind ValueWalk::KindOf(CTX * ctx, CCFormula * formula) {
-    switch (formula->GetType()) {
+    switch (formula->Kind()) {
     case kConstFormula:
         return static_cast<CCConstFormula *>(formula)->IsOpen() ? Kind::kWalk : Kind::kConstant;
     case kOpFormula: return static_cast<CCOpFormula *>(formula)->IsOpen() ? Kind::kWalk : Kind::kOperator;
     case kRefFormula: {
         CCRef const * const ref = static_cast<CCRefFormula *>(formula)->GetRef();
         CCCellManager const * const manager = ctx->manager();
-        bool const direct = ref && ref->GetType() == kRefCell && manager && manager->ReadsCellsDirectly();
+        bool const direct = ref && ref->Kind() == kRefCell && manager && manager->ReadsCellsDirectly();
         return direct ? Kind::kCell : Kind::kWalk;
     }
     default: return Kind::kWalk;

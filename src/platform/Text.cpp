@@ -106,11 +106,16 @@ int OrderInLocale(kbt::multilang::CLocaleInfo const & locale, wchar_t const * a,
 
 } // namespace
 
-bool IsSpace(wchar_t unit) { return HasFact(unit, kSpaceFact); }
-bool IsAlpha(wchar_t unit) { return HasFact(unit, kLetterFact); }
-bool IsAlnum(wchar_t unit) { return HasFact(unit, kLetterFact | kDigitFact); }
+namespace internal {
+
+bool IsSpaceBeyondAscii(wchar_t unit) { return HasFact(unit, kSpaceFact); }
+bool IsAlphaBeyondAscii(wchar_t unit) { return HasFact(unit, kLetterFact); }
+bool IsAlnumBeyondAscii(wchar_t unit) { return HasFact(unit, kLetterFact | kDigitFact); }
+wchar_t ToUpperBeyondAscii(wchar_t unit) { return Mapped(unit, Facts().upper); }
+
+} // namespace internal
+
 bool IsControl(wchar_t unit) { return (unit >= 0 && unit < 0x20) || (unit >= 0x7F && unit <= 0x9F); }
-wchar_t ToUpper(wchar_t unit) { return Mapped(unit, Facts().upper); }
 wchar_t ToLower(wchar_t unit) { return Mapped(unit, Facts().lower); }
 wchar_t FoldCase(wchar_t unit) { return Mapped(unit, Facts().folded); }
 

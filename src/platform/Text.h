@@ -12,11 +12,37 @@ class CLocaleInfo;
 
 namespace cells {
 
-CVCELLS_API bool IsSpace(wchar_t unit);   // Unicode white space, U+00A0 included
-CVCELLS_API bool IsAlpha(wchar_t unit);   // Unicode letters
-CVCELLS_API bool IsAlnum(wchar_t unit);   // letters and decimal digits of every script
+namespace internal {
+
+CVCELLS_API bool IsSpaceBeyondAscii(wchar_t unit);
+CVCELLS_API bool IsAlphaBeyondAscii(wchar_t unit);
+CVCELLS_API bool IsAlnumBeyondAscii(wchar_t unit);
+CVCELLS_API wchar_t ToUpperBeyondAscii(wchar_t unit);
+
+constexpr bool IsAscii(wchar_t unit) { return unit >= 0 && unit < 0x80; }
+constexpr bool IsAsciiLetter(wchar_t unit) { return (unit | 0x20) >= L'a' && (unit | 0x20) <= L'z'; }
+
+} // namespace internal
+
+// Unicode white space, U+00A0 included.
+inline bool IsSpace(wchar_t unit) {
+    if (internal::IsAscii(unit)) return unit == L' ' || (unit >= 0x9 && unit <= 0xD);
+    return internal::IsSpaceBeyondAscii(unit);
+}
+// Unicode letters.
+inline bool IsAlpha(wchar_t unit) {
+    return internal::IsAscii(unit) ? internal::IsAsciiLetter(unit) : internal::IsAlphaBeyondAscii(unit);
+}
+// Letters, and decimal digits of every script.
+inline bool IsAlnum(wchar_t unit) {
+    if (!internal::IsAscii(unit)) return internal::IsAlnumBeyondAscii(unit);
+    return internal::IsAsciiLetter(unit) || (unit >= L'0' && unit <= L'9');
+}
 CVCELLS_API bool IsControl(wchar_t unit); // U+0000 to U+001F, U+007F to U+009F
-CVCELLS_API wchar_t ToUpper(wchar_t unit);
+inline wchar_t ToUpper(wchar_t unit) {
+    if (!internal::IsAscii(unit)) return internal::ToUpperBeyondAscii(unit);
+    return unit >= L'a' && unit <= L'z' ? wchar_t(unit - 0x20) : unit;
+}
 CVCELLS_API wchar_t ToLower(wchar_t unit);
 
 // The scanners read "0" to "9" and no other digits.
