@@ -249,6 +249,7 @@ private:
     CCRefList * LoadPlacedDependents(CCRef const * ref, CCItem *& item);
     int WalkForCycle(CCItem const * item, RemoteRefs & remote);
     void OrderLinearly(std::uint64_t firstNewStamp);
+    void Tick();
 
     int m_bProtected = 0;
     CString m_strPassword;
@@ -261,6 +262,7 @@ private:
     SCItemList * m_pDocItems = nullptr;
     int m_nDirtyMarking = 1;
     bool m_bRemoteDependents = false; // a remote dependent was registered some time
+    bool m_bTicking = false;          // within OnUpdateIdleRecalc
     bool m_bStoredDependents = false; // dependents were read from a block some time
     std::uint64_t m_nEdgesMet = 0;    // of the running patch pass
     // The reference that the patch pass is at, with what it resolved to.

@@ -155,7 +155,7 @@ void CCCellManager::PatchDoProcess(int limit) {
             if (PatchProcessDependents(ref, m_ProcessList)) {
                 if (fresh) known += 1 + (m_nEdgesMet - edges);
                 if (limit > 0) --limit;
-                if (++ticks % kProcessTick == 0) OnUpdateIdleRecalc();
+                if (++ticks % kProcessTick == 0) Tick();
             }
             m_Walked = {};
             if (++steps > std::max(kFreeSteps, 2 * known)) {
@@ -249,7 +249,7 @@ void CCCellManager::OrderLinearly(std::uint64_t firstNewStamp) {
     for (int number : queued)
         if (isReady(number)) closure.Place(number, order);
     for (std::size_t taken = 0; taken < order.size(); ++taken) {
-        if (taken % kProcessTick == kProcessTick - 1) OnUpdateIdleRecalc();
+        if (taken % kProcessTick == kProcessTick - 1) Tick();
         for (int dependent : closure.members[std::size_t(order[taken])].dependents)
             if (isReady(dependent)) closure.Place(dependent, order);
     }
@@ -257,6 +257,17 @@ void CCCellManager::OrderLinearly(std::uint64_t firstNewStamp) {
         if (!closure.members[number].placed) order.push_back(int(number));
     m_ProcessList.Empty();
     for (int number : order) m_ProcessList.Append(closure.members[std::size_t(number)].ref.release());
+}
+
+// A host that calculates from its tick is not called again from that calculation.
+void CCCellManager::Tick() {
+    if (m_bTicking) return;
+    struct Ticking {
+        bool & flag;
+        ~Ticking() { flag = false; }
+    } const ticking{m_bTicking};
+    m_bTicking = true;
+    OnUpdateIdleRecalc();
 }
 
 void CCCellManager::DoProcess(int limit) {
@@ -294,7 +305,7 @@ void CCCellManager::DoProcess(int limit) {
         m_RecalcList.AddLast(ref);
         m_nAllRecalc = std::max(m_nAllRecalc, static_cast<unsigned long>(m_RecalcList.GetCount()));
         if (limit > 0) --limit;
-        if (++ticks % kProcessTick == 0) OnUpdateIdleRecalc();
+        if (++ticks % kProcessTick == 0) Tick();
     }
     if (remote.IsEmpty()) return;
     DoRecalc(-1);
@@ -314,7 +325,7 @@ void CCCellManager::DoRecalc(int limit) {
             m_RecalcList.RemoveDone(head, stamp, held.Get());
         }
         if (limit > 0) --limit;
-        if (++ticks % kRecalcTick == 0) OnUpdateIdleRecalc();
+        if (++ticks % kRecalcTick == 0) Tick();
     }
     if (m_RecalcList.IsEmpty()) m_nAllRecalc = 0;
 }

@@ -1,0 +1,366 @@
+#include "formula/CCConstFormula.h"
+#include "formula/CCOpFormula.h"
+#include "formula/CCRefFormula.h"
+#include "formula/Clipboard.h"
+#include "formula/Parser.h"
+#include "support/BaseHost.h"
+
+#include <gtest/gtest.h>
+
+using cells::test::BaseHost;
+using cells::test::MapCell;
+
+namespace {
+
+CCRCRef R(char const * name) { return BaseHost::RefOf(name); }
+
+CCCellFormat Lock() {
+    CCCellFormat format;
+    format.SetLock(1);
+    return format;
+}
+
+CCCellFormat Hide() {
+    CCCellFormat format;
+    format.SetHide(1);
+    return format;
+}
+
+} // namespace
+
+TEST(CellEntry, EqualTextChangesAndQueuesNothing) {
+    BaseHost host;
+    host.Enter("A1", L"x");
+    host.Enter("B1", L"=A1");
+    host.Idle();
+    int const dirty = host.dirty, changes = host.Make("A1").changes;
+    host.Enter("A1", L"x");
+    EXPECT_EQ(host.dirty, dirty);
+    EXPECT_EQ(host.Make("A1").changes, changes);
+    EXPECT_EQ(host.GetCurProcessCount(), 0);
+}
+
+TEST(CellEntry, ReplacingAFormulaByItsOwnValueMarksTheDocumentOnce) {
+    BaseHost host;
+    host.Enter("A1", L"=\"x\"");
+    host.Idle();
+    int const dirty = host.dirty, changes = host.Make("A1").changes, told = host.Make("A1").valueChanges;
+    host.Enter("A1", L"x");
+    EXPECT_FALSE(host.Make("A1").IsFormulaLink());
+    EXPECT_EQ(host.dirty, dirty + 1);
+    EXPECT_EQ(host.Make("A1").changes, changes);
+    EXPECT_EQ(host.Make("A1").valueChanges, told + 1);
+}
+
+TEST(CellEntry, UnparsedFormulasStayAsTextWithAMessage) {
+    BaseHost host;
+    host.Enter("A1", L"=1+");
+    host.Enter("A2", L"=(1");
+    EXPECT_EQ(host.Text("A1"), "=1+");
+    EXPECT_EQ(host.messages, (std::vector<unsigned>{13034, 13042}));
+    host.Make("A3").SetText(&host, L"=1+", 1); // quiet
+    EXPECT_EQ(host.messages.size(), 2u);
+    host.SetNotifyEnable(0);
+    host.Enter("A4", L"=1+");
+    EXPECT_EQ(host.messages.size(), 2u);
+}
+
+TEST(CellEntry, LeadingBlanksAndApostropheStayInTheValue) {
+    BaseHost host;
+    host.Enter("A1", L"  text");
+    EXPECT_EQ(host.Text("A1"), "  text");
+    host.Enter("A1", L"'=1");
+    EXPECT_EQ(host.Text("A1"), "'=1");
+    host.Enter("A1", L"");
+    EXPECT_TRUE(host.Make("A1").GetValue().IsEmpty());
+}
+
+TEST(CellEntry, ANumberOverADateIsANumber) {
+    BaseHost host;
+    host.Enter("A1", L"3/5/2026");
+    host.Enter("A1", L"5");
+    EXPECT_EQ(host.Text("A1"), "5");
+}
+
+TEST(CellEntry, WithoutAManagerNothingChanges) {
+    BaseHost host;
+    host.Enter("A1", L"5");
+    host.withManager = false;
+    CCRCRef const a1 = R("A1");
+    EXPECT_EQ(host.SetCellText(&a1, L"6"), 1);
+    host.withManager = true;
+    EXPECT_EQ(host.Text("A1"), "5");
+}
+
+TEST(CellFormula, OfItsOwnCellIsCircular) {
+    BaseHost host;
+    host.Enter("A1", L"=A1+1");
+    MapCell & a1 = host.Make("A1");
+    EXPECT_EQ(a1.GetValue().GetError(), 5);
+    EXPECT_EQ(host.EditText("A1"), "=A1 + 1");
+    EXPECT_EQ(a1.GetFormulaType(), 'C');
+    EXPECT_FALSE(a1.IsValidFormula());
+    EXPECT_EQ(host.messages, std::vector<unsigned>{13033});
+    EXPECT_FALSE(a1.HasDependents());
+    a1.Recalc(&host);
+    EXPECT_EQ(a1.GetValue().GetError(), 5);
+    host.Enter("A1", L"7");
+    std::unique_ptr<CCFormula> const tree(_ParseFormula(&host, L"1+1", 0, nullptr));
+    a1.SaveFormula(&host, tree.get(), 'F');
+    EXPECT_EQ(a1.GetFormulaType(), 'F');
+}
+
+TEST(CellFormula, MayBeSetFromTheCellsOwnTree) {
+    BaseHost host;
+    host.Enter("A1", L"5");
+    host.Enter("B1", L"=A1+1");
+    MapCell & b1 = host.Make("B1");
+    EXPECT_EQ(b1.SetFormula(&host, b1.LoadFormula(&host), 0), 1);
+    EXPECT_EQ(host.Text("B1"), "6");
+    EXPECT_EQ(host.Make("A1").GetDependentCount(), 1);
+}
+
+TEST(CellFormula, ThatCannotRegisterBecomesText) {
+    BaseHost host;
+    host.Make("A1").SetFormat(&host, Hide());
+    host.Protect(L"");
+    host.Enter("B1", L"=A1+1");
+    MapCell & b1 = host.Make("B1");
+    EXPECT_EQ(host.Text("B1"), "=A1 + 1");
+    EXPECT_FALSE(b1.IsFormulaLink());
+    EXPECT_EQ(host.messages, std::vector<unsigned>{13037});
+    EXPECT_EQ(host.depth, 0);
+}
+
+TEST(CellFormula, MassFillNeitherTestsForCyclesNorQueues) {
+    BaseHost host;
+    host.Enter("A1", L"5");
+    host.Enter("C1", L"=B1");
+    host.Idle();
+    std::unique_ptr<CCFormula> const tree(_ParseFormula(&host, L"A1*3", 0, nullptr));
+    EXPECT_EQ(host.Make("B1").SetFormula1(&host, tree.get()), 1);
+    EXPECT_EQ(host.Text("B1"), "15");
+    EXPECT_EQ(host.GetCurProcessCount(), 0);
+    EXPECT_EQ(host.Make("A1").GetDependentCount(), 1);
+}
+
+TEST(CellFormula, BuffersHoldWhatFits) {
+    BaseHost host;
+    host.Enter("A1", std::wstring(100, L'x'));
+    wchar_t buffer[8];
+    for (int bytes : {0, 1, 3}) {
+        buffer[0] = L'!';
+        host.Make("A1").CCCell::GetValueText(&host, buffer, bytes);
+        EXPECT_EQ(buffer[0], L'!');
+    }
+    host.Make("A1").CCCell::GetValueText(&host, buffer, int(sizeof(wchar_t)));
+    EXPECT_STREQ(buffer, L"");
+    host.Make("A1").CCCell::GetValueText(&host, buffer, int(sizeof buffer));
+    EXPECT_STREQ(buffer, L"xxxxxxx");
+}
+
+TEST(CellProtection, LockedCellsRefuseEveryEdit) {
+    BaseHost host;
+    host.Enter("A1", L"5");
+    host.Make("A1").SetFormat(&host, Lock());
+    CCCellFormat unlock;
+    unlock.SetLock(0);
+    EXPECT_EQ(host.Make("A1").SetFormat(&host, unlock), 1); // unprotected: a lock can be taken off
+    host.Make("A1").SetFormat(&host, Lock());
+    host.Protect(L"pass");
+    host.Enter("A1", L"6");
+    EXPECT_EQ(host.Make("A1").Clear(&host, kClearAll), 0);
+    EXPECT_EQ(host.Make("A1").SetFormat(&host, unlock), 0);
+    EXPECT_EQ(host.Make("A1").Delete(&host), 0);
+    EXPECT_EQ(host.Text("A1"), "5");
+    EXPECT_EQ(host.messages, (std::vector<unsigned>{13036, 13036, 13036, 13036}));
+}
+
+TEST(CellProtection, HiddenCellsShowNothing) {
+    BaseHost host;
+    host.Enter("A1", L"=1+1");
+    host.Make("A1").SetFormat(&host, Hide());
+    EXPECT_EQ(host.Text("A1"), "2");
+    host.Protect(L"");
+    EXPECT_EQ(host.Text("A1"), "");
+    EXPECT_EQ(host.EditText("A1"), "");
+}
+
+TEST(CellDisplay, ErrorsAndZerosMayBeHidden) {
+    BaseHost host;
+    CCCellFormat format;
+    format.SetHideError(1);
+    format.SetHideZero(1);
+    host.Enter("A1", L"=1/0");
+    host.Enter("A2", L"0");
+    for (char const * name : {"A1", "A2"}) {
+        EXPECT_NE(host.Text(name), "");
+        host.Make(name).SetFormat(&host, format);
+        EXPECT_EQ(host.Text(name), "");
+    }
+}
+
+TEST(CellFormatting, MasksDecideWhatTheValueTakes) {
+    BaseHost host;
+    host.Enter("A1", L"1234.5");
+    CCCellFormat decimals;
+    decimals.SetNFPrecision(2);
+    host.Make("A1").SetFormat(&host, decimals);
+    EXPECT_EQ(host.Text("A1"), "1234.50"); // decimals turn general into fixed
+    CCCellFormat commas;
+    commas.SetNFCommas(1);
+    host.Make("A1").SetFormat(&host, commas);
+    EXPECT_EQ(host.Text("A1"), "1,234.50");
+    CCCellFormat percent;
+    percent.SetNFType(C_NF_PERCENT);
+    host.Make("A1").SetFormat(&host, percent);
+    EXPECT_EQ(host.Text("A1"), "123,450.00%");
+    CCNumberFormat whole;
+    whole.Set(uchar(C_NF_SCIENTIFIC));
+    CCCellFormat all;
+    all.SetNumberFormat(whole);
+    host.Make("A1").SetFormat(&host, all);
+    EXPECT_EQ(host.Text("A1"), "1.E+03");
+    host.Enter("A1", L"7");
+    EXPECT_EQ(host.Text("A1"), "7.E+00"); // the format stays with the cell
+    host.Make("A1").Clear(&host, kClearFormat);
+    EXPECT_EQ(host.Text("A1"), "7");
+}
+
+TEST(CellFormatting, OfATextChangesAndQueuesNothing) {
+    BaseHost host;
+    host.Enter("A1", L"x");
+    host.Enter("B1", L"=A1");
+    host.Idle();
+    int const changes = host.Make("A1").changes;
+    host.Make("A1").SetFormat(&host, Hide());
+    EXPECT_EQ(host.Make("A1").changes, changes + 1);
+    EXPECT_EQ(host.GetCurProcessCount(), 0);
+}
+
+TEST(CellClear, TakesTheParts) {
+    BaseHost host;
+    host.Enter("A1", L"5");
+    host.Enter("B1", L"=A1+1");
+    host.Make("B1").Clear(&host, kClearValue);
+    EXPECT_EQ(host.Text("B1"), "6"); // the value of a formula stays
+    host.Make("B1").Clear(&host, kClearFormula);
+    EXPECT_FALSE(host.Make("B1").IsFormulaLink());
+    EXPECT_EQ(host.Text("B1"), "6");
+    EXPECT_FALSE(host.Make("A1").HasDependents());
+    host.Make("B1").Clear(&host, kClearValue);
+    EXPECT_TRUE(host.Make("B1").IsEmpty());
+}
+
+TEST(EditSources, WriteThroughToTheirSource) {
+    BaseHost host;
+    host.Enter("A1", L"5");
+    host.Enter("B1", L"!A1");
+    EXPECT_EQ(host.EditText("B1"), "!A1");
+    EXPECT_EQ(host.Text("B1"), "5");
+    host.Enter("B1", L"8");
+    EXPECT_EQ(host.Text("A1"), "8");
+    EXPECT_TRUE(host.Make("B1").IsFormulaLink());
+    EXPECT_EQ(host.Make("B1").Clear(&host, kClearValue), 1);
+    EXPECT_TRUE(host.Make("A1").GetValue().IsEmpty());
+}
+
+TEST(EditSources, ARingEndsWithoutAWrite) {
+    BaseHost host;
+    host.Make("A1");
+    host.Make("B1");
+    host.Enter("A1", L"!B1");
+    host.Enter("B1", L"!A1");
+    CCCellValue value;
+    value.Set(3.0, uchar(C_NF_GENERAL));
+    CCRCRef const a1 = R("A1");
+    EXPECT_EQ(host.SetSourceValue(&a1, value), 0);
+    EXPECT_EQ(host.SetSourceValue(nullptr, value), 0);
+    host.autoCalc = 0;
+    EXPECT_EQ(host.SetSourceValue(&a1, value), 1);
+}
+
+TEST(EditSources, AFormulaThatIsNoSourceIsReported) {
+    BaseHost host;
+    host.Enter("A1", L"!1+1");
+    EXPECT_EQ(host.messages, std::vector<unsigned>{13038});
+    CCRCRef const b1 = R("B1");
+    host.Make("B1");
+    EXPECT_EQ(host.Make("C1").SetEditSource(&host, &b1, 3), 1);
+    EXPECT_EQ(host.EditText("C1"), "!$B$1");
+}
+
+TEST(FindAndReplace, LooksInValuesAndFormulas) {
+    BaseHost host;
+    host.Enter("A1", L"Tax rate");
+    host.Enter("A2", L"=\"Tax\"+\"es\"");
+    CCFindData find;
+    find.findText = L"tax";
+    MapCell &text = host.Make("A1"), &formula = host.Make("A2");
+    EXPECT_TRUE(text.Find(&host, find));
+    EXPECT_FALSE(formula.Find(&host, find));
+    find.matchFormulaValues = 1;
+    EXPECT_TRUE(formula.Find(&host, find));
+    find.matchFormulaValues = 0;
+    find.lookIn = CCFindData::kFormulas;
+    EXPECT_FALSE(text.Find(&host, find));
+    EXPECT_TRUE(formula.Find(&host, find));
+    find.caseSensitive = 1;
+    EXPECT_FALSE(formula.Find(&host, find));
+    CCFindData copy;
+    copy.matchFormulaValues = 1;
+    copy.Set(find);
+    EXPECT_EQ(copy.matchFormulaValues, 1);
+    EXPECT_EQ(copy.caseSensitive, 1);
+}
+
+TEST(FindAndReplace, ReplacesThroughAnEntry) {
+    BaseHost host;
+    host.Enter("A1", std::wstring(1000, L'a'));
+    CCFindData data;
+    data.findText = L"a";
+    data.replaceText = L"aa";
+    EXPECT_EQ(host.Make("A1").Replace(&host, data), 1);
+    EXPECT_EQ(host.Text("A1").size(), 1023u);
+    host.Enter("A2", L"=1+1");
+    data.findText = L"1";
+    data.replaceText = L"2";
+    EXPECT_EQ(host.Make("A2").Replace(&host, data), 0);
+    data.lookIn = CCFindData::kBoth;
+    EXPECT_EQ(host.Make("A2").Replace(&host, data), 1);
+    EXPECT_EQ(host.Text("A2"), "4");
+    data.findText = L"nothing";
+    EXPECT_EQ(host.Make("A2").Replace(&host, data), 0);
+}
+
+TEST(CellPaste, ReferencesMoveAndRegisterAnew) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Enter("B1", L"2");
+    host.Enter("C1", L"=A1*10");
+    CCClipboardData clip;
+    clip.source = CRect(0, 0, 2, 0);
+    clip.col = 1;
+    CCRCRef const from = R("C1"), to = R("D1");
+    EXPECT_EQ(host.Make("C1").UpdateInPaste(&host, &from, &to, &clip), 1);
+    EXPECT_EQ(host.EditText("C1"), "=B1 * 10");
+    EXPECT_EQ(host.Text("C1"), "20");
+    EXPECT_FALSE(host.Make("A1").HasDependents());
+    host.Enter("D1", L"=A1");
+    clip.mode = 1;
+    clip.source = CRect(5, 5, 5, 5);
+    CCRCRef const beyond(1, 0), minus(0, 0);
+    host.Make("D1").UpdateInPaste(&host, &beyond, &minus, &clip); // one column to the left of A
+    EXPECT_EQ(host.EditText("D1"), "=#REF!");
+}
+
+TEST(Hyperlinks, GiveTheirFirstArgument) {
+    BaseHost host;
+    host.Enter("A1", L"=HYPERLINK(\"target\")");
+    CString text;
+    EXPECT_TRUE(host.Make("A1").IsHyperLink());
+    EXPECT_EQ(host.Make("A1").GetHyperLink(&host, text), 1);
+    EXPECT_EQ(text, L"target");
+    host.Enter("A2", L"=1");
+    EXPECT_EQ(host.Make("A2").GetHyperLink(&host, text), 0);
+}

@@ -1,0 +1,229 @@
+#include "core/Guards.h"
+#include "formula/CCConstFormula.h"
+#include "formula/CCRefList.h"
+#include "platform/CArchive.h"
+#include "support/BaseHost.h"
+
+#include <gtest/gtest.h>
+
+using cells::test::BaseHost;
+using cells::test::MapCell;
+
+namespace {
+
+CCRCRef R(char const * name) { return BaseHost::RefOf(name); }
+
+std::string Dependents(BaseHost & host, MapCell & cell) {
+    cells::internal::RefListHolder const list(cell.LoadDependents(&host));
+    std::string names;
+    for (CCRefList * node = list.list; node; node = node->m_pNext) {
+        names += BaseHost::NameOf(node->m_pRef) + " ";
+        EXPECT_FALSE(node->m_bOwned);
+        EXPECT_EQ(node->m_pRef->GetType(), kRefSheets);
+    }
+    return names;
+}
+
+std::vector<uchar> BytesOf(BaseHost & host, CCItem & item) {
+    CMemFile file;
+    CArchive ar(&file, CArchive::store);
+    item.CCItem::Write(&host, ar);
+    ar.Flush();
+    return file.Bytes();
+}
+
+} // namespace
+
+TEST(Item, StoresADependentOnceNewestFirst) {
+    BaseHost host;
+    MapCell & a1 = host.Make("A1");
+    for (char const * name : {"B1", "C1", "D1", "B1"}) {
+        CCRCRef const ref = R(name);
+        EXPECT_EQ(a1.RegisterDependent(&host, &ref), 1);
+    }
+    EXPECT_EQ(Dependents(host, a1), "D1 C1 B1 ");
+    EXPECT_EQ(host.dirty, 3);
+    EXPECT_EQ(a1.RegisterDependent(&host, nullptr), 0);
+}
+
+TEST(Item, ReportsACapacityThatGrowsByTen) {
+    BaseHost host;
+    MapCell & a1 = host.Make("A1");
+    for (int i = 0; i < 11; ++i) {
+        EXPECT_EQ(a1.GetDependentCapacity(), i == 0 ? 0 : 10);
+        CCRCRef const ref(1, ushort(i));
+        a1.RegisterDependent(&host, &ref);
+    }
+    EXPECT_EQ(a1.GetDependentCapacity(), 20);
+    EXPECT_EQ(a1.GetDependentCount(), 11);
+}
+
+TEST(Item, UnregistersPlainReferencesAsTheyWereRegistered) {
+    BaseHost host;
+    MapCell & a1 = host.Make("A1");
+    CCRCRef const b1 = R("B1"), c1 = R("C1");
+    a1.RegisterDependent(&host, &b1);
+    EXPECT_EQ(a1.UpdateDependent(&host, &b1, &c1), 1);
+    EXPECT_EQ(Dependents(host, a1), "C1 ");
+    EXPECT_EQ(a1.UnRegisterDependent(&host, &c1), 1);
+    EXPECT_EQ(a1.UnRegisterDependent(&host, &c1), 0);
+    EXPECT_TRUE(a1.IsEmpty());
+    EXPECT_EQ(a1.UpdateDependent(&host, &b1, &c1), 1); // not held: the new one is registered
+    EXPECT_EQ(Dependents(host, a1), "C1 ");
+}
+
+TEST(Item, ManyDependentsKeepTheirOrderThroughRemovals) {
+    BaseHost host;
+    MapCell & a1 = host.Make("A1");
+    std::vector<ushort> expected;
+    for (int i = 0; i < 500; ++i) {
+        CCRCRef const ref(2, ushort(i));
+        a1.RegisterDependent(&host, &ref);
+    }
+    for (int i = 0; i < 500; ++i) {
+        CCRCRef const ref(2, ushort(i));
+        if (i % 3) a1.UnRegisterDependent(&host, &ref);
+        else expected.push_back(ushort(i));
+    }
+    cells::internal::RefListHolder const list(a1.LoadDependents(&host));
+    std::vector<ushort> rows;
+    for (CCRefList * node = list.list; node; node = node->m_pNext)
+        rows.push_back(static_cast<CCRCRef *>(static_cast<CCRef3D *>(node->m_pRef)->ref)->row);
+    EXPECT_EQ(rows, std::vector<ushort>(expected.rbegin(), expected.rend()));
+    CCRCRef const last(2, 498);
+    CCRef3D const placed(&host, &last);
+    EXPECT_EQ(a1.HasDependentsRef(&host, &placed), 166);
+    EXPECT_EQ(a1.HasDependentsRef(&host, nullptr), -1);
+    EXPECT_EQ(a1.DeleteDependentsRef(&host, 999), 0);
+}
+
+TEST(Item, AHiddenCellOfAProtectedSheetRefusesNewDependents) {
+    BaseHost host;
+    MapCell & a1 = host.Make("A1");
+    CCRCRef const b1 = R("B1"), c1 = R("C1");
+    a1.RegisterDependent(&host, &b1);
+    CCCellFormat hidden;
+    hidden.SetHide(1);
+    a1.SetFormat(&host, hidden);
+    host.Protect(L"");
+    int const dirty = host.dirty;
+    EXPECT_EQ(a1.RegisterDependent(&host, &b1), 1);
+    EXPECT_EQ(a1.RegisterDependent(&host, &c1), 0);
+    EXPECT_EQ(host.messages, std::vector<unsigned>{13037});
+    EXPECT_EQ(host.dirty, dirty);
+}
+
+TEST(Item, WithoutAManagerStoresTheNumberForm) {
+    BaseHost host;
+    MapCell & a1 = host.Make("A1");
+    host.withManager = false;
+    CCRCRef const b1 = R("B1");
+    EXPECT_EQ(a1.RegisterDependent(&host, &b1), 1);
+    cells::internal::RefListHolder const list(a1.LoadDependents(&host));
+    EXPECT_FALSE(static_cast<CCRef3D *>(list.list->m_pRef)->IsManagerForm());
+}
+
+TEST(Item, SerialisedFormIsABlockThatReadsBackForGood) {
+    BaseHost host;
+    MapCell & a1 = host.Make("A1");
+    CCRCRef const b1 = R("B1");
+    a1.RegisterDependent(&host, &b1);
+    std::vector<uchar> const bytes = BytesOf(host, a1);
+    EXPECT_EQ(bytes, (std::vector<uchar>{14, 0, 0, 0,                // the length of what follows
+                                         6, 1, 0, 0, 0, 1, 0, 1, 0, // a reference on sheet 1 ...
+                                         1, 1, 0, 0,                // ... to the cell in column 1, row 0
+                                         0}));
+    MapCell copy(0, 0);
+    CMemFile file(bytes.data(), bytes.size());
+    CArchive ar(&file, CArchive::load);
+    copy.CCItem::Read(&host, ar);
+    EXPECT_EQ(copy.GetDependentCount(), 1);
+    EXPECT_EQ(BytesOf(host, copy), bytes);
+    // The dependent that was read stands for the one that registers again.
+    EXPECT_EQ(copy.RegisterDependent(&host, &b1), 1);
+    EXPECT_EQ(copy.GetDependentCount(), 1);
+    EXPECT_EQ(copy.UnRegisterDependent(&host, &b1), 1);
+    EXPECT_TRUE(copy.IsEmpty());
+}
+
+TEST(Item, ACopyHasTheBlockOnly) {
+    BaseHost host;
+    MapCell & a1 = host.Make("A1");
+    CCRCRef const b1 = R("B1"), c1 = R("C1");
+    a1.RegisterDependent(&host, &b1);
+    MapCell const plain(a1);
+    EXPECT_EQ(plain.HasDependents(), 0);
+    a1.SerializeDependents(&host);
+    MapCell serialised(a1);
+    EXPECT_EQ(serialised.HasDependents(), 1);
+    EXPECT_EQ(serialised.GetDependentCount(), 0);
+    cells::internal::RefListHolder const list(serialised.LoadDependents(&host));
+    EXPECT_EQ(serialised.GetDependentCount(), 1);
+    a1.RegisterDependent(&host, &c1); // every change drops a block that is stale now
+    MapCell const later(a1);
+    EXPECT_EQ(later.HasDependents(), 0);
+}
+
+TEST(Item, MergingStoresTheListInItsOrder) {
+    BaseHost host;
+    MapCell &a1 = host.Make("A1"), &a2 = host.Make("A2");
+    for (char const * name : {"B1", "C1", "D1"}) {
+        CCRCRef const ref = R(name);
+        a1.RegisterDependent(&host, &ref);
+    }
+    CCRCRef const c1 = R("C1"), e1 = R("E1");
+    a2.RegisterDependent(&host, &c1);
+    a2.RegisterDependent(&host, &e1);
+    a1.MergeDependents(&host, &a2);
+    EXPECT_EQ(a1.GetDependentCount(), 0); // a block now: D1 B1 E1 C1
+    std::vector<uchar> const bytes = BytesOf(host, a1);
+    std::string columns;
+    for (std::size_t i = 4; i + 13 <= bytes.size(); i += 13) columns += char('A' + bytes[i + 10]);
+    EXPECT_EQ(columns, "DBEC");
+}
+
+TEST(Item, EveryDependentIsToldOfADeletion) {
+    BaseHost host;
+    host.Enter("A1", L"5");
+    for (char const * name : {"B1", "C1", "D1"}) host.Enter(name, L"=A1+1");
+    EXPECT_EQ(host.Make("A1").Delete(&host), 1);
+    for (char const * name : {"B1", "C1", "D1"}) {
+        EXPECT_EQ(host.Make(name).GetValue().GetError(), 3) << name;
+        EXPECT_EQ(host.EditText(name), "=#VALUE! + 1");
+    }
+    EXPECT_TRUE(host.Make("A1").IsEmpty());
+    EXPECT_EQ(host.depth, 0);
+}
+
+TEST(Item, AMoveTakesTheDependentsAlong) {
+    BaseHost host;
+    host.Enter("A1", L"5");
+    host.Enter("B1", L"=A1*2");
+    CCRCRef const c3 = R("C3");
+    host.Make("A1").Move(&host, &c3, nullptr);
+    EXPECT_EQ(host.EditText("B1"), "=C3 * 2");
+}
+
+TEST(Item, FindsItsOwnReferenceWhereverItStands) {
+    BaseHost host;
+    host.Make("A1");
+    host.Enter("B1", L"=A1");
+    host.Enter("C1", L"=A1");
+    EXPECT_EQ(host.Make("A1").IsCirc(&host), 0);
+    CCRCRef const a1 = R("A1");
+    host.Make("A1").RegisterDependent(&host, &a1);
+    host.Enter("D1", L"=A1"); // newer than the own reference
+    EXPECT_EQ(host.Make("A1").IsCirc(&host), 1);
+}
+
+TEST(ItemLists, AddAtTheHeadFindAndRemove) {
+    SCItemList * list = nullptr;
+    ItemListAdd(list, new CCCellManager::CCDocItem(CCDocumentRef::ECDocRefType(1)));
+    ItemListAdd(list, new CCCellManager::CCDocItem(CCDocumentRef::ECDocRefType(2)));
+    CCDocumentRef const one(CCDocumentRef::ECDocRefType(1)), three(CCDocumentRef::ECDocRefType(3));
+    EXPECT_NE(ItemListFind(list, &one), list);
+    EXPECT_EQ(ItemListFind(list, &three), nullptr);
+    EXPECT_EQ(ItemListRemove(list, &one), 1);
+    EXPECT_EQ(ItemListRemove(list, &one), 0);
+    ItemListFree(list, 1);
+}

@@ -1,0 +1,406 @@
+#include "core/CCRecalcList.h"
+#include "format/FormatTables.h"
+#include "formula/CCNameRef.h"
+#include "formula/CCRefList.h"
+#include "formula/CCRemoteRef.h"
+#include "support/BaseHost.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <list>
+#include <random>
+
+using cells::internal::RecalcList;
+using cells::test::BaseHost;
+
+namespace {
+
+CCRCRef R(char const * name) { return BaseHost::RefOf(name); }
+
+std::string Order(std::vector<std::string> const & names) {
+    std::string text;
+    for (std::string const & name : names) text += name + " ";
+    return text;
+}
+
+std::wstring Wide(std::string const & text) { return {text.begin(), text.end()}; }
+
+} // namespace
+
+TEST(Recalc, DependentsGetTheirValuesWhenIdle) {
+    for (bool unwraps : {true, false}) {
+        BaseHost host(unwraps);
+        host.Enter("A1", L"5");
+        host.Enter("B1", L"=A1*2");
+        host.Enter("A1", L"6");
+        EXPECT_EQ(host.Text("B1"), "10"); // entering does not compute dependents
+        EXPECT_EQ(host.DoIdle(0), 0);
+        EXPECT_EQ(host.Text("B1"), "12");
+    }
+}
+
+TEST(Recalc, ADiamondIsComputedBehindBothItsSides) {
+    for (bool unwraps : {true, false}) {
+        BaseHost host(unwraps);
+        host.Enter("A1", L"1");
+        host.Enter("B1", L"=A1+1");
+        host.Enter("C1", L"=A1*10");
+        host.Enter("D1", L"=B1+C1");
+        host.Idle();
+        host.recalculated.clear();
+        host.Enter("A1", L"2");
+        host.Idle();
+        EXPECT_EQ(host.Text("D1"), "23");
+        EXPECT_EQ(Order(host.recalculated), "C1 B1 D1 ");
+    }
+}
+
+TEST(Recalc, TheNewestDependentRunsFirst) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    for (char const * name : {"B1", "C1", "D1"}) host.Enter(name, L"=A1");
+    host.Idle();
+    host.recalculated.clear();
+    host.Enter("A1", L"2");
+    host.Idle();
+    EXPECT_EQ(Order(host.recalculated), "D1 C1 B1 ");
+}
+
+TEST(Recalc, AnEntryAndItsPlaceInAChainAreTwoRuns) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Make("B1");
+    host.Enter("C1", L"=B1+1");
+    host.Enter("B1", L"=A1+1");
+    host.recalculated.clear();
+    host.Idle();
+    EXPECT_EQ(Order(host.recalculated), "C1 B1 C1 ");
+    EXPECT_EQ(host.Text("C1"), "3");
+}
+
+TEST(Recalc, ASliceIsSixtyFourCells) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    for (int i = 0; i < 65; ++i) host.Enter("B" + std::to_string(i + 1), L"=$A$1+" + std::to_wstring(i));
+    host.Idle();
+    host.recalculated.clear();
+    host.ticks = 0;
+    host.Enter("A1", L"2");
+    EXPECT_EQ(host.DoIdle(0), 1);
+    EXPECT_EQ(host.recalculated.size(), 64u);
+    EXPECT_EQ(host.ticks, 5); // four while expanding 65 formulas, one at the 64th cell
+    EXPECT_EQ(host.DoIdle(0), 0);
+    EXPECT_EQ(host.Text("B65"), "66");
+    host.Enter("A1", L"3");
+    EXPECT_EQ(host.DoIdle(1), 0);
+    EXPECT_EQ(host.Text("B65"), "67");
+}
+
+TEST(Recalc, ManualCalculationLosesTheChange) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Enter("B1", L"=A1");
+    host.Idle();
+    host.autoCalc = 0;
+    host.Enter("A1", L"2");
+    EXPECT_EQ(host.DoIdle(0), 0);
+    EXPECT_EQ(host.GetCurProcessCount(), 0);
+    host.autoCalc = 1;
+    host.Idle();
+    EXPECT_EQ(host.Text("B1"), "1");
+}
+
+TEST(Recalc, ATwoCellCycleIsRefusedSilentlyAndEnds) {
+    BaseHost host;
+    host.Make("A1");
+    host.Make("B1");
+    host.Enter("A1", L"=B1");
+    host.Idle();
+    host.Enter("B1", L"=A1+1");
+    EXPECT_TRUE(host.messages.empty());
+    EXPECT_EQ(host.Text("B1"), "1");
+    EXPECT_EQ(host.GetCurProcessCount(), 0); // refused: not queued
+    host.Make("A1").MarkForCalc(&host);
+    EXPECT_EQ(host.DoIdle(1), 0);
+    EXPECT_EQ(host.GetCurProcessCount() + host.GetCurRecalcCount(), 0);
+    EXPECT_EQ(host.depth, 0);
+}
+
+TEST(Recalc, ACycleThatFeedsOthersEnds) {
+    BaseHost host;
+    for (char const * name : {"A1", "B1", "C1", "D1"}) host.Make(name);
+    host.Enter("A1", L"=B1+C1");
+    host.Enter("B1", L"=A1");
+    host.Enter("D1", L"=A1+B1");
+    host.Enter("C1", L"5");
+    host.Idle();
+    EXPECT_EQ(host.GetCurProcessCount() + host.GetCurRecalcCount(), 0);
+}
+
+TEST(Recalc, AStoredSelfReferenceEnds) {
+    BaseHost host;
+    host.Enter("A1", L"=1+1");
+    CCRCRef const a1 = R("A1");
+    host.Make("A1").RegisterDependent(&host, &a1);
+    host.Make("A1").MarkForCalc(&host);
+    host.Idle();
+    EXPECT_EQ(host.GetCurProcessCount(), 0);
+}
+
+TEST(Recalc, AbortsOnNothingWhenACellIsGone) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Enter("B1", L"=A1");
+    host.Idle();
+    host.Enter("A1", L"2");
+    host.cells.erase({0, 1});
+    host.Idle();
+    EXPECT_EQ(host.GetCurRecalcCount(), 0);
+}
+
+TEST(Recalc, ReentryFromAChangeIsSafe) {
+    struct Reentrant : BaseHost {
+        void OnUpdateIdleRecalc() override { DoIdle(1); }
+    } host;
+    host.Enter("A1", L"1");
+    for (int i = 0; i < 200; ++i)
+        host.Enter("B" + std::to_string(i + 1), i == 0 ? L"=A1+1" : L"=B" + std::to_wstring(i) + L"+1");
+    host.Idle();
+    host.Enter("A1", L"10");
+    host.Idle();
+    EXPECT_EQ(host.Text("B200"), "210");
+}
+
+TEST(Recalc, LimitZeroComputesNothingButResetsTheMark) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Enter("B1", L"=A1");
+    host.DoProcess(-1);
+    EXPECT_EQ(host.GetAllRecalcCount(), 1u);
+    EXPECT_EQ(host.GetCurRecalcCount(), 1);
+    host.DoRecalc(0);
+    EXPECT_EQ(host.GetAllRecalcCount(), 1u);
+    host.DoRecalc(-1);
+    EXPECT_EQ(host.GetAllRecalcCount(), 0u);
+}
+
+TEST(Recalc, TheBudgetedPassEndsOnACycle) {
+    BaseHost host;
+    host.Make("A1");
+    host.Make("B1");
+    host.Enter("A1", L"=B1");
+    host.Enter("B1", L"=A1");
+    host.Make("A1").MarkForCalc(&host);
+    host.DoProcess(-1);
+    EXPECT_EQ(host.GetCurProcessCount(), 0);
+}
+
+TEST(Recalc, NonIdleCalculationIsForWorkbooks) {
+    BaseHost host;
+    host.Enter("A1", L"=1");
+    host.Idle();
+    host.recalculated.clear();
+    host.DoNonIdleCalc(&host.Make("A1"), 1);
+    EXPECT_TRUE(host.recalculated.empty());
+}
+
+TEST(Recalc, RemoteDependentsAreToldBehindTheLocalWork) {
+    struct Remote : BaseHost {
+        std::vector<std::string> log;
+        int DoRemoteInitRecalc(CCRemoteRef const * ref, int flag) override {
+            log.push_back(cells::ToUtf8(ref->item()) + std::to_string(flag) + ":" + std::to_string(GetCurRecalcCount()));
+            return 1;
+        }
+    } host;
+    host.Enter("A1", L"1");
+    CCRemoteRef const peer(L"doc", L"X1");
+    host.Enter("B1", L"=A1");
+    host.Idle();
+    host.Make("B1").RegisterDependent(&host, &peer);
+    host.log.clear();
+    host.Enter("A1", L"2");
+    EXPECT_EQ(host.DoIdle(0), 0);
+    EXPECT_EQ(host.log, std::vector<std::string>{"X11:0"});
+    EXPECT_EQ(host.Text("B1"), "2");
+}
+
+TEST(Recalc, ALongColumnOverOneParameterIsOrderedInALinearPass) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    int const n = 3000;
+    for (int i = 0; i < n; ++i)
+        host.Enter("B" + std::to_string(i + 1), i == 0 ? L"=$A$1" : L"=B" + std::to_wstring(i) + L"+$A$1");
+    host.Idle();
+    host.recalculated.clear();
+    host.Enter("A1", L"2");
+    host.Idle();
+    EXPECT_EQ(host.Text("B3000"), "6000");
+    EXPECT_EQ(host.recalculated.size(), std::size_t(n));
+}
+
+TEST(Recalc, ChainsAreNotRecursive) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    int const n = 20000;
+    for (int i = 1; i < n; ++i) host.Enter("A" + std::to_string(i + 1), L"=A" + std::to_wstring(i) + L"+1");
+    host.Idle();
+    host.Enter("A1", L"2");
+    host.Idle();
+    EXPECT_EQ(host.Text("A20000"), "20001");
+}
+
+TEST(Recalc, HostsMayAddDependents) {
+    struct Adding : BaseHost {
+        CCRefList * LoadDependencies(CCRef const * ref) override {
+            CCRefList * list = BaseHost::LoadDependencies(ref);
+            if (NameOf(ref) == "A1") {
+                CCRCRef const d9 = RefOf("D9");
+                CCRefList * node = cells::internal::NewRefNode(d9.Copy(), true);
+                node->m_pNext = list;
+                list = node;
+            }
+            return list;
+        }
+    } host;
+    host.Enter("D9", L"=1+1");
+    host.Enter("A1", L"1");
+    host.Idle();
+    host.recalculated.clear();
+    host.Enter("A1", L"2");
+    host.Idle();
+    EXPECT_EQ(Order(host.recalculated), "D9 ");
+}
+
+TEST(Recalc, AValueThatNeverEqualsItselfDoesNotLoop) {
+    BaseHost host;
+    host.Enter("A1", L"=1+1");
+    CCCellFormat hex;
+    hex.SetNFType(C_NF_HEX);
+    host.Make("A1").SetFormat(&host, hex);
+    host.Idle();
+    int const changes = host.Make("A1").changes;
+    int const formats = CCNumberFormatTable::NumFormats->GetSize();
+    CCRCRef const a1 = R("A1");
+    for (int i = 0; i < 100; ++i) host.RecalcCell(&a1);
+    EXPECT_EQ(host.Make("A1").changes, changes + 100);
+    EXPECT_EQ(CCNumberFormatTable::NumFormats->GetSize(), formats);
+}
+
+// The literal list of the rules, for comparison.
+namespace {
+
+struct LiteralList {
+    std::list<std::unique_ptr<CCRef>> refs;
+    auto Find(CCRef const * ref) {
+        return std::find_if(refs.begin(), refs.end(), [&](auto const & r) { return r->IsEqual(ref); });
+    }
+};
+
+} // namespace
+
+TEST(RecalcList, BehavesLikeAPlainList) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 200; ++round) {
+        RecalcList list;
+        LiteralList literal;
+        for (int step = 0; step < 120; ++step) {
+            std::unique_ptr<CCRef> ref;
+            if (random() % 5 == 0) ref = std::make_unique<CCNameRef>(random() % 2 ? L"x" : L"X");
+            else ref = std::make_unique<CCRCRef>(uchar(0), ushort(random() % 25));
+            auto const found = literal.Find(ref.get());
+            switch (random() % 5) {
+            case 0:
+            case 1:
+                list.AddLast(ref.get());
+                literal.refs.emplace_back(ref->Copy());
+                break;
+            case 2:
+                list.ExcludeDelete(ref.get());
+                if (found != literal.refs.end()) literal.refs.erase(found);
+                break;
+            case 3: {
+                RecalcList::Node const node = list.Find(ref.get());
+                ASSERT_EQ(node != RecalcList::kNone, found != literal.refs.end());
+                if (node == RecalcList::kNone) break;
+                list.MoveToTail(node);
+                literal.refs.splice(literal.refs.end(), literal.refs, found);
+                break;
+            }
+            default:
+                if (random() % 20 == 0) list.GetStdList();
+                if (CCRef * head = list.GetFirst()) {
+                    ASSERT_TRUE(head->IsEqual(literal.refs.front().get()));
+                    RecalcList::Node const node = list.First();
+                    list.RemoveDone(node, list.StampOf(node), literal.refs.front().get());
+                    literal.refs.pop_front();
+                }
+            }
+            ASSERT_EQ(list.GetCount(), int(literal.refs.size()));
+        }
+        auto expected = literal.refs.begin();
+        for (CCRef * ref : list.GetStdList()) ASSERT_TRUE((*expected++)->IsEqual(ref));
+    }
+}
+
+TEST(RecalcList, MergingAndEmptying) {
+    RecalcList a, b;
+    CCRCRef const one(0, 1), two(0, 2);
+    a.AddLast(&one);
+    b.AddLast(&two);
+    a.Merge(b);
+    EXPECT_EQ(a.GetCount(), 2);
+    EXPECT_TRUE(b.IsEmpty());
+    EXPECT_EQ(b.GetFirst(), nullptr);
+    CCRefList * members = nullptr;
+    RefListAddLastItem(members, &one);
+    a.Exclude(members);
+    RefListFree(members, 0);
+    EXPECT_EQ(a.GetCount(), 1);
+    CCRef * const held = a.GetFirst();
+    a.Exclude(held); // lives on with its holder
+    EXPECT_TRUE(held->IsEqual(&two));
+    delete held;
+    a.AddLast(&one);
+    EXPECT_TRUE((*a.GetList())->IsEqual(&one));
+    a.Empty();
+    EXPECT_TRUE(a.IsEmpty());
+}
+
+// The order of the patch pass on small graphs, against the rules taken literally.
+TEST(Recalc, OrderOfRandomGraphsIsTheLiteralOne) {
+    std::mt19937 random(17);
+    for (int round = 0; round < 300; ++round) {
+        BaseHost host;
+        int const n = 2 + int(random() % 8);
+        host.Enter("A1", L"1");
+        std::vector<std::vector<int>> readers;
+        readers.resize(std::size_t(n));
+        for (int i = 1; i < n; ++i) {
+            std::string formula = "=1";
+            std::vector<int> precedents;
+            for (int p = 0; p < i; ++p)
+                if (random() % 2) precedents.push_back(p);
+            for (int p : precedents) {
+                formula += "+A" + std::to_string(p + 1);
+                readers[std::size_t(p)].push_back(i);
+            }
+            host.Enter("A" + std::to_string(i + 1), Wide(formula));
+            host.Idle();
+        }
+        std::list<int> order; // literal expansion: newest dependents first
+        for (auto r = readers[0].rbegin(); r != readers[0].rend(); ++r) order.push_back(*r);
+        for (auto at = order.begin(); at != order.end(); ++at)
+            for (auto r = readers[std::size_t(*at)].rbegin(); r != readers[std::size_t(*at)].rend(); ++r) {
+                auto const before = std::find(order.begin(), at, *r);
+                auto const behind = std::find(at, order.end(), *r);
+                if (before != at) order.erase(before);
+                if (before != at || behind == order.end()) order.push_back(*r);
+            }
+        host.recalculated.clear();
+        host.Enter("A1", L"2");
+        host.Idle();
+        std::vector<std::string> expected;
+        for (int i : order) expected.push_back("A" + std::to_string(i + 1));
+        ASSERT_EQ(Order(host.recalculated), Order(expected)) << "round " << round;
+    }
+}
