@@ -25,9 +25,9 @@ Sheet & Fresh(benchmark::State & state, std::optional<Sheet> & sheet) {
 }
 
 void PerCell(benchmark::State & state, double cellsPerIteration) {
-    state.counters["cell"] = benchmark::Counter(
-        cellsPerIteration * double(state.iterations()),
-        benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["cell"] =
+        benchmark::Counter(cellsPerIteration * double(state.iterations()),
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 void Sizes(benchmark::internal::Benchmark * bench) {
@@ -37,7 +37,8 @@ void Sizes(benchmark::internal::Benchmark * bench) {
 void EnterNumbers(benchmark::State & state) {
     int const n = int(state.range(0));
     std::vector<std::string> texts;
-    for (int i = 0; i < n; ++i) texts.push_back(std::to_string(i * 7 % 1000) + "." + std::to_string(i % 100));
+    for (int i = 0; i < n; ++i)
+        texts.push_back(std::to_string(i * 7 % 1000) + "." + std::to_string(i % 100));
     std::optional<Sheet> kept;
     for (auto _ : state) {
         Sheet & sheet = Fresh(state, kept);
@@ -50,7 +51,8 @@ BENCHMARK(EnterNumbers)->Apply(Sizes);
 void BulkNumbers(benchmark::State & state) {
     int const n = int(state.range(0));
     std::vector<std::string> texts;
-    for (int i = 0; i < n; ++i) texts.push_back(std::to_string(i * 7 % 1000) + "." + std::to_string(i % 100));
+    for (int i = 0; i < n; ++i)
+        texts.push_back(std::to_string(i * 7 % 1000) + "." + std::to_string(i % 100));
     std::optional<Sheet> kept;
     for (auto _ : state) {
         Sheet & sheet = Fresh(state, kept);
@@ -94,8 +96,8 @@ void BulkLongFormulas(benchmark::State & state) {
     std::vector<std::string> texts;
     for (int i = 0; i < n; ++i) {
         std::string const a = Name(i % 4, i / 4);
-        texts.push_back("=IF(" + a + ">" + std::to_string(i % 17) + "," + a + "*1.05+" + std::to_string(i) +
-                        ",SUM(" + a + ":" + Name(i % 4, i / 4 + 3) + ")/2)");
+        texts.push_back("=IF(" + a + ">" + std::to_string(i % 17) + "," + a + "*1.05+" +
+                        std::to_string(i) + ",SUM(" + a + ":" + Name(i % 4, i / 4 + 3) + ")/2)");
     }
     std::optional<Sheet> kept;
     for (auto _ : state) {
@@ -142,7 +144,9 @@ void FanOut(benchmark::State & state) {
     int const n = int(state.range(0));
     Sheet sheet("C");
     sheet.Enter("A1", "1");
-    Fill(sheet, n, [](int i) { return std::pair(Place{1 + i % 8, i / 8}, "=$A$1+" + std::to_string(i)); });
+    Fill(sheet, n, [](int i) {
+        return std::pair(Place{1 + i % 8, i / 8}, "=$A$1+" + std::to_string(i));
+    });
     EditHead(state, sheet, n);
 }
 BENCHMARK(FanOut)->Apply(Sizes)->Arg(100000);
@@ -168,7 +172,8 @@ void CommonParameter(benchmark::State & state) {
     Sheet sheet("C");
     sheet.Enter("A1", "1");
     Fill(sheet, n, [](int i) {
-        return std::pair(Place{1, i}, i == 0 ? std::string("=$A$1") : "=" + Name(1, i - 1) + "+$A$1");
+        return std::pair(Place{1, i},
+                         i == 0 ? std::string("=$A$1") : "=" + Name(1, i - 1) + "+$A$1");
     });
     EditHead(state, sheet, n);
 }

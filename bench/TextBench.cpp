@@ -31,8 +31,9 @@ void ParseFormulas(benchmark::State & state) {
         std::unique_ptr<CCFormula> const tree(_ParseFormula(ctx, text.c_str(), 0, nullptr));
         benchmark::DoNotOptimize(tree.get());
     }
-    state.counters["unit"] = benchmark::Counter(double(text.size()) * double(state.iterations()),
-                                                benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["unit"] =
+        benchmark::Counter(double(text.size()) * double(state.iterations()),
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(ParseFormulas)->Arg(2)->Arg(20)->Arg(200);
 

@@ -59,7 +59,8 @@ int main() {
         document.Enter(a1, L"1200");
         document.Enter(a2, L"=A1*1.05");
         document.Enter(a1, L"2000");
-        while (document.DoIdle(0)) {} // brings A2 up to date, slice by slice
+        while (document.DoIdle(0)) {
+        } // brings A2 up to date, slice by slice
 
         wchar_t shown[64], formula[64];
         document.GetCellValueText(&a2, shown, sizeof shown);

@@ -39,8 +39,8 @@ bool HasMovingPart(CCFormula const & formula) {
     return false;
 }
 
-// The places of formulas, a sorted column each, from which those that are settled drop out: a search
-// over a region passes each of them once.
+// The places of formulas, a sorted column each, from which those that are settled drop out: a
+// search over a region passes each of them once.
 class FormulaPlaces {
 public:
     void Add(Place place) { m_Columns[std::size_t(place.column)].rows.push_back(place.row); }
@@ -48,7 +48,8 @@ public:
     void Sort() {
         for (Column & column : m_Columns) {
             std::sort(column.rows.begin(), column.rows.end());
-            column.rows.erase(std::unique(column.rows.begin(), column.rows.end()), column.rows.end());
+            column.rows.erase(std::unique(column.rows.begin(), column.rows.end()),
+                              column.rows.end());
             column.next.resize(column.rows.size() + 1);
             for (std::size_t i = 0; i < column.next.size(); ++i) column.next[i] = i;
         }
@@ -57,7 +58,8 @@ public:
     // The first unsettled formula of a column from `row` to `last`, or -1.
     int FirstFrom(int column, int row, int last) {
         Column & c = m_Columns[std::size_t(column)];
-        std::size_t const start = std::size_t(std::lower_bound(c.rows.begin(), c.rows.end(), row) - c.rows.begin());
+        std::size_t const start =
+            std::size_t(std::lower_bound(c.rows.begin(), c.rows.end(), row) - c.rows.begin());
         std::size_t const at = c.Root(start);
         return at < c.rows.size() && c.rows[at] <= last ? c.rows[at] : -1;
     }
@@ -65,7 +67,8 @@ public:
     void Settle(Place place) {
         Column & c = m_Columns[std::size_t(place.column)];
         auto const at = std::lower_bound(c.rows.begin(), c.rows.end(), place.row);
-        if (at != c.rows.end() && *at == place.row) c.next[std::size_t(at - c.rows.begin())] = std::size_t(at - c.rows.begin()) + 1;
+        if (at != c.rows.end() && *at == place.row)
+            c.next[std::size_t(at - c.rows.begin())] = std::size_t(at - c.rows.begin()) + 1;
     }
 
 private:
@@ -108,9 +111,14 @@ public:
         while (!m_Stack.empty()) {
             Place next;
             switch (Advance(next)) {
-            case Step::kCycle: return false;
-            case Step::kDown: Open(next); break;
-            case Step::kDone: Close(); break;
+            case Step::kCycle:
+                return false;
+            case Step::kDown:
+                Open(next);
+                break;
+            case Step::kDone:
+                Close();
+                break;
             }
         }
         return true;
@@ -159,16 +167,19 @@ private:
     std::vector<Area> ReadsOf(Place place) {
         auto const own = m_Formulas.find(KeyOf(place));
         CCFormula const * formula = own == m_Formulas.end() ? nullptr : own->second;
-        if (own == m_Formulas.end()) formula = m_Sheet.Cells().FindCell(place)->LoadFormula(&m_Sheet);
+        if (own == m_Formulas.end())
+            formula = m_Sheet.Cells().FindCell(place)->LoadFormula(&m_Sheet);
         std::vector<Area> reads;
         if (!formula) return reads;
         internal::RefListHolder const precedents(formula->GetPrecedents(&m_Sheet));
-        for (CCRefList const * node = precedents.list; node; node = node->m_pNext) AddRead(node->m_pRef, reads);
+        for (CCRefList const * node = precedents.list; node; node = node->m_pNext)
+            AddRead(node->m_pRef, reads);
         return reads;
     }
 
     void AddRead(CCRef const * ref, std::vector<Area> & reads) {
-        if (ref && ref->GetType() == kRefName) ref = m_Sheet.FindName(static_cast<CCNameRef const *>(ref)->name());
+        if (ref && ref->GetType() == kRefName)
+            ref = m_Sheet.FindName(static_cast<CCNameRef const *>(ref)->name());
         if (ref && ref->GetType() == kRefCell) {
             auto const & cell = *static_cast<CCRCRef const *>(ref);
             reads.push_back({{cell.col, cell.row}, {cell.col, cell.row}});
@@ -199,7 +210,8 @@ struct Sheet::Bulk::State {
     void Enter(Place place, CString const & text);
     bool TryOrdered();
     void StoreInOrder(Entry & entry);
-    void Compute(std::vector<Place> const & order, std::unordered_map<unsigned, CCFormula const *> const & formulas);
+    void Compute(std::vector<Place> const & order,
+                 std::unordered_map<unsigned, CCFormula const *> const & formulas);
 };
 
 Sheet::Bulk::Bulk(Sheet & sheet) : m_State(std::make_unique<State>(sheet)) {}
@@ -216,7 +228,8 @@ void Sheet::Bulk::State::Enter(Place place, CString const & text) {
     bool const plain = kind == kEntryValue && waiting.empty();
     if (plain && manager.TryPutNumber(place, value)) return;
     if (plain) {
-        if (value.IsEmpty() && !manager.Cells().FindCell(place)) return manager.Cells().RemoveNumber(place);
+        if (value.IsEmpty() && !manager.Cells().FindCell(place))
+            return manager.Cells().RemoveNumber(place);
         CCRCRef const ref{uchar(place.column), ushort(place.row)};
         manager.MakeCell(place).SetText(&manager, text, 0);
         return;
@@ -255,7 +268,9 @@ bool Sheet::Bulk::State::TryOrdered() {
     if (moving) return false;
     Ordering ordering(manager, formulas);
     for (std::size_t i = 0; i < waiting.size(); ++i)
-        if (waiting[i].formula && last[KeyOf(waiting[i].place)] == i && !ordering.Visit(waiting[i].place)) return false;
+        if (waiting[i].formula && last[KeyOf(waiting[i].place)] == i &&
+            !ordering.Visit(waiting[i].place))
+            return false;
     for (std::size_t i = 0; i < waiting.size(); ++i)
         if (last[KeyOf(waiting[i].place)] == i) StoreInOrder(waiting[i]);
     Compute(ordering.Order(), formulas);
@@ -288,7 +303,8 @@ void Sheet::Bulk::Commit() {
         }
     waiting.clear();
     m_State->ordered = true;
-    while (m_State->manager.DoIdle(1)) {}
+    while (m_State->manager.DoIdle(1)) {
+    }
 }
 
 } // namespace cells::host

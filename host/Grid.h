@@ -142,7 +142,8 @@ void Grid::ForEach(Area const & area, Visit && visit) const {
             int const slot = std::countr_zero(left);
             for (int column = area.first.column; column <= area.last.column; ++column) {
                 Page const * const page = FindPage(column, pageRow);
-                if (page && ((page->numberMask | page->cellMask) >> slot & 1)) visit(Place{column, pageRow + slot});
+                if (page && ((page->numberMask | page->cellMask) >> slot & 1))
+                    visit(Place{column, pageRow + slot});
             }
         }
     });

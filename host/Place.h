@@ -24,8 +24,8 @@ struct Area {
     Place first, last;
     bool operator==(Area const &) const = default;
     bool Contains(Place place) const {
-        return place.column >= first.column && place.column <= last.column && place.row >= first.row &&
-               place.row <= last.row;
+        return place.column >= first.column && place.column <= last.column &&
+               place.row >= first.row && place.row <= last.row;
     }
 };
 

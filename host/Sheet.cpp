@@ -66,14 +66,16 @@ Value ValueOf(CCCellValue const & value) {
         result.kind = Kind::kError;
         result.error = value.GetError();
         break;
-    default: break;
+    default:
+        break;
     }
     return result;
 }
 
 } // namespace
 
-Sheet::Sheet(std::string_view locale) : m_Manager(std::make_unique<SheetManager>(FindLocale(locale))) {}
+Sheet::Sheet(std::string_view locale)
+    : m_Manager(std::make_unique<SheetManager>(FindLocale(locale))) {}
 
 Sheet::~Sheet() = default;
 
@@ -97,7 +99,8 @@ void Sheet::Enter(Place place, std::string_view text) {
         CCFormula * parsed = nullptr;
         int const kind = _Parse(m_Manager.get(), entered, value, parsed, nullptr);
         std::unique_ptr<CCFormula> const formula(parsed);
-        if (kind == kEntryValue && m_Manager->TryPutNumber(place, value)) return m_Manager->FinishRecalc();
+        if (kind == kEntryValue && m_Manager->TryPutNumber(place, value))
+            return m_Manager->FinishRecalc();
         double number;
         std::uint32_t format;
         bool const occupied = m_Manager->Cells().FindNumber(place, number, format);
@@ -165,7 +168,8 @@ bool Sheet::Step() { return m_Manager->DoIdle(0) != 0; }
 bool Sheet::Recalculate() {
     m_Cancelled = false;
     if (!m_Progress) {
-        while (m_Manager->DoIdle(1)) {}
+        while (m_Manager->DoIdle(1)) {
+        }
         return false;
     }
     int done = 0;
@@ -179,7 +183,9 @@ bool Sheet::Recalculate() {
 
 void Sheet::OnProgress(std::function<bool(int, int)> progress) { m_Progress = std::move(progress); }
 
-void Sheet::OnChanged(std::function<void(Place)> changed) { m_Manager->onChanged = std::move(changed); }
+void Sheet::OnChanged(std::function<void(Place)> changed) {
+    m_Manager->onChanged = std::move(changed);
+}
 
 void Sheet::OnMessage(std::function<void(unsigned int, std::string const &)> message) {
     m_Manager->onMessage = [message = std::move(message)](unsigned int id) {
@@ -260,12 +266,15 @@ std::vector<std::string> Sheet::CheckInvariants() {
         std::sort(list->begin(), list->end());
         list->erase(std::unique(list->begin(), list->end()), list->end());
     }
-    std::set_difference(stored.begin(), stored.end(), implied.begin(), implied.end(), std::back_inserter(lines));
+    std::set_difference(stored.begin(), stored.end(), implied.begin(), implied.end(),
+                        std::back_inserter(lines));
     for (std::string & line : lines) line = "stored, but no formula says: " + line;
     std::vector<std::string> missing;
-    std::set_difference(implied.begin(), implied.end(), stored.begin(), stored.end(), std::back_inserter(missing));
+    std::set_difference(implied.begin(), implied.end(), stored.begin(), stored.end(),
+                        std::back_inserter(missing));
     for (std::string const & line : missing) lines.push_back("not stored: " + line);
-    if (int const open = m_Manager->GetOpenRefCount()) lines.push_back(std::to_string(open) + " walks left open");
+    if (int const open = m_Manager->GetOpenRefCount())
+        lines.push_back(std::to_string(open) + " walks left open");
     return lines;
 }
 

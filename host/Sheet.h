@@ -32,10 +32,11 @@ enum class Kind { kEmpty, kNumber, kText, kError };
 // What a cell holds.
 struct Value {
     Kind kind = Kind::kEmpty;
-    double number = 0;   // of a number; TRUE and FALSE are 1 and 0 in format class 8
-    std::string text;    // of a text
-    int error = 0;       // of an error: 1 reference, 2 division, 3 value, 4 call, 5 circular, 9 N/A
-    int formatClass = 0; // of a number: 0 general, 1 fixed, 2 currency, 3 percent, 6 time, 7 date, 8 logical
+    double number = 0; // of a number; TRUE and FALSE are 1 and 0 in format class 8
+    std::string text;  // of a text
+    int error = 0;     // of an error: 1 reference, 2 division, 3 value, 4 call, 5 circular, 9 N/A
+    int formatClass =
+        0; // of a number: 0 general, 1 fixed, 2 currency, 3 percent, 6 time, 7 date, 8 logical
 };
 
 class CVCELLS_API Sheet {
@@ -56,9 +57,9 @@ public:
     // Shows the numbers of a cell in a format class (see Value), with so many decimals when told.
     void SetFormat(Place place, int formatClass, std::optional<int> decimals = {});
 
-    std::string Text(Place place) const;    // as the cell shows it
+    std::string Text(Place place) const; // as the cell shows it
     std::string Text(std::string_view place) const { return Text(At(place)); }
-    std::string EditText(Place place);      // as it is edited: a formula begins with "="
+    std::string EditText(Place place);               // as it is edited: a formula begins with "="
     std::optional<std::string> Formula(Place place); // the edit text of a formula
     Value Get(Place place) const;
     Value Get(std::string_view place) const { return Get(At(place)); }

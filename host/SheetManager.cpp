@@ -30,8 +30,10 @@ void GridCell::OnValueChanged(CTX * ctx) {
 }
 
 void SheetManager::ErrorMessage(unsigned int id) {
-    if (onMessage && GetNotifyEnable()) onMessage(id);
-    else CCCellManager::ErrorMessage(id);
+    if (onMessage && GetNotifyEnable())
+        onMessage(id);
+    else
+        CCCellManager::ErrorMessage(id);
 }
 
 CString SheetManager::Folded(CString name) {
@@ -46,13 +48,17 @@ CCRef const * SheetManager::Target(CCRef const * ref) const {
     if (!ref) return nullptr;
     switch (ref->Kind()) {
     case kRefCell:
-    case kRefRegion: return ref;
-    case kRefName: return FindName(static_cast<CCNameRef const *>(ref)->name());
+    case kRefRegion:
+        return ref;
+    case kRefName:
+        return FindName(static_cast<CCNameRef const *>(ref)->name());
     case kRefSheets: {
         auto const & sheets = *static_cast<CCRef3D const *>(ref);
-        return !sheets.IsManagerForm() || sheets.GetManager() == this ? Target(sheets.ref) : nullptr;
+        return !sheets.IsManagerForm() || sheets.GetManager() == this ? Target(sheets.ref)
+                                                                      : nullptr;
     }
-    default: return nullptr;
+    default:
+        return nullptr;
     }
 }
 
@@ -139,7 +145,8 @@ int SheetManager::RegisterDependent(CCRef const * ref, CCRef const * dependent) 
     CCRef const * const target = Target(ref);
     if (!target) return 1;
     std::unique_ptr<CCRef> const placed(internal::MakeDependentRef(this, dependent));
-    if (target->GetType() == kRefCell) return m_Grid.MakeCell(PlaceOf(target)).RegisterDependent(this, placed.get());
+    if (target->GetType() == kRefCell)
+        return m_Grid.MakeCell(PlaceOf(target)).RegisterDependent(this, placed.get());
     if (m_Regions.Register(RegionOf(target), placed.get()) && GetDirtyMarking()) SetDirty();
     return 1;
 }
@@ -149,19 +156,22 @@ int SheetManager::UnRegisterDependent(CCRef const * ref, CCRef const * dependent
     if (ref->GetType() == kRefName) {
         auto const name = m_Names.find(Folded(static_cast<CCNameRef const *>(ref)->name()));
         if (name != m_Names.end())
-            std::erase_if(name->second.users, [&](auto const & user) { return user->IsEqual(dependent) != 0; });
+            std::erase_if(name->second.users,
+                          [&](auto const & user) { return user->IsEqual(dependent) != 0; });
     }
     CCRef const * const target = Target(ref);
     if (!target) return 0;
     std::unique_ptr<CCRef> const placed(internal::MakeDependentRef(this, dependent));
     if (target->GetType() == kRefCell)
-        return UnRegisterDependent(static_cast<CCItem *>(m_Grid.FindCell(PlaceOf(target))), placed.get());
+        return UnRegisterDependent(static_cast<CCItem *>(m_Grid.FindCell(PlaceOf(target))),
+                                   placed.get());
     return m_Regions.UnRegister(RegionOf(target), placed.get());
 }
 
 int SheetManager::MoveFormula(CCRef const * ref, CCRef const * from, CCRef const * to) {
     CCRef const * const target = Target(ref);
-    if (!target || target->GetType() != kRefRegion) return CCCellManager::MoveFormula(ref, from, to);
+    if (!target || target->GetType() != kRefRegion)
+        return CCCellManager::MoveFormula(ref, from, to);
     std::unique_ptr<CCRef> const old(internal::MakeDependentRef(this, from));
     std::unique_ptr<CCRef> const now(internal::MakeDependentRef(this, to));
     m_Regions.Update(RegionOf(target), old.get(), now.get());

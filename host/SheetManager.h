@@ -27,7 +27,9 @@ public:
     Grid & Cells() { return m_Grid; }
     Grid const & Cells() const { return m_Grid; }
     GridCell & MakeCell(Place place) { return m_Grid.MakeCell(place); }
-    bool IsWatched(Place place) const { return m_Regions.Holds(uchar(place.column), ushort(place.row)); }
+    bool IsWatched(Place place) const {
+        return m_Regions.Holds(uchar(place.column), ushort(place.row));
+    }
     RegionIndex const & Regions() const { return m_Regions; }
     // Stores a plain number where that is all there is to it: no cell object, nobody watching.
     bool TryPutNumber(Place place, CCCellValue const & value);
@@ -74,7 +76,7 @@ public:
 
 private:
     struct Name {
-        std::unique_ptr<CCRef> target;        // null while only used, not defined
+        std::unique_ptr<CCRef> target;             // null while only used, not defined
         std::vector<std::unique_ptr<CCRef>> users; // the cells whose formulas use it
     };
 

@@ -27,7 +27,8 @@ private:
         return count;
     }
     int_type overflow(int_type unit) override {
-        if (!traits_type::eq_int_type(unit, traits_type::eof())) m_Text += traits_type::to_char_type(unit);
+        if (!traits_type::eq_int_type(unit, traits_type::eof()))
+            m_Text += traits_type::to_char_type(unit);
         return traits_type::not_eof(unit);
     }
 

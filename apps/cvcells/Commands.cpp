@@ -25,7 +25,8 @@ class ProgressLine {
 public:
     bool Tick(int done, int total) {
         using namespace std::chrono;
-        if (!isatty(STDERR_FILENO) || steady_clock::now() - m_Start < milliseconds(500)) return true;
+        if (!isatty(STDERR_FILENO) || steady_clock::now() - m_Start < milliseconds(500))
+            return true;
         std::cerr << "\rcalculating " << 100 * done / std::max(total, 1) << "%" << std::flush;
         m_Shown = true;
         return true;
@@ -43,7 +44,8 @@ private:
 void EnterAssignment(Sheet & sheet, std::string const & assignment) {
     std::size_t const equals = assignment.find('=');
     auto const place = host::ParsePlace(assignment.substr(0, std::min(equals, assignment.size())));
-    if (equals == std::string::npos || !place) throw InputError("--set " + assignment + ": expected CELL=TEXT");
+    if (equals == std::string::npos || !place)
+        throw InputError("--set " + assignment + ": expected CELL=TEXT");
     sheet.Enter(*place, assignment.substr(equals + 1));
 }
 
@@ -84,13 +86,15 @@ int Calc(CalcOptions const & options) {
         for (std::string const & assignment : options.set) EnterAssignment(sheet, assignment);
         sheet.Recalculate();
         Show const show = options.show == "formulas" ? Show::kFormulas : Show::kValues;
-        WriteFile(options.output, Render(sheet, ShownArea(sheet, options.range), OutputFormatOf(options.format), show));
+        WriteFile(options.output, Render(sheet, ShownArea(sheet, options.range),
+                                         OutputFormatOf(options.format), show));
         return 0;
     });
 }
 
 // Each text has a cell of its own below and beyond whatever is set.
-int Eval(std::string const & locale, std::vector<std::string> const & set, std::vector<std::string> const & texts) {
+int Eval(std::string const & locale, std::vector<std::string> const & set,
+         std::vector<std::string> const & texts) {
     return RunGuarded(std::cerr, [&] {
         Sheet sheet(locale);
         for (std::string const & assignment : set) EnterAssignment(sheet, assignment);
@@ -148,7 +152,8 @@ int TestFiles(std::string const & locale, std::vector<std::string> const & files
                     if (!session.Execute(line)) break;
                 } catch (std::exception const & failure) {
                     ++failures;
-                    std::cout << file << ":" << number << ": " << line << ": " << failure.what() << '\n';
+                    std::cout << file << ":" << number << ": " << line << ": " << failure.what()
+                              << '\n';
                 }
             }
             for (std::string const & flaw : session.GetSheet().CheckInvariants()) {
@@ -169,7 +174,8 @@ int Functions(std::string const & name) {
         CCFunc const & func = *GetBuiltInFunc()[i];
         CString const local(func.LocalName());
         CString description, arguments;
-        if (func.kind != kFunction || (!name.empty() && local.CompareNoCase(FromUtf8(name)) != 0)) continue;
+        if (func.kind != kFunction || (!name.empty() && local.CompareNoCase(FromUtf8(name)) != 0))
+            continue;
         found = true;
         func.GetFuncString(description, 1);
         func.GetFuncString(arguments, 2);

@@ -21,7 +21,8 @@ struct CalcOptions {
 };
 
 int Calc(CalcOptions const & options);
-int Eval(std::string const & locale, std::vector<std::string> const & set, std::vector<std::string> const & texts);
+int Eval(std::string const & locale, std::vector<std::string> const & set,
+         std::vector<std::string> const & texts);
 int Repl(std::string const & locale, std::string const & file);
 int TestFiles(std::string const & locale, std::vector<std::string> const & files);
 // The function catalogue: one line a function, or all of one.

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <csv.h>
 #include <cstring>
+#include <csv.h>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -17,15 +17,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void Fail(std::string const & name, std::size_t line, std::size_t column, std::string const & what) {
-    throw InputError(name + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + what);
+[[noreturn]] void Fail(std::string const & name, std::size_t line, std::size_t column,
+                       std::string const & what) {
+    throw InputError(name + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " +
+                     what);
 }
 
 void RequireUtf8(std::string const & name, std::string const & content) {
     std::size_t const bad = FindInvalidUtf8(content);
     if (bad == content.size()) return;
-    std::size_t const start = content.rfind('\n', bad) == std::string::npos || bad == 0 ? 0 : content.rfind('\n', bad - 1) + 1;
-    std::size_t const line = std::size_t(std::count(content.begin(), content.begin() + std::ptrdiff_t(bad), '\n')) + 1;
+    std::size_t const start = content.rfind('\n', bad) == std::string::npos || bad == 0
+                                  ? 0
+                                  : content.rfind('\n', bad - 1) + 1;
+    std::size_t const line =
+        std::size_t(std::count(content.begin(), content.begin() + std::ptrdiff_t(bad), '\n')) + 1;
     Fail(name, line, bad - start + 1, "the text is not UTF-8");
 }
 
@@ -41,12 +46,17 @@ struct Collector {
     host::Place next{0, 0};
     std::vector<Field> fields;
     std::string failure;
+    std::size_t failedField = 0;
 
     void Take(char const * text, std::size_t size) {
         if (size > 0 && failure.empty()) {
-            if (next.column >= host::kColumns) failure = "more than 256 columns";
-            else if (next.row >= host::kRows) failure = "more than 65536 rows";
-            else fields.push_back({next, std::string(text, size)});
+            if (next.column >= host::kColumns)
+                failure = "more than 256 columns";
+            else if (next.row >= host::kRows)
+                failure = "more than 65536 rows";
+            else
+                fields.push_back({next, std::string(text, size)});
+            if (!failure.empty()) failedField = std::size_t(next.column) + 1;
         }
         ++next.column;
     }
@@ -62,7 +72,7 @@ int KeepBlanks(unsigned char) { return 0; }
 struct Parser {
     csv_parser parser;
     explicit Parser(char separator) {
-        if (csv_init(&parser, CSV_STRICT_FINI | CSV_REPALL_NL | CSV_APPEND_NULL) != 0) throw std::bad_alloc();
+        if (csv_init(&parser, CSV_REPALL_NL | CSV_APPEND_NULL) != 0) throw std::bad_alloc();
         csv_set_delim(&parser, static_cast<unsigned char>(separator));
         csv_set_space_func(&parser, KeepBlanks);
     }
@@ -81,15 +91,19 @@ void Collect(Collector & collector, std::string const & content, char separator)
     Parser csv(separator);
     for (std::size_t at = 0; at < content.size(); ++collector.line) {
         std::size_t const end = std::min(content.find('\n', at), content.size() - 1) + 1;
-        std::size_t const taken = csv_parse(&csv.parser, content.data() + at, end - at, OnField, OnRow, &collector);
-        if (taken != end - at) Fail(collector.name, collector.line, taken + 1, csv_strerror(csv_error(&csv.parser)));
+        std::size_t const taken =
+            csv_parse(&csv.parser, content.data() + at, end - at, OnField, OnRow, &collector);
+        if (taken != end - at)
+            Fail(collector.name, collector.line, taken + 1, csv_strerror(csv_error(&csv.parser)));
         if (!collector.failure.empty())
-            Fail(collector.name, collector.line, std::size_t(collector.next.column) + 1, collector.failure);
+            Fail(collector.name, collector.line, collector.failedField, collector.failure);
         at = end;
     }
-    if (csv_fini(&csv.parser, OnField, OnRow, &collector) != 0)
-        Fail(collector.name, collector.line, 1, "a quoted field does not end");
-    if (!collector.failure.empty()) Fail(collector.name, collector.line, 1, collector.failure);
+    // A line's end closes every field but an open quoted one.
+    csv_parse(&csv.parser, "\n", 1, OnField, OnRow, &collector);
+    if (csv.parser.quoted) Fail(collector.name, collector.line, 1, "a quoted field does not end");
+    if (!collector.failure.empty())
+        Fail(collector.name, collector.line, collector.failedField, collector.failure);
 }
 
 } // namespace
@@ -123,12 +137,14 @@ void WriteFile(std::string const & path, std::string const & content) {
     if (failure) throw InputError(path + ": " + failure.message());
 }
 
-void LoadText(host::Sheet & sheet, std::string const & name, std::string const & content, TextFormat format) {
+void LoadText(host::Sheet & sheet, std::string const & name, std::string const & content,
+              TextFormat format) {
     constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
     RequireUtf8(name, content);
     Collector collector{name, 1, {0, 0}, {}, {}};
     bool const marked = content.compare(0, 3, kByteOrderMark) == 0;
-    Collect(collector, marked ? content.substr(3) : content, format == TextFormat::kTsv ? '\t' : ',');
+    Collect(collector, marked ? content.substr(3) : content,
+            format == TextFormat::kTsv ? '\t' : ',');
     host::Sheet::Bulk bulk(sheet);
     for (Field const & field : collector.fields) bulk.Enter(field.place, field.text);
     bulk.Commit();

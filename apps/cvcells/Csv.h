@@ -26,7 +26,8 @@ void WriteFile(std::string const & path, std::string const & content);
 
 // Enters each field into its cell, as a user types it. The sheet is changed only when the whole
 // text is sound.
-void LoadText(cells::host::Sheet & sheet, std::string const & name, std::string const & content, TextFormat format);
+void LoadText(cells::host::Sheet & sheet, std::string const & name, std::string const & content,
+              TextFormat format);
 
 // One field, quoted where it must be.
 std::string QuoteField(std::string const & field, char separator);

@@ -22,7 +22,8 @@ std::string Shown(Sheet & sheet, Place place, Show show) {
 
 // Characters of a UTF-8 text.
 std::size_t WidthOf(std::string const & text) {
-    return std::size_t(std::count_if(text.begin(), text.end(), [](char c) { return (uchar(c) & 0xC0) != 0x80; }));
+    return std::size_t(
+        std::count_if(text.begin(), text.end(), [](char c) { return (uchar(c) & 0xC0) != 0x80; }));
 }
 
 std::string OneLine(std::string text) {
@@ -83,10 +84,14 @@ std::string RenderFields(Sheet & sheet, Area const & area, Show show, char separ
 
 char const * NameOfKind(Kind kind) {
     switch (kind) {
-    case Kind::kNumber: return "number";
-    case Kind::kText: return "text";
-    case Kind::kError: return "error";
-    default: return "empty";
+    case Kind::kNumber:
+        return "number";
+    case Kind::kText:
+        return "text";
+    case Kind::kError:
+        return "error";
+    default:
+        return "empty";
     }
 }
 
@@ -98,7 +103,8 @@ std::string RenderJson(Sheet & sheet, Area const & area) {
         nlohmann::ordered_json cell;
         cell["cell"] = host::NameOf(place);
         cell["kind"] = NameOfKind(value.kind);
-        if (value.kind == Kind::kNumber && std::isfinite(value.number)) cell["value"] = value.number;
+        if (value.kind == Kind::kNumber && std::isfinite(value.number))
+            cell["value"] = value.number;
         if (value.kind == Kind::kText) cell["value"] = value.text;
         if (value.kind == Kind::kError) cell["error"] = value.error;
         cell["text"] = sheet.Text(place);
@@ -112,10 +118,14 @@ std::string RenderJson(Sheet & sheet, Area const & area) {
 
 std::string Render(Sheet & sheet, Area const & area, OutputFormat format, Show show) {
     switch (format) {
-    case OutputFormat::kCsv: return RenderFields(sheet, area, show, ',');
-    case OutputFormat::kTsv: return RenderFields(sheet, area, show, '\t');
-    case OutputFormat::kJson: return RenderJson(sheet, area);
-    default: return RenderTable(sheet, area, show);
+    case OutputFormat::kCsv:
+        return RenderFields(sheet, area, show, ',');
+    case OutputFormat::kTsv:
+        return RenderFields(sheet, area, show, '\t');
+    case OutputFormat::kJson:
+        return RenderJson(sheet, area);
+    default:
+        return RenderTable(sheet, area, show);
     }
 }
 

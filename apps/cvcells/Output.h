@@ -12,6 +12,7 @@ enum class Show { kValues, kFormulas };
 
 // The area as a table with column letters and row numbers, as separated fields, or as JSON with
 // place, kind, value or error, display text and formula of each occupied cell.
-std::string Render(cells::host::Sheet & sheet, cells::host::Area const & area, OutputFormat format, Show show);
+std::string Render(cells::host::Sheet & sheet, cells::host::Area const & area, OutputFormat format,
+                   Show show);
 
 } // namespace cells::app

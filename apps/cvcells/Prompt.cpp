@@ -16,12 +16,14 @@ namespace {
 char const * ShowPrompt(EditLine *) { return "cvcells> "; }
 
 std::vector<std::string> NamesBeginningWith(std::string word) {
-    std::transform(word.begin(), word.end(), word.begin(), [](unsigned char c) { return char(std::toupper(c)); });
+    std::transform(word.begin(), word.end(), word.begin(),
+                   [](unsigned char c) { return char(std::toupper(c)); });
     std::vector<std::string> names;
     for (int i = 0; i < GetBuiltInFuncSize(); ++i) {
         CCFunc const & func = *GetBuiltInFunc()[i];
         std::string const name = ToUtf8(std::wstring_view(func.LocalName()));
-        if (func.kind == kFunction && !word.empty() && name.rfind(word, 0) == 0) names.push_back(name);
+        if (func.kind == kFunction && !word.empty() && name.rfind(word, 0) == 0)
+            names.push_back(name);
     }
     std::sort(names.begin(), names.end());
     return names;

@@ -16,12 +16,14 @@ using host::Kind;
 using host::Place;
 using host::Value;
 
-constexpr char const * kClasses[] = {"general", "fixed", "currency", "percent", "fraction",
-                                     "scientific", "time", "date", "logical"};
+constexpr char const * kClasses[] = {"general",    "fixed", "currency", "percent", "fraction",
+                                     "scientific", "time",  "date",     "logical"};
 
 std::string Trimmed(std::string const & text) {
     std::size_t const first = text.find_first_not_of(" \t\r");
-    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+    return first == std::string::npos
+               ? ""
+               : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
 // Cuts the first word off.
@@ -57,9 +59,12 @@ std::string Describe(Value const & value) {
     case Kind::kNumber:
         std::snprintf(number, sizeof number, "%.17g", value.number);
         return std::string("number ") + number;
-    case Kind::kText: return "text " + value.text;
-    case Kind::kError: return "error " + std::to_string(value.error);
-    default: return "empty";
+    case Kind::kText:
+        return "text " + value.text;
+    case Kind::kError:
+        return "error " + std::to_string(value.error);
+    default:
+        return "empty";
     }
 }
 
@@ -116,11 +121,13 @@ void Session::NewSheet(std::string const & locale) {
 // Brings dependents up to date and tells what changed.
 void Session::Edited() {
     m_Sheet->Recalculate();
-    std::sort(m_Changed.begin(), m_Changed.end(),
-              [](Place a, Place b) { return a.row != b.row ? a.row < b.row : a.column < b.column; });
+    std::sort(m_Changed.begin(), m_Changed.end(), [](Place a, Place b) {
+        return a.row != b.row ? a.row < b.row : a.column < b.column;
+    });
     m_Changed.erase(std::unique(m_Changed.begin(), m_Changed.end()), m_Changed.end());
     if (m_bTellChanges)
-        for (Place place : m_Changed) m_Out << host::NameOf(place) << " = " << m_Sheet->Text(place) << '\n';
+        for (Place place : m_Changed)
+            m_Out << host::NameOf(place) << " = " << m_Sheet->Text(place) << '\n';
     m_Changed.clear();
 }
 
@@ -172,7 +179,8 @@ void Session::Explain(std::string const & rest) {
     m_Out << "  holds       " << Describe(value) << '\n';
     if (value.kind == Kind::kNumber) {
         bool const known = value.formatClass < int(std::size(kClasses));
-        m_Out << "  class       " << value.formatClass << ' ' << (known ? kClasses[value.formatClass] : "") << '\n';
+        m_Out << "  class       " << value.formatClass << ' '
+              << (known ? kClasses[value.formatClass] : "") << '\n';
     }
     m_Out << "  reads       " << Joined(m_Sheet->Precedents(place)) << '\n';
     m_Out << "  is read by  " << Joined(m_Sheet->Dependents(place)) << '\n';
@@ -192,7 +200,8 @@ void Session::Format(std::string const & rest) {
     if (found == std::end(kClasses)) throw CommandError("no such format class: " + name);
     std::optional<int> decimals;
     if (!words.empty()) decimals = RequireNumber<int>(words);
-    if (decimals && (*decimals < 0 || *decimals > 15)) throw CommandError("decimals go from 0 to 15");
+    if (decimals && (*decimals < 0 || *decimals > 15))
+        throw CommandError("decimals go from 0 to 15");
     m_Sheet->SetFormat(place, int(found - kClasses), decimals);
     Edited();
 }
@@ -214,7 +223,8 @@ void Session::Load(std::string const & rest) {
 void Session::Save(std::string const & rest) {
     if (rest.empty()) throw CommandError("save needs the name of a file");
     Area const area{{0, 0}, m_Sheet->UsedArea().value_or(Area{}).last};
-    OutputFormat const format = FormatOf(rest) == TextFormat::kTsv ? OutputFormat::kTsv : OutputFormat::kCsv;
+    OutputFormat const format =
+        FormatOf(rest) == TextFormat::kTsv ? OutputFormat::kTsv : OutputFormat::kCsv;
     WriteFile(rest, Render(*m_Sheet, area, format, Show::kFormulas));
 }
 
@@ -250,7 +260,8 @@ void Session::Expect(std::string const & rest) {
     } else if (what == "empty") {
         ExpectKind(RequirePlace(words), Kind::kEmpty);
     } else if (what == "formula") {
-        std::string const found = m_Sheet->Formula(RequirePlace(TakeWord(words))).value_or("no formula");
+        std::string const found =
+            m_Sheet->Formula(RequirePlace(TakeWord(words))).value_or("no formula");
         require(found == words, found);
     } else if (what == "class") {
         int const number = RequireNumber<int>(TakeWord(words));
@@ -261,9 +272,11 @@ void Session::Expect(std::string const & rest) {
     } else if (what == "message") {
         unsigned const id = RequireNumber<unsigned>(words);
         require(std::count(m_Messages.begin(), m_Messages.end(), id) == 1,
-                m_Messages.empty() ? "no message" : "message " + std::to_string(m_Messages.front()));
+                m_Messages.empty() ? "no message"
+                                   : "message " + std::to_string(m_Messages.front()));
     } else if (what == "no" && words == "message") {
-        require(m_Messages.empty(), m_Messages.empty() ? "" : "message " + std::to_string(m_Messages.front()));
+        require(m_Messages.empty(),
+                m_Messages.empty() ? "" : "message " + std::to_string(m_Messages.front()));
     } else {
         std::string const shown = m_Sheet->Text(RequirePlace(what));
         require(shown == words, shown.empty() ? "nothing" : shown);

@@ -23,9 +23,12 @@ void AddCalc(CLI::App & app, std::function<int()> & run) {
         ->check(CLI::IsMember({"values", "formulas"}))
         ->capture_default_str();
     calc->add_option("--range", options->range, "the area to print, such as A1:F20");
-    calc->add_option("--locale", options->locale, "a locale tag, such as de-DE; the user's otherwise");
-    calc->add_option("--set", options->set, "CELL=TEXT, entered after the load")->allow_extra_args(false);
-    calc->add_option("-o,--output", options->output, "the file to write; - is standard output")->capture_default_str();
+    calc->add_option("--locale", options->locale,
+                     "a locale tag, such as de-DE; the user's otherwise");
+    calc->add_option("--set", options->set, "CELL=TEXT, entered after the load")
+        ->allow_extra_args(false);
+    calc->add_option("-o,--output", options->output, "the file to write; - is standard output")
+        ->capture_default_str();
     calc->callback([&run, options] { run = [options] { return cells::app::Calc(*options); }; });
 }
 
@@ -35,10 +38,12 @@ void AddEval(CLI::App & app, std::function<int()> & run) {
         std::vector<std::string> set, texts;
     };
     auto options = std::make_shared<Options>();
-    CLI::App * eval = app.add_subcommand("eval", "Enter each text into a cell and print what the cell shows");
+    CLI::App * eval =
+        app.add_subcommand("eval", "Enter each text into a cell and print what the cell shows");
     eval->add_option("TEXT", options->texts, "what a user would type, such as =1+2")->required();
     eval->add_option("--set", options->set, "CELL=TEXT, entered before")->allow_extra_args(false);
-    eval->add_option("--locale", options->locale, "a locale tag, such as de-DE; the user's otherwise");
+    eval->add_option("--locale", options->locale,
+                     "a locale tag, such as de-DE; the user's otherwise");
     eval->callback([&run, options] {
         run = [options] { return cells::app::Eval(options->locale, options->set, options->texts); };
     });
@@ -46,19 +51,24 @@ void AddEval(CLI::App & app, std::function<int()> & run) {
 
 void AddRepl(CLI::App & app, std::function<int()> & run) {
     auto locale = std::make_shared<std::string>(), file = std::make_shared<std::string>();
-    CLI::App * repl = app.add_subcommand("repl", "An interactive prompt; reads a session from a pipe too");
+    CLI::App * repl =
+        app.add_subcommand("repl", "An interactive prompt; reads a session from a pipe too");
     repl->add_option("FILE", *file, "a sheet to load first");
     repl->add_option("--locale", *locale, "a locale tag, such as de-DE; the user's otherwise");
-    repl->callback([&run, locale, file] { run = [=] { return cells::app::Repl(*locale, *file); }; });
+    repl->callback(
+        [&run, locale, file] { run = [=] { return cells::app::Repl(*locale, *file); }; });
 }
 
 void AddTest(CLI::App & app, std::function<int()> & run) {
     auto locale = std::make_shared<std::string>("C");
     auto files = std::make_shared<std::vector<std::string>>();
-    CLI::App * test = app.add_subcommand("test", "Run session files and report the expectations that fail");
+    CLI::App * test =
+        app.add_subcommand("test", "Run session files and report the expectations that fail");
     test->add_option("FILE", *files, "session files")->required();
-    test->add_option("--locale", *locale, "a locale tag; C is the invariant locale")->capture_default_str();
-    test->callback([&run, locale, files] { run = [=] { return cells::app::TestFiles(*locale, *files); }; });
+    test->add_option("--locale", *locale, "a locale tag; C is the invariant locale")
+        ->capture_default_str();
+    test->callback(
+        [&run, locale, files] { run = [=] { return cells::app::TestFiles(*locale, *files); }; });
 }
 
 void AddFunctions(CLI::App & app, std::function<int()> & run) {

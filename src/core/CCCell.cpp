@@ -17,15 +17,19 @@ using cells::internal::SessionGuard;
 using Placed = std::unique_ptr<CCRef>;
 
 CCCell::CCCell(CCCell const & other)
-    : CCItem(other), m_nFormat(other.m_nFormat), m_bCircular(other.m_bCircular), m_Value(other.m_Value),
-      m_pFormula(other.m_pFormula ? other.m_pFormula->Copy() : nullptr) {}
+    : CCItem(other), m_nFormat(other.m_nFormat), m_bCircular(other.m_bCircular),
+      m_Value(other.m_Value), m_pFormula(other.m_pFormula ? other.m_pFormula->Copy() : nullptr) {}
 
 CCCell::CCCell() = default;
 CCCell::~CCCell() = default;
 
-CCCellFormat const & CCCell::getCFmt() const { return *CCCellFormatTable::CCellFormats->GetAt(m_nFormat); }
+CCCellFormat const & CCCell::getCFmt() const {
+    return *CCCellFormatTable::CCellFormats->GetAt(m_nFormat);
+}
 
-void CCCell::putCFmt(CCCellFormat const & format) { m_nFormat = CCCellFormatTable::CCellFormats->Add(format); }
+void CCCell::putCFmt(CCCellFormat const & format) {
+    m_nFormat = CCCellFormatTable::CCellFormats->Add(format);
+}
 
 int CCCell::IsEmpty() const {
     return m_Value.IsEmpty() && !IsFormulaLink() && getCFmt().IsEmpty() && CCItem::IsEmpty();
@@ -203,7 +207,8 @@ int CCCell::SetFormula(cells::CTX * ctx, CCFormula const * formula, int quiet) {
         RemoveFormula(ctx);
         StoreTree(copy.release());
         Placed const place(MakeCellRef3D(ctx, this));
-        if (IsEditSource(ctx) && !m_pFormula->IsEditSourceRef(ctx, place.get()) && !quiet && manager)
+        if (IsEditSource(ctx) && !m_pFormula->IsEditSourceRef(ctx, place.get()) && !quiet &&
+            manager)
             manager->ErrorMessage(cells::kStringNoEditSource);
         if (!m_pFormula->RegisterDependents(ctx, place.get())) {
             FailToRegister(ctx, place.get());
@@ -287,7 +292,8 @@ CCRefList * CCCell::GetPrecedents(cells::CTX * ctx) {
         if (node->GetType() < kOpFormula) continue;
         if (node->GetType() == kRemoteOpFormula)
             RefListAddLastItem(list, &static_cast<CCRemoteOpFormula const *>(node)->Remote());
-        for (auto const * args = static_cast<CCOpFormula const *>(node)->GetArgs(); args; args = args->next)
+        for (auto const * args = static_cast<CCOpFormula const *>(node)->GetArgs(); args;
+             args = args->next)
             stack.push_back(args->formula);
     }
     return list;

@@ -83,8 +83,8 @@ public:
     int UpdateInPaste(cells::CTX * ctx, CCRef const * oldRef, CCRef const * newRef,
                       CCClipboardData const * clip);
     void SaveFormula(cells::CTX * ctx, CCFormula const * formula, uchar type);
-    CCFormula * LoadFormula(cells::CTX * ctx);                                  // borrowed
-    int LoadFormula(cells::CTX * ctx, CCFormula *& formula, uchar & type);      // the caller's
+    CCFormula * LoadFormula(cells::CTX * ctx);                             // borrowed
+    int LoadFormula(cells::CTX * ctx, CCFormula *& formula, uchar & type); // the caller's
     uchar GetFormulaType() const;
     bool HasTree() const { return m_pFormula != nullptr; }
     int GetFormat() const { return m_nFormat; }

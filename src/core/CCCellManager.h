@@ -33,7 +33,9 @@ class CCWorkbook;
 // Whether remote data is recalculated: asked, always or never.
 enum ECRecalcRemote : int { kRecalcRemoteAsk = 0, kRecalcRemoteAlways = 1, kRecalcRemoteNever = 2 };
 
-class CVCELLS_API CCCellManager : public CCTransportInterface, public CCBaseListener, public CCBaseBroadcaster {
+class CVCELLS_API CCCellManager : public CCTransportInterface,
+                                  public CCBaseListener,
+                                  public CCBaseBroadcaster {
 public:
     class CVCELLS_API CCRecalcList : public cells::internal::RecalcList {};
 
@@ -126,7 +128,8 @@ public:
 
     virtual int RegisterDocumentDependent(CCDocumentRef const * ref, CCRef const * dependent);
     virtual int UnRegisterDocumentDependent(CCDocumentRef const * ref, CCRef const * dependent);
-    virtual int MoveDocumentFormula(CCDocumentRef const * ref, CCRef const * from, CCRef const * to);
+    virtual int MoveDocumentFormula(CCDocumentRef const * ref, CCRef const * from,
+                                    CCRef const * to);
     virtual void RecalcDocumentItems(CCDocumentRef::ECDocRefType type);
     virtual CCItem * GetDocumentItem(CCDocumentRef::ECDocRefType type);
 
@@ -168,7 +171,8 @@ public:
     virtual int DoRemoteUnRegisterDependent(CCRemoteRef const * ref, CCRef const * dependent);
     virtual int DoRemoteInvalidateRef(CCRemoteRef const * ref, CCRef const * by);
     virtual int DoRemoteMoveFormula(CCRemoteRef const * ref, CCRef const * from, CCRef const * to);
-    virtual int DoRemoteMoveDependent(CCRemoteRef const * ref, CCRef const * from, CCRef const * to, int mode);
+    virtual int DoRemoteMoveDependent(CCRemoteRef const * ref, CCRef const * from, CCRef const * to,
+                                      int mode);
 
     virtual void Read(CArchive & ar);
     virtual void Write(CArchive & ar) const;

@@ -45,14 +45,18 @@ void CCCellValue::Release() {
 
 void CCCellValue::CopyPayload(CCCellValue const & other) {
     switch (other.m_nType) {
-    case vtError: return Set(other.m_nError);
+    case vtError:
+        return Set(other.m_nError);
     case vtText:
         Set(other.m_strText);
         m_bNullText = other.m_bNullText;
         return;
-    case vtNumber: return Set(other.m_dNumber);
-    case vtRef: return Set(other.m_pRefValue);
-    default: return Release();
+    case vtNumber:
+        return Set(other.m_dNumber);
+    case vtRef:
+        return Set(other.m_pRefValue);
+    default:
+        return Release();
     }
 }
 
@@ -62,23 +66,31 @@ wchar_t const * CCCellValue::GetText() const {
 
 bool CCCellValue::IsTrue() const {
     switch (m_nType) {
-    case vtNumber: return m_dNumber != 0;
-    case vtText: return !m_strText.IsEmpty() && m_strText[0] != 0;
-    case vtRef: return m_pRefValue != nullptr;
-    default: return false;
+    case vtNumber:
+        return m_dNumber != 0;
+    case vtText:
+        return !m_strText.IsEmpty() && m_strText[0] != 0;
+    case vtRef:
+        return m_pRefValue != nullptr;
+    default:
+        return false;
     }
 }
 
 bool CCCellValue::IsEqual(CCCellValue const & other) const {
     if (m_nType != other.m_nType) return false;
     switch (m_nType) {
-    case vtEmpty: return true;
-    case vtError: return m_nError == other.m_nError;
-    case vtText: return m_bNullText == other.m_bNullText && m_strText == other.m_strText;
+    case vtEmpty:
+        return true;
+    case vtError:
+        return m_nError == other.m_nError;
+    case vtText:
+        return m_bNullText == other.m_bNullText && m_strText == other.m_strText;
     case vtNumber:
         return std::fabs(m_dNumber - other.m_dNumber) < kSmallestDifference &&
                m_Format.IsEqual(cells::invariant_LCTX(), other.m_Format);
-    default: return false;
+    default:
+        return false;
     }
 }
 
@@ -141,15 +153,18 @@ void CCCellValue::Swap(CCCellValue & other) noexcept {
 
 void CCCellValue::Print(cells::CTX * ctx, std::wostream & stream, uchar mode) const {
     switch (m_nType) {
-    case vtError: return cells::WriteText(stream, cells::ErrorText(m_nError));
+    case vtError:
+        return cells::WriteText(stream, cells::ErrorText(m_nError));
     case vtNumber:
         if (std::isfinite(m_dNumber))
             m_Format.Print(ctx->lctx(), stream, m_dNumber, mode & kPrintForEdit);
         else
             cells::WriteText(stream, cells::ErrorText(errValue));
         return;
-    case vtText: return PrintText(stream, (mode & kPrintEscaped) != 0);
-    default: return;
+    case vtText:
+        return PrintText(stream, (mode & kPrintEscaped) != 0);
+    default:
+        return;
     }
 }
 

@@ -26,7 +26,8 @@ void CCDoubleArray::SetSize(int size, int growBy) {
     if (!m_pData) {
         Allocate(size);
     } else if (size > m_nCapacity) {
-        int const step = m_nGrowBy ? m_nGrowBy : std::clamp(m_nSize / 8, kSmallestStep, kLargestStep);
+        int const step =
+            m_nGrowBy ? m_nGrowBy : std::clamp(m_nSize / 8, kSmallestStep, kLargestStep);
         Allocate(std::max(size, m_nCapacity + step));
     } else if (size > m_nSize) {
         std::fill(m_pData.get() + m_nSize, m_pData.get() + size, 0.0);

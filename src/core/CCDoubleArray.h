@@ -32,8 +32,8 @@ public:
     double operator[](int index) const { return m_pData[index]; }
 
     void SetAtGrow(int index, double value);
-    int Add(double value);                       // the index of the new element
-    int Append(CCDoubleArray const & other);     // the index of the first new element
+    int Add(double value);                   // the index of the new element
+    int Append(CCDoubleArray const & other); // the index of the first new element
     void Copy(CCDoubleArray const & other);
     void InsertAt(int index, double value, int count = 1);
     void RemoveAt(int index, int count = 1);

@@ -4,8 +4,8 @@
 #include "core/Context.h"
 #include "core/Guards.h"
 #include "core/Resolve.h"
-#include "formula/CCRef3D.h"
 #include "formula/CCRCRef.h"
+#include "formula/CCRef3D.h"
 #include "formula/CCRefList.h"
 #include "formula/RefHash.h"
 #include "platform/NodePool.h"
@@ -186,7 +186,8 @@ void CCItem::InvalidateDependents(cells::CTX * ctx) {
             auto const * sheets = node->m_pRef->GetType() == kRefSheets
                                       ? static_cast<CCRef3D const *>(node->m_pRef)
                                       : nullptr;
-            bool const elsewhere = sheets && sheets->GetManager() && sheets->GetManager() != manager;
+            bool const elsewhere =
+                sheets && sheets->GetManager() && sheets->GetManager() != manager;
             Placed const placed(elsewhere ? MakeDependentRef(ctx, GetRef()) : nullptr);
             node->m_pRef->InvalidateRef(ctx, placed ? placed.get() : GetRef());
         }
@@ -248,7 +249,8 @@ class MetReferences {
 public:
     // True the first time.
     bool Enter(CCRef const * ref) {
-        if (ref->GetType() == kRefCell) return m_Keys.insert(KeyOf(*static_cast<CCRCRef const *>(ref))).second;
+        if (ref->GetType() == kRefCell)
+            return m_Keys.insert(KeyOf(*static_cast<CCRCRef const *>(ref))).second;
         if (ref->GetType() == kRefSheets) {
             auto const & sheets = *static_cast<CCRef3D const *>(ref);
             if (sheets.ref && sheets.ref->GetType() == kRefCell) {
@@ -323,7 +325,8 @@ namespace {
 
 SCItemList ** PlaceInList(SCItemList *& list, CCRef const * ref) {
     SCItemList ** at = &list;
-    while (*at && !((*at)->m_pItem->GetRef() && (*at)->m_pItem->GetRef()->IsEqual(ref))) at = &(*at)->m_pNext;
+    while (*at && !((*at)->m_pItem->GetRef() && (*at)->m_pItem->GetRef()->IsEqual(ref)))
+        at = &(*at)->m_pNext;
     return at;
 }
 

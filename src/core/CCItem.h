@@ -40,8 +40,8 @@ public:
     virtual int IsHidden(cells::CTX *) const { return 0; }
     virtual void Read(cells::CTX * ctx, CArchive & ar);
     virtual void Write(cells::CTX * ctx, CArchive & ar);
-    // 1 when the dependent is stored now, also if it was before; 0 when a hidden cell of a protected
-    // sheet refuses it.
+    // 1 when the dependent is stored now, also if it was before; 0 when a hidden cell of a
+    // protected sheet refuses it.
     virtual int RegisterDependent(cells::CTX * ctx, CCRef const * ref);
     virtual int UnRegisterDependent(cells::CTX * ctx, CCRef const * ref);
     virtual int Delete(cells::CTX * ctx);
@@ -58,7 +58,7 @@ public:
 
 protected:
     void GrowDependetsRefs(int count);
-    void AddDependentsRef(CCRef * ref); // takes it over
+    void AddDependentsRef(CCRef * ref);                        // takes it over
     int HasDependentsRef(cells::CTX * ctx, CCRef const * ref); // its position, or -1
     int DeleteDependentsRef(cells::CTX * ctx, int index);
     int UpdateDependentsRef(cells::CTX * ctx, CCRef const * old, CCRef const * now);

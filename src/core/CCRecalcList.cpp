@@ -73,7 +73,8 @@ void RecalcList::Adopt() {
 
 std::list<CCRef *> & RecalcList::GetStdList() {
     if (!m_bStandard) {
-        for (Node node = m_Head; node != kNone; node = Next(node)) m_Standard.push_back(ObjectOf(node));
+        for (Node node = m_Head; node != kNone; node = Next(node))
+            m_Standard.push_back(ObjectOf(node));
         Reset();
         m_bStandard = true;
     }
@@ -108,7 +109,8 @@ void RecalcList::Link(CCRef * ref, std::uint64_t key, Stamp origin, bool expande
         m_Spare.pop_back();
     }
     Stamp const stamp = m_nStamp++;
-    At(node) = {ref, key, stamp, origin ? origin : stamp, m_Tail, kNone, kNone, kNone, expanded, false};
+    At(node) = {ref,   key,      stamp, origin ? origin : stamp, m_Tail, kNone, kNone,
+                kNone, expanded, false};
     (m_Tail == kNone ? m_Head : At(m_Tail).next) = node;
     m_Tail = node;
     ++m_nCount;
@@ -250,7 +252,9 @@ RecalcList::Slot * RecalcList::PlaceOf(std::uint64_t key, CCRef const * ref) {
     std::uint64_t const hash = Mix(key);
     for (std::size_t at = hash & mask; m_Index[at].node != kFree; at = (at + 1) & mask) {
         Slot & slot = m_Index[at];
-        if (slot.node != kGone && slot.tag == std::uint32_t(hash >> 32) && IsSame(slot.node, key, ref)) return &slot;
+        if (slot.node != kGone && slot.tag == std::uint32_t(hash >> 32) &&
+            IsSame(slot.node, key, ref))
+            return &slot;
     }
     return nullptr;
 }

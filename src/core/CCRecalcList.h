@@ -42,8 +42,8 @@ public:
     // Append copies, with no test for duplicates.
     void AddLast(CCRef const * ref);
     void AddLast(CCRefList const * list);
-    // Removes the first equal node. Where the caller holds that node's reference, it lives on in the
-    // caller's hands.
+    // Removes the first equal node. Where the caller holds that node's reference, it lives on in
+    // the caller's hands.
     void Exclude(CCRef const * ref);
     // For each member removes the first equal node and deletes its reference. The difference is
     // meant so.

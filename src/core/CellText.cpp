@@ -15,7 +15,8 @@ using cells::internal::SessionGuard;
 
 namespace {
 
-constexpr int kFindBuffer = 1024; // units of the work buffer of Find and Replace, terminator included
+constexpr int kFindBuffer =
+    1024; // units of the work buffer of Find and Replace, terminator included
 
 template <typename Write>
 CString TextOf(Write && write) {
@@ -69,7 +70,8 @@ void CCCell::TakeTypedValue(cells::CTX * ctx, wchar_t const * text, CCCellValue 
     if (value.IsNumber() && format.GetType() == C_NF_CURRENCY && format.isPrecision())
         format.SetPrecision(ctx->lctx()->currencyPrecision());
     if (value.IsText()) value.Set(text);
-    if (value.IsNumber() && format.GetType() == C_NF_NUMBER && m_Value.GetFormat().GetType() > C_NF_NUMBER)
+    if (value.IsNumber() && format.GetType() == C_NF_NUMBER &&
+        m_Value.GetFormat().GetType() > C_NF_NUMBER)
         format.Set(m_Value.GetFormat());
     SetValue(ctx, value);
 }

@@ -102,7 +102,8 @@ bool CCEvLiTable::UnRegister(CCBaseEvent const & event, CCBaseListener * listene
 bool CCEvLiTable::UnRegister(CCBaseListener * listener) {
     if (!listener) return false;
     for (auto & entry : m_Entries)
-        while (entry->Remove(listener)) {}
+        while (entry->Remove(listener)) {
+        }
     return false;
 }
 
@@ -147,7 +148,8 @@ void CCBaseBroadcaster::FireEvent(CCBaseEvent const & event) {
     if (m_nFrozen == 0) NotifyListeners(event);
 }
 
-std::list<CCBaseListener *> const & CCBaseBroadcaster::GetListenersOf(CCBaseEvent const & event) const {
+std::list<CCBaseListener *> const &
+CCBaseBroadcaster::GetListenersOf(CCBaseEvent const & event) const {
     return m_EvLiTable.GetListenersOf(event);
 }
 

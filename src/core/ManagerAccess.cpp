@@ -158,7 +158,8 @@ int CCCellManager::SetSourceValue(CCRef const * ref, CCCellValue const & value) 
         std::unique_ptr<CCRef const> const source(cell->GetEditSourceRef(owner->ctx()));
         if (!source) return cell->SetValue(owner->ctx(), value);
         if (source->GetType() == kRefRemote)
-            return owner->DoRemoteSetSourceValue(static_cast<CCRemoteRef const *>(source.get()), value);
+            return owner->DoRemoteSetSourceValue(static_cast<CCRemoteRef const *>(source.get()),
+                                                 value);
         CCCellManager * const current = owner;
         cell = current->CellAt(source.get(), owner);
         if (!cell) return 1;
@@ -184,5 +185,6 @@ int CCCellManager::IsValidDocument(wchar_t const * name) const {
     CString const file = path.Mid(slash + 1);
     int const dot = file.ReverseFind(L'.');
     CString const bare = dot < 0 ? file : file.Left(dot);
-    return asked.CompareNoCase(path) == 0 || asked.CompareNoCase(bare) == 0 || asked.CompareNoCase(file) == 0;
+    return asked.CompareNoCase(path) == 0 || asked.CompareNoCase(bare) == 0 ||
+           asked.CompareNoCase(file) == 0;
 }

@@ -49,7 +49,8 @@ int CCCellManager::MoveFormula(CCRef const * ref, CCRef const * from, CCRef cons
     return 1;
 }
 
-int CCCellManager::MoveDependent(CCRef const * ref, CCRef const * from, CCRef const * to, int mode) {
+int CCCellManager::MoveDependent(CCRef const * ref, CCRef const * from, CCRef const * to,
+                                 int mode) {
     CCCellManager * owner;
     CCCell * const cell = CellAt(ref, owner);
     if (!cell) return 0;
@@ -57,7 +58,9 @@ int CCCellManager::MoveDependent(CCRef const * ref, CCRef const * from, CCRef co
     return 1;
 }
 
-int CCCellManager::SetValueInCompound(CCRef const *, CString const &, int, CCCellValue const &) { return 0; }
+int CCCellManager::SetValueInCompound(CCRef const *, CString const &, int, CCCellValue const &) {
+    return 0;
+}
 
 CCRefList * CCCellManager::LoadDependencies(CCRef const * ref) {
     if (!ref) return nullptr;
@@ -98,7 +101,8 @@ int CCCellManager::UnRegisterDocumentDependent(CCDocumentRef const * ref, CCRef 
     return 1;
 }
 
-int CCCellManager::MoveDocumentFormula(CCDocumentRef const * ref, CCRef const * from, CCRef const * to) {
+int CCCellManager::MoveDocumentFormula(CCDocumentRef const * ref, CCRef const * from,
+                                       CCRef const * to) {
     if (CCDocItem * item = FindDocItem(ref)) item->UpdateDependent(ctx(), from, to);
     return 0;
 }
@@ -129,7 +133,8 @@ CCRemoteRef * CCCellManager::TranslateToRemoteRef(CCRef const * ref) const {
     if (!inner) return nullptr;
     CCCellManager const * sheet = this;
     if (inner != ref)
-        if (CCCellManager const * named = static_cast<CCRef3D const *>(ref)->GetManager()) sheet = named;
+        if (CCCellManager const * named = static_cast<CCRef3D const *>(ref)->GetManager())
+            sheet = named;
     CString const text = sheet->GetSheetName() + CString(L"!") + TextOf(ctx(), inner);
     return new CCRemoteRef(GetDocumentName(), text);
 }
@@ -142,7 +147,8 @@ CCRef * CCCellManager::TranslateToInternalRef(CCRemoteRef const * ref) const {
     _EatWhite(nullptr, at);
     wchar_t const * const word = cells::internal::EndOfWord(at);
     CString const sheet(at, int(word - at));
-    if (*word == L'!' && (sheet.IsEmpty() || sheet.CompareNoCase(GetSheetName()) == 0)) at = word + 1;
+    if (*word == L'!' && (sheet.IsEmpty() || sheet.CompareNoCase(GetSheetName()) == 0))
+        at = word + 1;
     CCRef * parsed = nullptr;
     uchar flags = 0;
     int const found = GetType() == 1 ? _EatSpreadRef(context, at, parsed, flags)
@@ -178,12 +184,14 @@ int CCCellManager::DoRemoteInvalidateRef(CCRemoteRef const * ref, CCRef const * 
     return remote ? DoRemoteInvalidateRef(ref, remote.get()) : 0;
 }
 
-int CCCellManager::DoRemoteMoveFormula(CCRemoteRef const * ref, CCRef const * from, CCRef const * to) {
+int CCCellManager::DoRemoteMoveFormula(CCRemoteRef const * ref, CCRef const * from,
+                                       CCRef const * to) {
     Remote const old = AsRemote(*this, from), now = AsRemote(*this, to);
     return old && now ? DoRemoteMoveFormula(ref, old.get(), now.get()) : 0;
 }
 
-int CCCellManager::DoRemoteMoveDependent(CCRemoteRef const * ref, CCRef const * from, CCRef const * to, int mode) {
+int CCCellManager::DoRemoteMoveDependent(CCRemoteRef const * ref, CCRef const * from,
+                                         CCRef const * to, int mode) {
     Remote const old = AsRemote(*this, from), now = AsRemote(*this, to);
     return old && now ? DoRemoteMoveDependent(ref, old.get(), now.get(), mode) : 0;
 }

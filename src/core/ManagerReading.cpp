@@ -18,9 +18,13 @@ long long ElementsOf(CSize const & size) {
 
 } // namespace
 
-int CCCellManager::IsValidRef(CCRef const * ref) { return ref && Resolve(*this, ref).item != nullptr; }
+int CCCellManager::IsValidRef(CCRef const * ref) {
+    return ref && Resolve(*this, ref).item != nullptr;
+}
 
-int CCCellManager::IsSingleValue(CCRef const * ref) { return ref && Resolve(*this, ref).item != nullptr; }
+int CCCellManager::IsSingleValue(CCRef const * ref) {
+    return ref && Resolve(*this, ref).item != nullptr;
+}
 
 int CCCellManager::GetValue(CCRef const * ref, CCCellValue & value, int index) {
     if (index != 0 || !ref) return 0;

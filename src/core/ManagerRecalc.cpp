@@ -93,7 +93,8 @@ CCItem * CCCellManager::ProcessDependents(CCRef const * ref, CCRecalcList & list
     }
     RefListHolder const dependents(place.owner->LoadDependencies(ref));
     for (CCRefList const * node = dependents.list; node; node = node->m_pNext)
-        if (node->m_pRef && list.Find(node->m_pRef) == RecalcList::kNone) list.AddLast(node->m_pRef);
+        if (node->m_pRef && list.Find(node->m_pRef) == RecalcList::kNone)
+            list.AddLast(node->m_pRef);
     return place.item;
 }
 
@@ -111,10 +112,12 @@ CCRefList * CCCellManager::LoadPlacedDependents(CCRef const * ref, CCItem *& ite
 CCItem * CCCellManager::PatchProcessDependents(CCRef const * ref, CCRecalcList & list) {
     CCItem * item;
     RefListHolder const dependents(LoadPlacedDependents(ref, item));
-    if (!item) return ref && ref->GetType() == kRefDocument ? ProcessDependents(ref, list) : nullptr;
+    if (!item)
+        return ref && ref->GetType() == kRefDocument ? ProcessDependents(ref, list) : nullptr;
     if (!dependents.list) return item;
     // The first node equal to `ref`; a later one of its equals may be the one under the walk.
-    bool const atWalk = ref == m_Walked.ref && &list == &m_ProcessList && list.IsFirst(m_Walked.node);
+    bool const atWalk =
+        ref == m_Walked.ref && &list == &m_ProcessList && list.IsFirst(m_Walked.node);
     Node const own = atWalk ? m_Walked.node : list.Find(ref);
     RecalcList::Stamp const passed = own == RecalcList::kNone ? UINT64_MAX : list.StampOf(own);
     for (CCRefList const * node = dependents.list; node; node = node->m_pNext) {
@@ -197,13 +200,15 @@ public:
     void Place(int number, std::vector<int> & order) {
         members[std::size_t(number)].placed = true;
         order.push_back(number);
-        for (int dependent : members[std::size_t(number)].dependents) --members[std::size_t(dependent)].precedents;
+        for (int dependent : members[std::size_t(number)].dependents)
+            --members[std::size_t(dependent)].precedents;
     }
 
     std::vector<Member> members;
 
 private:
-    std::unordered_map<CCRef const *, int, cells::internal::RefHasher, cells::internal::RefEqual> m_Places;
+    std::unordered_map<CCRef const *, int, cells::internal::RefHasher, cells::internal::RefEqual>
+        m_Places;
 };
 
 } // namespace
@@ -215,7 +220,8 @@ private:
 // Source: A. B. Kahn, Topological sorting of large networks.
 void CCCellManager::OrderLinearly(std::uint64_t firstNewStamp) {
     std::vector<std::pair<RecalcList::Stamp, Node>> queue;
-    for (Node node = m_ProcessList.First(); node != RecalcList::kNone; node = m_ProcessList.Next(node))
+    for (Node node = m_ProcessList.First(); node != RecalcList::kNone;
+         node = m_ProcessList.Next(node))
         if (m_ProcessList.OriginOf(node) < firstNewStamp)
             queue.emplace_back(m_ProcessList.OriginOf(node), node);
     std::sort(queue.begin(), queue.end());
@@ -230,7 +236,8 @@ void CCCellManager::OrderLinearly(std::uint64_t firstNewStamp) {
     for (std::size_t at = 0; at < closure.members.size(); ++at) {
         CCRef const * const ref = closure.members[at].ref.get();
         CCItem * item;
-        RefListHolder const dependents(RemoteRefs::IsRemote(ref) ? nullptr : LoadPlacedDependents(ref, item));
+        RefListHolder const dependents(RemoteRefs::IsRemote(ref) ? nullptr
+                                                                 : LoadPlacedDependents(ref, item));
         if (!dependents.list || !item->IsFormulaLink()) continue;
         for (CCRefList const * node = dependents.list; node; node = node->m_pNext) {
             if (!node->m_pRef || node->m_pRef->IsEqual(ref)) continue;
@@ -256,7 +263,8 @@ void CCCellManager::OrderLinearly(std::uint64_t firstNewStamp) {
     for (std::size_t number = 0; number < closure.members.size(); ++number)
         if (!closure.members[number].placed) order.push_back(int(number));
     m_ProcessList.Empty();
-    for (int number : order) m_ProcessList.Append(closure.members[std::size_t(number)].ref.release());
+    for (int number : order)
+        m_ProcessList.Append(closure.members[std::size_t(number)].ref.release());
 }
 
 // A host that calculates from its tick is not called again from that calculation.
@@ -273,7 +281,8 @@ void CCCellManager::Tick() {
 void CCCellManager::DoProcess(int limit) {
     RemoteRefs remote;
     int ticks = 0;
-    std::unordered_map<CCRef const *, int, cells::internal::RefHasher, cells::internal::RefEqual> visits;
+    std::unordered_map<CCRef const *, int, cells::internal::RefHasher, cells::internal::RefEqual>
+        visits;
     std::vector<std::unique_ptr<CCRef>> kept;
     while (limit != 0 || !remote.IsEmpty()) {
         Node const head = m_ProcessList.First();
@@ -295,7 +304,8 @@ void CCCellManager::DoProcess(int limit) {
         int const distinct = m_ProcessList.GetCount() + m_RecalcList.GetCount();
         bool const again = ++visit->second > distinct + 1;
         CCItem const * const item = again ? nullptr : Resolve(*this, ref).item;
-        bool const expanded = item && item->IsFormulaLink() && ProcessDependents(ref, m_ProcessList);
+        bool const expanded =
+            item && item->IsFormulaLink() && ProcessDependents(ref, m_ProcessList);
         if (!expanded) {
             m_ProcessList.ExcludeDelete(ref);
             continue;
@@ -355,7 +365,8 @@ namespace {
 // only plain cells keep it conclusive: what else may feed a region or a name it cannot tell.
 class BackwardSearch {
 public:
-    BackwardSearch(CCCellManager & manager, CCItem const * origin) : m_Manager(manager), m_Origin(origin) {
+    BackwardSearch(CCCellManager & manager, CCItem const * origin)
+        : m_Manager(manager), m_Origin(origin) {
         Look(const_cast<CCItem *>(origin), &manager);
     }
 
@@ -380,7 +391,8 @@ private:
             Place const place = Resolve(*owner, node->m_pRef);
             if (place.item == m_Origin) m_Found = true;
             auto * const cell = dynamic_cast<CCCell *>(place.item);
-            if (cell && cell->IsValidFormula() && m_Met.insert(cell).second) m_Items.push_back(place);
+            if (cell && cell->IsValidFormula() && m_Met.insert(cell).second)
+                m_Items.push_back(place);
         }
     }
 

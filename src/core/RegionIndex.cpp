@@ -9,7 +9,9 @@ namespace cells {
 namespace {
 
 // The order of regions of one span: by top, then by bottom.
-unsigned long KeyOf(ushort top, ushort bottom) { return static_cast<unsigned long>(top) << 16 | bottom; }
+unsigned long KeyOf(ushort top, ushort bottom) {
+    return static_cast<unsigned long>(top) << 16 | bottom;
+}
 
 } // namespace
 
@@ -40,7 +42,8 @@ RegionIndex::Node & RegionIndex::Insert(Tree & tree, CCRegionRef const & region)
         tree->priority = m_nSeed;
         return *tree;
     }
-    unsigned long const key = KeyOf(region.top, region.bottom), own = KeyOf(tree->top, tree->bottom);
+    unsigned long const key = KeyOf(region.top, region.bottom),
+                        own = KeyOf(tree->top, tree->bottom);
     if (key == own) return *tree;
     bool const goLeft = key < own;
     Tree & child = goLeft ? tree->left : tree->right;
@@ -52,7 +55,8 @@ RegionIndex::Node & RegionIndex::Insert(Tree & tree, CCRegionRef const & region)
 
 void RegionIndex::Erase(Tree & tree, CCRegionRef const & region) {
     if (!tree) return;
-    unsigned long const key = KeyOf(region.top, region.bottom), own = KeyOf(tree->top, tree->bottom);
+    unsigned long const key = KeyOf(region.top, region.bottom),
+                        own = KeyOf(tree->top, tree->bottom);
     if (key != own) {
         Erase(key < own ? tree->left : tree->right, region);
     } else if (!tree->left || !tree->right) {

@@ -7,7 +7,8 @@ namespace {
 
 // The manager of the (first) sheet that a reference names, or null.
 CCCellManager * SheetOf(CCCellManager & manager, CCRef3D const & sheets) {
-    return sheets.IsManagerForm() ? sheets.GetManager() : manager.GetManForNameIndex(sheets.firstSheet);
+    return sheets.IsManagerForm() ? sheets.GetManager()
+                                  : manager.GetManForNameIndex(sheets.firstSheet);
 }
 
 } // namespace

@@ -10,8 +10,11 @@ int Sign(double difference) { return difference < 0 ? -1 : difference > 0; }
 
 int CompareCellValues(CCCellValue const & a, CCCellValue const & b, int caseSensitive) {
     // Rows: type of a; columns: type of b; 2 marks the pairs whose content decides.
-    static constexpr signed char kOrder[5][5] = {
-        {0, 1, 1, 1, 1}, {-1, 0, 1, 1, 1}, {-1, -1, 2, 1, -1}, {-1, -1, -1, 2, -1}, {0, 0, 0, 0, 0}};
+    static constexpr signed char kOrder[5][5] = {{0, 1, 1, 1, 1},
+                                                 {-1, 0, 1, 1, 1},
+                                                 {-1, -1, 2, 1, -1},
+                                                 {-1, -1, -1, 2, -1},
+                                                 {0, 0, 0, 0, 0}};
     int const order = kOrder[a.GetType()][b.GetType()];
     return order == 2 ? CompareEQTypeValues(a, b, caseSensitive) : order;
 }

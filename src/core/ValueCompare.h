@@ -39,7 +39,8 @@ CVCELLS_API int CompareCellValues(CCCellValue const & a, CCCellValue const & b, 
 // The same for the values of two cells; a null cell stands behind every other.
 CVCELLS_API int CompareCells(CCCell const * a, CCCell const * b, int caseSensitive);
 // For two values of one type: numbers by size, text by collation, anything else is equal.
-CVCELLS_API int CompareEQTypeValues(CCCellValue const & a, CCCellValue const & b, int caseSensitive);
+CVCELLS_API int CompareEQTypeValues(CCCellValue const & a, CCCellValue const & b,
+                                    int caseSensitive);
 
 // Combines two values by a binary operator; the result is in `left`. The left error wins.
 CVCELLS_API void EvalCellValue(int code, CCCellValue & left, CCCellValue const & right);

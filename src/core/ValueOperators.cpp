@@ -14,12 +14,18 @@ bool IsComparison(int code) { return code >= kEqual && code <= kLessOrEqual; }
 
 bool Holds(int code, double order) {
     switch (code) {
-    case kEqual: return order == 0;
-    case kNotEqual: return order != 0;
-    case kGreater: return order > 0;
-    case kGreaterOrEqual: return order >= 0;
-    case kLess: return order < 0;
-    default: return order <= 0;
+    case kEqual:
+        return order == 0;
+    case kNotEqual:
+        return order != 0;
+    case kGreater:
+        return order > 0;
+    case kGreaterOrEqual:
+        return order >= 0;
+    case kLess:
+        return order < 0;
+    default:
+        return order <= 0;
     }
 }
 
@@ -41,22 +47,35 @@ void CombineTexts(int code, CCCellValue & left, CCCellValue const & right) {
 // units in the last place apart. That is meant so.
 void CombineNumbers(int code, CCCellValue & left, double a, double b) {
     switch (code) {
-    case kAdd: return left.Set(a + b, C_NF_GENERAL);
-    case kSubtract: return left.Set(a - b, C_NF_GENERAL);
-    case kMultiply: return left.Set(a * b, C_NF_GENERAL);
+    case kAdd:
+        return left.Set(a + b, C_NF_GENERAL);
+    case kSubtract:
+        return left.Set(a - b, C_NF_GENERAL);
+    case kMultiply:
+        return left.Set(a * b, C_NF_GENERAL);
     case kDivide:
         if (b == 0) return left.Set(errDiv0);
         return left.Set(a / b, C_NF_GENERAL);
-    case kPower: return left.Set(std::pow(a, b), C_NF_GENERAL);
-    case kAnd: return SetTruth(left, a != 0 && b != 0);
-    case kOr: return SetTruth(left, a != 0 || b != 0);
-    case kEqual: return SetTruth(left, std::fabs(a - b) < kSmallestDifference);
-    case kNotEqual: return SetTruth(left, !(std::fabs(a - b) < kSmallestDifference));
-    case kGreater: return SetTruth(left, a > b);
-    case kGreaterOrEqual: return SetTruth(left, a >= b);
-    case kLess: return SetTruth(left, a < b);
-    case kLessOrEqual: return SetTruth(left, a <= b);
-    default: return left.Set(errValue);
+    case kPower:
+        return left.Set(std::pow(a, b), C_NF_GENERAL);
+    case kAnd:
+        return SetTruth(left, a != 0 && b != 0);
+    case kOr:
+        return SetTruth(left, a != 0 || b != 0);
+    case kEqual:
+        return SetTruth(left, std::fabs(a - b) < kSmallestDifference);
+    case kNotEqual:
+        return SetTruth(left, !(std::fabs(a - b) < kSmallestDifference));
+    case kGreater:
+        return SetTruth(left, a > b);
+    case kGreaterOrEqual:
+        return SetTruth(left, a >= b);
+    case kLess:
+        return SetTruth(left, a < b);
+    case kLessOrEqual:
+        return SetTruth(left, a <= b);
+    default:
+        return left.Set(errValue);
     }
 }
 
@@ -108,10 +127,15 @@ void EvalCellValue(int code, CCCellValue & value) {
     if (!value.IsNumber()) return;
     double const number = value.GetNumber();
     switch (code) {
-    case kPlusSign: return value.Set(number, C_NF_GENERAL);
-    case kMinusSign: return value.Set(-number, C_NF_GENERAL);
-    case kNot: return SetTruth(value, number == 0);
-    case kPercent: return value.Set(number / 100, C_NF_GENERAL);
-    default: return;
+    case kPlusSign:
+        return value.Set(number, C_NF_GENERAL);
+    case kMinusSign:
+        return value.Set(-number, C_NF_GENERAL);
+    case kNot:
+        return SetTruth(value, number == 0);
+    case kPercent:
+        return value.Set(number / 100, C_NF_GENERAL);
+    default:
+        return;
     }
 }

@@ -49,14 +49,17 @@ void SetNumber(tagVARIANT & variant, double number, CCNumberFormat const & forma
         variant.vt = VT_I4;
         variant.lVal = cells::ToInt32(std::ceil(number));
         return;
-    case C_NF_CURRENCY: return SetCurrency(variant, number);
+    case C_NF_CURRENCY:
+        return SetCurrency(variant, number);
     case C_NF_TIME:
-    case C_NF_DATE: return SetDate(variant, number);
+    case C_NF_DATE:
+        return SetDate(variant, number);
     case C_NF_BOOL:
         variant.vt = VT_BOOL;
         variant.boolVal = number != 0 ? -1 : 0;
         return;
-    default: return SetDouble(variant, number);
+    default:
+        return SetDouble(variant, number);
     }
 }
 
@@ -72,7 +75,8 @@ double CurrencyOf(tagVARIANT const & variant) {
 
 void SetFromDate(CCCellValue & value, double days) {
     ATL::COleDateTime const date(days);
-    if (!CheckDate(date.GetDay(), date.GetMonth(), date.GetYear(), cells::kLastYear, cells::kFirstYear))
+    if (!CheckDate(date.GetDay(), date.GetMonth(), date.GetYear(), cells::kLastYear,
+                   cells::kFirstYear))
         return value.Set(errValue);
     value.Set(OleDateTimeToDouble(date), C_NF_DATE);
 }
@@ -83,31 +87,44 @@ void CCCellValue::Get(tagVARIANT & variant) const {
     if (m_nType == vtRef) return;
     VariantClear(variant);
     switch (m_nType) {
-    case vtError: return SetFailure(variant);
+    case vtError:
+        return SetFailure(variant);
     case vtText:
         variant.vt = VT_BSTR;
         variant.bstrVal = m_strText;
         return;
-    case vtNumber: return SetNumber(variant, m_dNumber, m_Format);
-    default: return;
+    case vtNumber:
+        return SetNumber(variant, m_dNumber, m_Format);
+    default:
+        return;
     }
 }
 
 void CCCellValue::Set(tagVARIANT const & variant) {
     switch (variant.vt) {
     case VT_EMPTY:
-    case VT_NULL: return Release();
+    case VT_NULL:
+        return Release();
     case VT_I2:
         Set(double(variant.iVal), C_NF_NUMBER);
         return SetWholeNumber(*this, variant.iVal);
-    case VT_I4: return SetWholeNumber(*this, variant.lVal);
-    case VT_R4: return Set(double(variant.fltVal), C_NF_GENERAL);
-    case VT_R8: return Set(variant.dblVal, C_NF_GENERAL);
-    case VT_CY: return Set(CurrencyOf(variant), C_NF_CURRENCY);
-    case VT_DATE: return SetFromDate(*this, variant.date);
-    case VT_BSTR: return Set(variant.bstrVal);
-    case VT_BOOL: return Set(variant.boolVal ? 1.0 : 0.0, C_NF_BOOL);
-    case VT_UI1: return Set(CString(wchar_t(variant.bVal)));
-    default: return Set(errValue);
+    case VT_I4:
+        return SetWholeNumber(*this, variant.lVal);
+    case VT_R4:
+        return Set(double(variant.fltVal), C_NF_GENERAL);
+    case VT_R8:
+        return Set(variant.dblVal, C_NF_GENERAL);
+    case VT_CY:
+        return Set(CurrencyOf(variant), C_NF_CURRENCY);
+    case VT_DATE:
+        return SetFromDate(*this, variant.date);
+    case VT_BSTR:
+        return Set(variant.bstrVal);
+    case VT_BOOL:
+        return Set(variant.boolVal ? 1.0 : 0.0, C_NF_BOOL);
+    case VT_UI1:
+        return Set(CString(wchar_t(variant.bVal)));
+    default:
+        return Set(errValue);
     }
 }

@@ -18,8 +18,8 @@ Formats & Table() {
 
 // "$" stands for the currency, "#" for the body and "-" for the sign.
 constexpr wchar_t const * kPositive[] = {L"$#", L"#$", L"$ #", L"# $"};
-constexpr wchar_t const * kNegative[] = {L"($#)", L"-$#", L"$-#", L"$#-", L"(#$)", L"-#$",
-                                         L"#-$",  L"#$-", L"-# $", L"-$ #", L"# $-", L"$ #-",
+constexpr wchar_t const * kNegative[] = {L"($#)", L"-$#",  L"$-#",   L"$#-",  L"(#$)", L"-#$",
+                                         L"#-$",  L"#$-",  L"-# $",  L"-$ #", L"# $-", L"$ #-",
                                          L"$ -#", L"#- $", L"($ #)", L"(# $)"};
 
 // Inside a format a currency such as "kr." would be read as codes; in quotes it stays text. The
@@ -39,9 +39,12 @@ CString Separator(wchar_t unit) {
 CString CurrencyForm(wchar_t const * shape, CLocaleInfo const & locale, CString const & body) {
     CString text;
     for (; *shape; ++shape) {
-        if (*shape == L'$') text += Literal(locale.Item(LOCALE_SCURRENCY));
-        else if (*shape == L'#') text += body;
-        else text += *shape;
+        if (*shape == L'$')
+            text += Literal(locale.Item(LOCALE_SCURRENCY));
+        else if (*shape == L'#')
+            text += body;
+        else
+            text += *shape;
     }
     return text;
 }
@@ -53,7 +56,8 @@ CString CurrencyPair(CLocaleInfo const & locale, wchar_t const * body, wchar_t c
 }
 
 void BuildDates(Formats & formats, CLocaleInfo const & locale) {
-    CString const d = Separator(locale.Get().dateSeparator), t = Separator(locale.Get().timeSeparator);
+    CString const d = Separator(locale.Get().dateSeparator),
+                  t = Separator(locale.Get().timeSeparator);
     CString const date = locale.Item(LOCALE_SSHORTDATE);
     formats[14] = date;
     formats[15] = CString(L"d") + d + L"mmm" + d + L"yy";

@@ -4,10 +4,12 @@
 
 namespace {
 
-constexpr unsigned short kItems[] = {kCellFormatNumber,    kCellFormatNumberType, kCellFormatPrecision,
-                                     kCellFormatCommas,    kCellFormatLock,       kCellFormatHide,
-                                     kCellFormatEditSource, kCellFormatHideError, kCellFormatHideZero};
-constexpr uchar kFlags[] = {kFlagLock, kFlagHide, kFlagEditSource, kFlagErrorHidden, kFlagZeroHidden};
+constexpr unsigned short kItems[] = {
+    kCellFormatNumber,     kCellFormatNumberType, kCellFormatPrecision,
+    kCellFormatCommas,     kCellFormatLock,       kCellFormatHide,
+    kCellFormatEditSource, kCellFormatHideError,  kCellFormatHideZero};
+constexpr uchar kFlags[] = {kFlagLock, kFlagHide, kFlagEditSource, kFlagErrorHidden,
+                            kFlagZeroHidden};
 
 // The five style items stand four bits above their flags.
 constexpr uchar FlagOf(unsigned short item) { return uchar(item >> 4); }
@@ -50,21 +52,31 @@ void CCCellFormat::SetNumberFormat(CCNumberFormat const & format) {
 
 bool CCCellFormat::SameItem(unsigned short item, CCCellFormat const & other) const {
     switch (item) {
-    case kCellFormatNumber: return GetNFmt().IsEqual(cells::invariant_LCTX(), other.GetNFmt());
-    case kCellFormatNumberType: return GetNFType() == other.GetNFType();
-    case kCellFormatPrecision: return GetNFPrecision() == other.GetNFPrecision();
-    case kCellFormatCommas: return GetNFCommas() == other.GetNFCommas();
-    default: return GetFlag(FlagOf(item)) == other.GetFlag(FlagOf(item));
+    case kCellFormatNumber:
+        return GetNFmt().IsEqual(cells::invariant_LCTX(), other.GetNFmt());
+    case kCellFormatNumberType:
+        return GetNFType() == other.GetNFType();
+    case kCellFormatPrecision:
+        return GetNFPrecision() == other.GetNFPrecision();
+    case kCellFormatCommas:
+        return GetNFCommas() == other.GetNFCommas();
+    default:
+        return GetFlag(FlagOf(item)) == other.GetFlag(FlagOf(item));
     }
 }
 
 void CCCellFormat::TakeItem(unsigned short item, CCCellFormat const & other) {
     switch (item) {
-    case kCellFormatNumber: return SetNumberFormat(other.GetNFmt());
-    case kCellFormatNumberType: return SetNFType(other.GetNFType());
-    case kCellFormatPrecision: return SetNFPrecision(other.GetNFPrecision());
-    case kCellFormatCommas: return SetNFCommas(other.GetNFCommas());
-    default: return SetStyle(item, FlagOf(item), other.GetFlag(FlagOf(item)));
+    case kCellFormatNumber:
+        return SetNumberFormat(other.GetNFmt());
+    case kCellFormatNumberType:
+        return SetNFType(other.GetNFType());
+    case kCellFormatPrecision:
+        return SetNFPrecision(other.GetNFPrecision());
+    case kCellFormatCommas:
+        return SetNFCommas(other.GetNFCommas());
+    default:
+        return SetStyle(item, FlagOf(item), other.GetFlag(FlagOf(item)));
     }
 }
 
@@ -160,7 +172,8 @@ void CCCellFormat::set(CCCellFormat const & other) {
     setNoNumF(other);
 }
 
-void CCCellFormat::merge(CCCellFormat const & other, unsigned short mask, unsigned short numberMask) {
+void CCCellFormat::merge(CCCellFormat const & other, unsigned short mask,
+                         unsigned short numberMask) {
     CCNumberFormat format = GetNFmt();
     format.merge(other.GetNFmt(), numberMask);
     PutNFmt(format);
@@ -169,7 +182,8 @@ void CCCellFormat::merge(CCCellFormat const & other, unsigned short mask, unsign
     setNoNumF(masked);
 }
 
-void CCCellFormat::extract(CCCellFormat & out, unsigned short mask, unsigned short numberMask) const {
+void CCCellFormat::extract(CCCellFormat & out, unsigned short mask,
+                           unsigned short numberMask) const {
     CCNumberFormat format = out.GetNFmt();
     GetNFmt().extract(format, numberMask);
     CCCellFormat masked = *this;

@@ -1,12 +1,13 @@
-// CCCellFormat: the format of a cell, protection and hiding flags plus the index of a number format.
+// CCCellFormat: the format of a cell, protection and hiding flags plus the index of a number
+// format.
 //
 // Like a number format it can be partial: the set mask tells which of nine items it holds, and the
 // merge family works item by item. A second mask belongs to the lower-case flag accessors; the two
 // words are independent.
 #pragma once
 
-#include "platform/CInstanceCounter.h"
 #include "format/CCNumberFormat.h"
+#include "platform/CInstanceCounter.h"
 
 class CArchive;
 

@@ -64,15 +64,24 @@ void CCNumberFormat::SetDefault(cells::LCTX * lctx, uchar type) {
     switch (type) {
     case C_NF_NUMBER:
     case C_NF_PERCENT:
-    case C_NF_SCIENTIFIC: SetPrecision(lctx->numberPrecision()); break;
-    case C_NF_CURRENCY: SetPrecision(lctx->currencyPrecision()); break;
-    case C_NF_FRACTION: SetPrecision(0); break;
-    case C_NF_TIME: setTimeRange(1); break;
+    case C_NF_SCIENTIFIC:
+        SetPrecision(lctx->numberPrecision());
+        break;
+    case C_NF_CURRENCY:
+        SetPrecision(lctx->currencyPrecision());
+        break;
+    case C_NF_FRACTION:
+        SetPrecision(0);
+        break;
+    case C_NF_TIME:
+        setTimeRange(1);
+        break;
     case C_NF_DATE:
         m_nOptionsB = lctx->defaultDateFormat();
         m_nSetMask = 0x3B80;
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
@@ -108,8 +117,8 @@ void CCNumberFormat::SetLTString(int mode, int index) {
 }
 
 void CCNumberFormat::GetData(unsigned long & data) const {
-    data = (unsigned(m_nType) << 24) | (unsigned(m_nOptionsA) << 16) | (unsigned(m_nOptionsB) << 8) |
-           (m_nData & 0xFFu);
+    data = (unsigned(m_nType) << 24) | (unsigned(m_nOptionsA) << 16) |
+           (unsigned(m_nOptionsB) << 8) | (m_nData & 0xFFu);
 }
 
 void CCNumberFormat::SetData(unsigned long data) {
@@ -249,14 +258,20 @@ bool CCNumberFormat::IsEqual(cells::LCTX *, CCNumberFormat const & other) const 
     if (m_nType != other.m_nType) return false;
     switch (m_nType) {
     case C_NF_GENERAL:
-    case C_NF_NUMBER: return m_nData == other.m_nData && Agrees(other, kNumberFields);
+    case C_NF_NUMBER:
+        return m_nData == other.m_nData && Agrees(other, kNumberFields);
     case C_NF_CURRENCY:
     case C_NF_PERCENT:
     case C_NF_FRACTION:
-    case C_NF_SCIENTIFIC: return Agrees(other, kNumberFields);
-    case C_NF_TIME: return Agrees(other, kTimeFields);
-    case C_NF_DATE: return m_nData == other.m_nData && Agrees(other, kDateFields);
-    case C_NF_BOOL: return true;
-    default: return false;
+    case C_NF_SCIENTIFIC:
+        return Agrees(other, kNumberFields);
+    case C_NF_TIME:
+        return Agrees(other, kTimeFields);
+    case C_NF_DATE:
+        return m_nData == other.m_nData && Agrees(other, kDateFields);
+    case C_NF_BOOL:
+        return true;
+    default:
+        return false;
     }
 }

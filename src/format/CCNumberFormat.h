@@ -93,9 +93,13 @@ public:
 
     void setType(uchar type) { Store(m_nType, 0xFF, type, kNumberFormatType); }
     void setPrecision(uchar value) { Store(m_nOptionsA, 0x0F, value, kNumberFormatPrecision); }
-    void setCommas(uchar value) { Store(m_nOptionsA, 0x10, uchar(value << 4), kNumberFormatCommas); }
+    void setCommas(uchar value) {
+        Store(m_nOptionsA, 0x10, uchar(value << 4), kNumberFormatCommas);
+    }
     void setNegBr(uchar value) { Store(m_nOptionsA, 0x20, uchar(value << 5), kNumberFormatNegBr); }
-    void setNegRed(uchar value) { Store(m_nOptionsA, 0x40, uchar(value << 6), kNumberFormatNegRed); }
+    void setNegRed(uchar value) {
+        Store(m_nOptionsA, 0x40, uchar(value << 6), kNumberFormatNegRed);
+    }
     void setLTStringMode(uchar value) {
         Store(m_nOptionsA, 0x80, uchar(value << 7), kNumberFormatLTStringMode);
     }
@@ -109,8 +113,12 @@ public:
     void setMonthType(uchar value) {
         Store(m_nOptionsB, 0x18, uchar(value << 3), kNumberFormatMonthType);
     }
-    void setYearType(uchar value) { Store(m_nOptionsB, 0x60, uchar(value << 5), kNumberFormatYearType); }
-    void setMDOrder(uchar value) { Store(m_nOptionsB, 0x80, uchar(value << 7), kNumberFormatMDOrder); }
+    void setYearType(uchar value) {
+        Store(m_nOptionsB, 0x60, uchar(value << 5), kNumberFormatYearType);
+    }
+    void setMDOrder(uchar value) {
+        Store(m_nOptionsB, 0x80, uchar(value << 7), kNumberFormatMDOrder);
+    }
 
     bool isType() const { return Has(kNumberFormatType); }
     bool isPrecision() const { return Has(kNumberFormatPrecision); }
@@ -223,7 +231,8 @@ public:
     void PrintFraction(cells::LCTX * lctx, std::wostream & stream, double value, int raw) const;
     void PrintScientific(cells::LCTX * lctx, std::wostream & stream, double value, int raw) const;
     void PrintTime(cells::LCTX * lctx, std::wostream & stream, double value) const;
-    void PrintTime(cells::LCTX * lctx, std::wostream & stream, int hour, int minute, int second) const;
+    void PrintTime(cells::LCTX * lctx, std::wostream & stream, int hour, int minute,
+                   int second) const;
     void PrintDate(cells::LCTX * lctx, std::wostream & stream, double value) const;
     void PrintDate(cells::LCTX * lctx, std::wostream & stream, int day, int month, int year) const;
     void PrintBool(cells::LCTX * lctx, std::wostream & stream, double value) const;
@@ -239,7 +248,8 @@ public:
 
 protected:
     // Prints the magnitude; signs are the caller's business.
-    void PrintGeneralNumber(cells::LCTX * lctx, std::wostream & stream, double value, int raw) const;
+    void PrintGeneralNumber(cells::LCTX * lctx, std::wostream & stream, double value,
+                            int raw) const;
     void PrintFormatNumber(cells::LCTX * lctx, std::wostream & stream, double value,
                            wchar_t const * pattern, int raw) const;
     void PrintMonth(cells::LCTX * lctx, std::wostream & stream, int month) const;
@@ -267,8 +277,9 @@ private:
     void TakeCustom(CCNumberFormat const & source);
 
     // Printing a fraction holds the precision at 0 for a moment and leaves it marked as set.
-    mutable unsigned short m_nSetMask = kNumberFormatType | kNumberFormatCommas | kNumberFormatNegBr |
-                                kNumberFormatNegRed | kNumberFormatLTStringMode;
+    mutable unsigned short m_nSetMask = kNumberFormatType | kNumberFormatCommas |
+                                        kNumberFormatNegBr | kNumberFormatNegRed |
+                                        kNumberFormatLTStringMode;
     unsigned short m_nData = 0; // LTString index plus 1, or the delimiter of a date
     uchar m_nType = C_NF_GENERAL;
     mutable uchar m_nOptionsA = 0; // precision, commas, negBr, negRed, ltStringMode

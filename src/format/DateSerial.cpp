@@ -48,8 +48,8 @@ bool CheckDate(int day, int month, int year, int maxYear, int minYear) {
 }
 
 bool CheckTime(int hour, int minute, int second, int mode) {
-    return hour >= 0 && minute >= 0 && second >= 0 && hour <= (mode == 1 ? 24 : 12) && minute <= 60 &&
-           second <= 60;
+    return hour >= 0 && minute >= 0 && second >= 0 && hour <= (mode == 1 ? 24 : 12) &&
+           minute <= 60 && second <= 60;
 }
 
 double DateToDouble(int day, int month, int year) {

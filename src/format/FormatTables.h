@@ -20,7 +20,9 @@ public:
     virtual ~FormatTable() = default;
 
     int GetSize() const { return int(m_Records.size()); }
-    Record * GetAt(int index) const { return m_Records[IsInside(index) ? std::size_t(index) : 0].get(); }
+    Record * GetAt(int index) const {
+        return m_Records[IsInside(index) ? std::size_t(index) : 0].get();
+    }
     // Hands out the record, which is the caller's; null out of range.
     Record * RemoveAt(int index) {
         if (!IsInside(index)) return nullptr;
@@ -63,7 +65,9 @@ private:
 inline bool SameNumberFormat(CCNumberFormat const & a, CCNumberFormat const & b) {
     return a.IsEqual(nullptr, b);
 }
-inline bool SameCellFormat(CCCellFormat const & a, CCCellFormat const & b) { return a.IsSame(b) != 0; }
+inline bool SameCellFormat(CCCellFormat const & a, CCCellFormat const & b) {
+    return a.IsSame(b) != 0;
+}
 
 } // namespace cells::internal
 

@@ -37,8 +37,9 @@ struct Settings {
     int dateOrder = 0, dateYearSize = 4, timeRange = 12;
     uchar dateYearPosition = 1, defaultDateFormat = 0x10;
     Text currency = L"$", am = L"AM", pm = L"PM";
-    Text longMonths[12] = {L"January", L"February", L"March",     L"April",   L"May",      L"June",
-                           L"July",    L"August",   L"September", L"October", L"November", L"December"};
+    Text longMonths[12] = {L"January",   L"February", L"March",    L"April",
+                           L"May",       L"June",     L"July",     L"August",
+                           L"September", L"October",  L"November", L"December"};
     Text shortMonths[12] = {L"Jan", L"Feb", L"Mar", L"Apr", L"May", L"Jun",
                             L"Jul", L"Aug", L"Sep", L"Oct", L"Nov", L"Dec"};
 };
@@ -100,7 +101,8 @@ void OpenCLibraryLocale(CString const & name) {
     static locale_t object = nullptr;
     std::string narrow;
     for (wchar_t unit : name.View()) narrow += unit < 0x80 ? char(unit) : '?';
-    int const masks = LC_COLLATE_MASK | LC_CTYPE_MASK | LC_MONETARY_MASK | LC_NUMERIC_MASK | LC_TIME_MASK;
+    int const masks =
+        LC_COLLATE_MASK | LC_CTYPE_MASK | LC_MONETARY_MASK | LC_NUMERIC_MASK | LC_TIME_MASK;
     locale_t const opened = newlocale(masks, narrow.c_str(), nullptr);
     if (!opened) return;
     if (object) freelocale(object);

@@ -44,7 +44,8 @@ CString GetLTStringAt(int index) {
 }
 
 CString GetDefaultLTStrings() {
-    return GetModuleProfileString(kSection, kKey, cells::LoadString(cells::kStringDefaultLTStrings));
+    return GetModuleProfileString(kSection, kKey,
+                                  cells::LoadString(cells::kStringDefaultLTStrings));
 }
 
 void SetDefaultLTStrings(CString & text) { WriteModuleProfileString(kSection, kKey, text); }

@@ -5,7 +5,8 @@
 namespace cells {
 
 LCTX * invariant_LCTX() {
-    static LCTX * const context = new LCTX(kbt::globals::global_environment().locales_cache().invariant());
+    static LCTX * const context =
+        new LCTX(kbt::globals::global_environment().locales_cache().invariant());
     return context;
 }
 

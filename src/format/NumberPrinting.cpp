@@ -24,11 +24,11 @@ constexpr int kNoGroups = 512;       // the group size that stands for none
 
 constexpr wchar_t const * kPosCurrencyFormat[] = {L"$#", L"#$", L"$ #", L"# $"};
 constexpr wchar_t const * kNegNoBrCurrencyFormat[] = {
-    L"-$#", L"-$#", L"$-#", L"$#-", L"-#$", L"-#$", L"#-$", L"#$-",
+    L"-$#",  L"-$#",  L"$-#",  L"$#-",  L"-#$",  L"-#$",  L"#-$",  L"#$-",
     L"-# $", L"-$ #", L"# $-", L"$ #-", L"$ -#", L"#- $", L"-$ #", L"-# $"};
 // With brackets only the place of the currency counts.
 constexpr wchar_t const * kNegBrCurrencyFormat[] = {
-    L"($#)", L"($#)", L"($#)", L"($#)", L"(#$)", L"(#$)", L"(#$)", L"(#$)",
+    L"($#)", L"($#)",  L"($#)",  L"($#)",  L"(#$)",  L"(#$)",  L"(#$)",  L"(#$)",
     L"(#$)", L"($ #)", L"($ #)", L"($ #)", L"($ #)", L"(# $)", L"(# $)", L"(# $)"};
 
 void Widen(std::wstring & out, std::string_view text) { out.assign(text.begin(), text.end()); }
@@ -84,22 +84,36 @@ constexpr wchar_t kYearMark = 0x5E74, kDayMark = 0x65E5;
 
 } // namespace
 
-void CCNumberFormat::Print(cells::LCTX * lctx, std::wostream & stream, double value, int raw) const {
+void CCNumberFormat::Print(cells::LCTX * lctx, std::wostream & stream, double value,
+                           int raw) const {
     if (std::fabs(value) < kPrintedAsZero) value = 0.0;
     switch (m_nType) {
-    case C_NF_GENERAL: return PrintGeneral(lctx, stream, value, raw);
-    case C_NF_NUMBER: return PrintNumber(lctx, stream, value, raw);
-    case C_NF_CURRENCY: return PrintCurrency(lctx, stream, value, raw);
-    case C_NF_PERCENT: return PrintPercent(lctx, stream, value, raw);
-    case C_NF_FRACTION: return PrintFraction(lctx, stream, value, raw);
-    case C_NF_SCIENTIFIC: return PrintScientific(lctx, stream, value, raw);
-    case C_NF_TIME: return PrintTime(lctx, stream, value);
-    case C_NF_DATE: return PrintDate(lctx, stream, value);
-    case C_NF_BOOL: return PrintBool(lctx, stream, value);
-    case C_NF_HEX: return PrintHex(lctx, stream, value);
-    case C_NF_OCT: return PrintOct(lctx, stream, value);
-    case C_NF_BIN: return PrintBin(lctx, stream, value);
-    default: return;
+    case C_NF_GENERAL:
+        return PrintGeneral(lctx, stream, value, raw);
+    case C_NF_NUMBER:
+        return PrintNumber(lctx, stream, value, raw);
+    case C_NF_CURRENCY:
+        return PrintCurrency(lctx, stream, value, raw);
+    case C_NF_PERCENT:
+        return PrintPercent(lctx, stream, value, raw);
+    case C_NF_FRACTION:
+        return PrintFraction(lctx, stream, value, raw);
+    case C_NF_SCIENTIFIC:
+        return PrintScientific(lctx, stream, value, raw);
+    case C_NF_TIME:
+        return PrintTime(lctx, stream, value);
+    case C_NF_DATE:
+        return PrintDate(lctx, stream, value);
+    case C_NF_BOOL:
+        return PrintBool(lctx, stream, value);
+    case C_NF_HEX:
+        return PrintHex(lctx, stream, value);
+    case C_NF_OCT:
+        return PrintOct(lctx, stream, value);
+    case C_NF_BIN:
+        return PrintBin(lctx, stream, value);
+    default:
+        return;
     }
 }
 
@@ -123,8 +137,8 @@ void CCNumberFormat::PrintGeneralNumber(cells::LCTX * lctx, std::wostream & stre
     bool const money = m_nType == C_NF_CURRENCY;
     std::wstring digits;
     Widen(digits, text);
-    std::size_t const whole = SetPoint(
-        digits, money ? lctx->currencyDeciamalSeparartor() : lctx->numberDeciamalSeparartor());
+    std::size_t const whole = SetPoint(digits, money ? lctx->currencyDeciamalSeparartor()
+                                                     : lctx->numberDeciamalSeparartor());
     if (!getCommas()) {
         stream.write(digits.data(), std::streamsize(digits.size()));
         return;
@@ -134,7 +148,8 @@ void CCNumberFormat::PrintGeneralNumber(cells::LCTX * lctx, std::wostream & stre
                  money ? lctx->currencyGroupSize() : lctx->numberGroupSize());
 }
 
-void CCNumberFormat::PrintGeneral(cells::LCTX * lctx, std::wostream & stream, double value, int) const {
+void CCNumberFormat::PrintGeneral(cells::LCTX * lctx, std::wostream & stream, double value,
+                                  int) const {
     DigitText text;
     cells::PrintGeneralDigits(text, value);
     char * const end = text.text + text.length;
@@ -155,7 +170,8 @@ void CCNumberFormat::PrintScientific(cells::LCTX * lctx, std::wostream & stream,
     stream.write(digits.data(), std::streamsize(digits.size()));
 }
 
-void CCNumberFormat::PrintNumber(cells::LCTX * lctx, std::wostream & stream, double value, int raw) const {
+void CCNumberFormat::PrintNumber(cells::LCTX * lctx, std::wostream & stream, double value,
+                                 int raw) const {
     CString ltString = m_nData ? GetLTStringAt(GetLTString()) : CString();
     PrintNumber(lctx, stream, value, ltString, raw);
 }
@@ -192,11 +208,20 @@ void CCNumberFormat::PrintFormatNumber(cells::LCTX * lctx, std::wostream & strea
         switch (*pattern) {
         case L' ':
         case L'(':
-        case L')': stream.put(*pattern); break;
-        case L'#': PrintGeneralNumber(lctx, stream, value, raw); break;
-        case L'$': WriteText(stream, lctx->currencyString()); break;
-        case L'-': WriteText(stream, lctx->negativeSign()); break;
-        default: break;
+        case L')':
+            stream.put(*pattern);
+            break;
+        case L'#':
+            PrintGeneralNumber(lctx, stream, value, raw);
+            break;
+        case L'$':
+            WriteText(stream, lctx->currencyString());
+            break;
+        case L'-':
+            WriteText(stream, lctx->negativeSign());
+            break;
+        default:
+            break;
         }
     }
 }
@@ -210,7 +235,8 @@ void CCNumberFormat::PrintPercent(cells::LCTX * lctx, std::wostream & stream, do
     if (brackets) stream.put(L')');
 }
 
-void CCNumberFormat::PrintFraction(cells::LCTX * lctx, std::wostream & stream, double value, int) const {
+void CCNumberFormat::PrintFraction(cells::LCTX * lctx, std::wostream & stream, double value,
+                                   int) const {
     bool const brackets = value < 0 && getNegBr();
     if (value < 0) WriteText(stream, brackets ? L"(" : lctx->negativeSign());
     double const whole = std::floor(std::fabs(value));
@@ -288,7 +314,8 @@ void CCNumberFormat::PrintDate(cells::LCTX * lctx, std::wostream & stream, int d
                                int year) const {
     g_eastAsianMarks = WantsEastAsianMarks(lctx) && getMonthType() == 0;
     wchar_t const separator = m_nData ? wchar_t(m_nData) : lctx->dateSeparator();
-    bool const blankBetween = separator != lctx->dateSeparator() && separator == lctx->listSeparartor();
+    bool const blankBetween =
+        separator != lctx->dateSeparator() && separator == lctx->listSeparartor();
     auto const writeYearSeparator = [&] {
         if (g_eastAsianMarks || getYearType() == 1 || separator == 0) return;
         stream.put(separator);
@@ -322,10 +349,14 @@ void CCNumberFormat::PrintDate(cells::LCTX * lctx, std::wostream & stream, int d
 
 void CCNumberFormat::PrintMonth(cells::LCTX * lctx, std::wostream & stream, int month) const {
     switch (getMonthType()) {
-    case 0: return WriteText(stream, lctx->dateLongMonths(month));
-    case 1: return WriteText(stream, lctx->dateShortMonths(month));
-    case 2: return WriteDayOrMonth(stream, month, lctx->months2() != 0);
-    default: return;
+    case 0:
+        return WriteText(stream, lctx->dateLongMonths(month));
+    case 1:
+        return WriteText(stream, lctx->dateShortMonths(month));
+    case 2:
+        return WriteDayOrMonth(stream, month, lctx->months2() != 0);
+    default:
+        return;
     }
 }
 

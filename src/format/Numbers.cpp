@@ -43,9 +43,8 @@ int SplitFraction(double value, int kind, int & numerator, int & denominator) {
 
 void SortDoubleArray(double * values, int count) {
     // What is no number stands last, so that the order is strict.
-    std::sort(values, values + std::max(count, 0), [](double a, double b) {
-        return std::isnan(b) ? !std::isnan(a) : a < b;
-    });
+    std::sort(values, values + std::max(count, 0),
+              [](double a, double b) { return std::isnan(b) ? !std::isnan(a) : a < b; });
 }
 
 void GetSimpleNumbers(uchar * bits, int bytes) {

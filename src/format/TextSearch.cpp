@@ -22,7 +22,8 @@ int StrFind(wchar_t const * text, wchar_t const * set) {
     return text && set ? int(std::wcscspn(text, set)) : 0;
 }
 
-wchar_t const * StrStrW(wchar_t const * text, wchar_t const * find, int caseSensitive, int wholeWord) {
+wchar_t const * StrStrW(wchar_t const * text, wchar_t const * find, int caseSensitive,
+                        int wholeWord) {
     if (!text || !find) return nullptr;
     std::size_t const length = std::wcslen(find);
     if (length == 0) return text;

@@ -43,7 +43,8 @@ ushort CCChooseOpFormula::OpenRef(CTX * ctx, CCRef const * current) {
     return handle;
 }
 
-int CCChooseOpFormula::NextValue(CTX * ctx, ushort handle, CCCellValue & value, CCRef const * current) {
+int CCChooseOpFormula::NextValue(CTX * ctx, ushort handle, CCCellValue & value,
+                                 CCRef const * current) {
     return m_pChosen ? m_pChosen->NextValue(ctx, handle, value, current) : 0;
 }
 

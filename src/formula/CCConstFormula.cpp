@@ -9,9 +9,11 @@ namespace {
 
 // A number constant is printed so that it reads back: class 1 and 5 go past the step that shows
 // tiny numbers as zero.
-void PrintConstant(cells::CTX * ctx, std::wostream & stream, CCCellValue const & value, uchar mode) {
+void PrintConstant(cells::CTX * ctx, std::wostream & stream, CCCellValue const & value,
+                   uchar mode) {
     CCNumberFormat const & format = value.GetFormat();
-    bool const plain = value.IsNumber() && std::isfinite(value.GetNumber()) && !format.isCustomFormat();
+    bool const plain =
+        value.IsNumber() && std::isfinite(value.GetNumber()) && !format.isCustomFormat();
     if (plain && format.GetType() == C_NF_NUMBER) {
         CString none;
         format.Print(ctx->lctx(), stream, value.GetNumber(), none, mode & kPrintForEdit);
@@ -42,7 +44,8 @@ int ConstantFormula::InvalidateItem(CTX *, CCItem const *, CCFormula *& out, CCR
     return 0;
 }
 
-int ConstantFormula::UpdateRef(CTX *, CCRef const *, CCRef const *, CCRef const *, int, CCFormula *& out) {
+int ConstantFormula::UpdateRef(CTX *, CCRef const *, CCRef const *, CCRef const *, int,
+                               CCFormula *& out) {
     out = Copy();
     return 0;
 }
@@ -83,7 +86,8 @@ int CCConstFormula::CloseRef(cells::CTX *, ushort, CCRef const *) {
     return 1;
 }
 
-CCConstArrayFormula::CCConstArrayFormula(SCCellValueList * list) : ConstantFormula(kConstArrayFormula) {
+CCConstArrayFormula::CCConstArrayFormula(SCCellValueList * list)
+    : ConstantFormula(kConstArrayFormula) {
     CSize const size = CalcCellValueArraySize(list);
     m_nWidth = size.cx;
     m_nHeight = size.cy;
@@ -121,7 +125,8 @@ void CCConstArrayFormula::Print(cells::CTX * ctx, std::wostream & stream, uchar)
         }
         bool first = true;
         for (int column = 0; column < m_nWidth; ++column) {
-            CCCellValue const & value = m_Values[std::size_t(row) * std::size_t(m_nWidth) + std::size_t(column)];
+            CCCellValue const & value =
+                m_Values[std::size_t(row) * std::size_t(m_nWidth) + std::size_t(column)];
             if (value.IsEmpty() || value.IsRef()) continue;
             if (!first) {
                 stream.put(locale.listSeparartor());

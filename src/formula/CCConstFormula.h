@@ -25,7 +25,8 @@ public:
     int InvalidateItem(CTX *, CCItem const *, CCFormula *& out, CCRef const *) override;
     void MoveFormula(CTX *, CCRef const *, CCRef const *) override {}
     void UpdateInPaste(CTX *, CCRef const *, CCRef const *, CCClipboardData const *) override {}
-    int UpdateRef(CTX *, CCRef const *, CCRef const *, CCRef const *, int, CCFormula *& out) override;
+    int UpdateRef(CTX *, CCRef const *, CCRef const *, CCRef const *, int,
+                  CCFormula *& out) override;
     void Print2File(CTX * ctx, std::wostream & stream, uchar priority) const override;
 };
 
@@ -47,11 +48,14 @@ public:
     int GetType() const override { return kConstFormula; }
     CCFormula * Copy() const override { return new CCConstFormula(*this); }
     int Check(cells::CTX *, CCRef const *) const override { return 0; }
-    void Eval(cells::CTX *, CCCellValue & value, CCRef const *) const override { value.Set(m_Value); }
+    void Eval(cells::CTX *, CCCellValue & value, CCRef const *) const override {
+        value.Set(m_Value);
+    }
     void Print(cells::CTX * ctx, std::wostream & stream, uchar priority) const override;
     int IsSingleValue(cells::CTX *, CCRef const *) override { return 1; }
     ushort OpenRef(cells::CTX * ctx, CCRef const * current) override;
-    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value, CCRef const * current) override;
+    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value,
+                  CCRef const * current) override;
     int RefSize(cells::CTX * ctx, ushort handle, CSize & size, CCRef const * current) override;
     int CloseRef(cells::CTX * ctx, ushort handle, CCRef const * current) override;
     void Read(cells::CTX * ctx, CArchive & ar) override;
@@ -75,12 +79,17 @@ public:
 
     int GetType() const override { return kConstArrayFormula; }
     CCFormula * Copy() const override { return new CCConstArrayFormula(*this); }
-    int Check(cells::CTX *, CCRef const *) const override { return m_Values.empty() ? int(errValue) : 0; }
+    int Check(cells::CTX *, CCRef const *) const override {
+        return m_Values.empty() ? int(errValue) : 0;
+    }
     void Eval(cells::CTX * ctx, CCCellValue & value, CCRef const * current) const override;
     void Print(cells::CTX * ctx, std::wostream & stream, uchar priority) const override;
-    int IsSingleValue(cells::CTX *, CCRef const *) override { return m_nWidth == 1 && m_nHeight == 1; }
+    int IsSingleValue(cells::CTX *, CCRef const *) override {
+        return m_nWidth == 1 && m_nHeight == 1;
+    }
     ushort OpenRef(cells::CTX * ctx, CCRef const * current) override;
-    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value, CCRef const * current) override;
+    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value,
+                  CCRef const * current) override;
     int RefSize(cells::CTX * ctx, ushort handle, CSize & size, CCRef const * current) override;
     int CloseRef(cells::CTX * ctx, ushort handle, CCRef const * current) override;
     void Read(cells::CTX * ctx, CArchive & ar) override;

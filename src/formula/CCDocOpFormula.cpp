@@ -11,7 +11,8 @@ bool CCDocOpFormula::ReadsPositions() const { return HasId(kIdRow) || HasId(kIdC
 
 int CCDocOpFormula::ContainsLink(CTX * ctx, CCRef const * ref, CCRef const * current) const {
     CCDocumentRef document;
-    if (ref && GetFuncDocumentRef(m_pFunc, ctx, document, m_pArgs, current) && ref->IsEqual(&document))
+    if (ref && GetFuncDocumentRef(m_pFunc, ctx, document, m_pArgs, current) &&
+        ref->IsEqual(&document))
         return 1;
     return CCOpFormula::ContainsLink(ctx, ref, current);
 }

@@ -1,7 +1,8 @@
 #include "formula/CCDocumentRef.h"
 
 int CCDocumentRef::IsEqual(CCRef const * other) const {
-    return other && other->GetType() == kRefDocument && IsEqual(*static_cast<CCDocumentRef const *>(other));
+    return other && other->GetType() == kRefDocument &&
+           IsEqual(*static_cast<CCDocumentRef const *>(other));
 }
 
 int CCDocumentRef::Compare(CCRef const * other) const {

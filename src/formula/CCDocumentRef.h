@@ -8,8 +8,8 @@ public:
     // The numbers are the host's; -1 is none.
     enum ECDocRefType : int { kNone = -1 };
 
-    CCDocumentRef() = default;
-    explicit CCDocumentRef(ECDocRefType type) : docType(type) {}
+    CCDocumentRef() : CCRef(kRefDocument) {}
+    explicit CCDocumentRef(ECDocRefType type) : CCRef(kRefDocument), docType(type) {}
 
     void Set(CCDocumentRef const & other) { *this = other; }
     bool IsEqual(CCDocumentRef const & other) const { return docType == other.docType; }

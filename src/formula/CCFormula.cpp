@@ -14,7 +14,8 @@
 void CCFormula::OnSheetRename(CString &, CString &) {}
 void CCFormula::UpdateArgsOnSheetRename(cells::CTX *, CCRemoteRef const *, CCRemoteRef const *) {}
 
-void EvalFormula(cells::CTX * ctx, CCCellValue & value, CCFormula const * formula, CCRef const * current) {
+void EvalFormula(cells::CTX * ctx, CCCellValue & value, CCFormula const * formula,
+                 CCRef const * current) {
     if (!formula) return value.Set(errLegacy);
     if (int const status = formula->Check(ctx, current)) return value.Set(status);
     formula->Eval(ctx, value, current);
@@ -68,7 +69,8 @@ CCRefList * CCFormula::GetPrecedents(cells::CTX * ctx) const {
         if (type == kRefFormula) {
             CCRef const * const ref = static_cast<CCRefFormula const *>(node)->GetRef();
             if (ref) AddFront(list, cells::internal::NewRefNode(ref->Copy(), true));
-        } else if (type == kRefOpFormula && static_cast<CCRefOpFormula const *>(node)->GetTarget()) {
+        } else if (type == kRefOpFormula &&
+                   static_cast<CCRefOpFormula const *>(node)->GetTarget()) {
             AddTarget(ctx, static_cast<CCRefOpFormula const *>(node)->GetTarget(), list);
         } else if (type >= kOpFormula && type <= kDocOpFormula) {
             auto const * args = static_cast<CCOpFormula const *>(node)->GetArgs();

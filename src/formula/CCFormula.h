@@ -69,18 +69,20 @@ public:
     virtual void MoveFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to) = 0;
     virtual void UpdateInPaste(cells::CTX * ctx, CCRef const * oldRef, CCRef const * newRef,
                                CCClipboardData const * clip) = 0;
-    virtual int UpdateRef(cells::CTX * ctx, CCRef const * self, CCRef const * old, CCRef const * now,
-                          int unregister, CCFormula *& out) = 0;
+    virtual int UpdateRef(cells::CTX * ctx, CCRef const * self, CCRef const * old,
+                          CCRef const * now, int unregister, CCFormula *& out) = 0;
     // The walk over the values: a handle (0 is failure), values, the size, the end.
     virtual ushort OpenRef(cells::CTX * ctx, CCRef const * current) = 0;
-    virtual int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value, CCRef const * current) = 0;
+    virtual int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value,
+                          CCRef const * current) = 0;
     virtual int RefSize(cells::CTX * ctx, ushort handle, CSize & size, CCRef const * current) = 0;
     virtual int CloseRef(cells::CTX * ctx, ushort handle, CCRef const * current) = 0;
     virtual void Read(cells::CTX * ctx, CArchive & ar) = 0;
     virtual void Write(cells::CTX * ctx, CArchive & ar) const = 0;
     virtual void OnSheetRename(CString & old, CString & now);
     virtual int ContainsSheetLinks() const { return 0; }
-    virtual void UpdateArgsOnSheetRename(cells::CTX * ctx, CCRemoteRef const * old, CCRemoteRef const * now);
+    virtual void UpdateArgsOnSheetRename(cells::CTX * ctx, CCRemoteRef const * old,
+                                         CCRemoteRef const * now);
     virtual int IsHyperLink() const { return 0; }
 
     // The references that the formula reads, newest first. The list is the caller's.

@@ -13,8 +13,8 @@ cells::HeapText NameOf(CString const & strings) {
 
 } // namespace
 
-void CCFunc::Init(unsigned int id, uchar binding, uchar newKind, uchar group, cells::CheckFn checkFn,
-                  cells::EvalFn evalFn) {
+void CCFunc::Init(unsigned int id, uchar binding, uchar newKind, uchar group,
+                  cells::CheckFn checkFn, cells::EvalFn evalFn) {
     localName = NameOf(cells::LoadString(id));
     englishName = NameOf(cells::LoadEnglishString(id));
     stringId = id;

@@ -39,7 +39,13 @@ using DocumentFn = int (*)(CTX * ctx, CCDocumentRef & document, CCFormulaList co
 } // namespace cells
 
 // What GetType of a function gives; the class of its formula nodes follows from it.
-enum EFuncType : int { kPlainFunc = 1, kChooseFunc = 2, kRemoteFunc = 3, kDocumentFunc = 4, kRefFunc = 5 };
+enum EFuncType : int {
+    kPlainFunc = 1,
+    kChooseFunc = 2,
+    kRemoteFunc = 3,
+    kDocumentFunc = 4,
+    kRefFunc = 5
+};
 
 class CVCELLS_API CCFunc {
 public:
@@ -53,8 +59,8 @@ public:
     void Init(unsigned int id, uchar priority, uchar kind, uchar category, cells::CheckFn check,
               cells::EvalFn eval);
     // Operators: both names are the glyph.
-    void Init(wchar_t const * name, uchar priority, uchar kind, uchar category, cells::CheckFn check,
-              cells::EvalFn eval);
+    void Init(wchar_t const * name, uchar priority, uchar kind, uchar category,
+              cells::CheckFn check, cells::EvalFn eval);
     // Field `field` of the function's string: name, description, argument names.
     bool GetFuncString(CString & out, int field) const;
 
@@ -95,8 +101,8 @@ class CVCELLS_API CCDocumentFunc : public CCFunc {
 public:
     explicit CCDocumentFunc(cells::DocumentFn document = nullptr) : extra(document) {}
     int GetType() const override { return kDocumentFunc; }
-    virtual int GetDocumentRef(cells::CTX * ctx, CCDocumentRef & document, CCFormulaList const * args,
-                               CCRef const * current);
+    virtual int GetDocumentRef(cells::CTX * ctx, CCDocumentRef & document,
+                               CCFormulaList const * args, CCRef const * current);
     cells::DocumentFn extra;
 };
 

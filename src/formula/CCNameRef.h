@@ -9,10 +9,11 @@
 
 class CVCELLS_API CCNameRef : public CCRef {
 public:
-    CCNameRef() = default;
-    explicit CCNameRef(wchar_t const * text) : m_Name(cells::NewHeapText(text)) {}
+    CCNameRef() : CCRef(kRefName) {}
+    explicit CCNameRef(wchar_t const * text) : CCRef(kRefName), m_Name(cells::NewHeapText(text)) {}
     // Copies exactly `length` units, zeros included.
-    CCNameRef(wchar_t const * text, unsigned int length) : m_Name(cells::NewHeapText(text, length)) {}
+    CCNameRef(wchar_t const * text, unsigned int length)
+        : CCRef(kRefName), m_Name(cells::NewHeapText(text, length)) {}
     CCNameRef(CCNameRef const & other) : CCRef(other), m_Name(cells::NewHeapText(other.name())) {}
     CCNameRef & operator=(CCNameRef const & other);
 

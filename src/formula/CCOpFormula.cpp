@@ -109,7 +109,8 @@ int CCOpFormula::InvalidateRef(CTX * ctx, CCRef const * ref, CCFormula *& out, C
     });
 }
 
-int CCOpFormula::InvalidateItem(CTX * ctx, CCItem const * item, CCFormula *& out, CCRef const * self) {
+int CCOpFormula::InvalidateItem(CTX * ctx, CCItem const * item, CCFormula *& out,
+                                CCRef const * self) {
     return RebuildArguments(out, [&](CCFormula & argument, CCFormula *& changed) {
         return argument.InvalidateItem(ctx, item, changed, self);
     });
@@ -166,10 +167,12 @@ int CCOpFormula::CloseRef(CTX *, ushort, CCRef const *) {
 }
 
 void CCOpFormula::OnSheetRename(CString & old, CString & now) {
-    for (CCFormulaList const * item = m_pArgs; item; item = item->next) item->formula->OnSheetRename(old, now);
+    for (CCFormulaList const * item = m_pArgs; item; item = item->next)
+        item->formula->OnSheetRename(old, now);
 }
 
-void CCOpFormula::UpdateArgsOnSheetRename(CTX * ctx, CCRemoteRef const * old, CCRemoteRef const * now) {
+void CCOpFormula::UpdateArgsOnSheetRename(CTX * ctx, CCRemoteRef const * old,
+                                          CCRemoteRef const * now) {
     for (CCFormulaList const * item = m_pArgs; item; item = item->next)
         item->formula->UpdateArgsOnSheetRename(ctx, old, now);
 }
@@ -200,7 +203,9 @@ void CCOpFormula::PrintWith(CTX * ctx, std::wostream & stream, uchar priority, w
         list(ctx, stream, m_pArgs, own, 0);
         WriteText(stream, name);
         break;
-    case kInfix: PrintInfix(ctx, stream, name, node); break;
+    case kInfix:
+        PrintInfix(ctx, stream, name, node);
+        break;
     default:
         WriteText(stream, name);
         list(ctx, stream, m_pArgs, 0, 1);
@@ -209,7 +214,8 @@ void CCOpFormula::PrintWith(CTX * ctx, std::wostream & stream, uchar priority, w
 }
 
 // Operators of one strength group from the left, so that one on the right keeps its brackets.
-void CCOpFormula::PrintInfix(CTX * ctx, std::wostream & stream, wchar_t const * name, PrintNode node) const {
+void CCOpFormula::PrintInfix(CTX * ctx, std::wostream & stream, wchar_t const * name,
+                             PrintNode node) const {
     uchar const own = m_pFunc->priority;
     for (CCFormulaList const * item = m_pArgs; item; item = item->next) {
         if (item == m_pArgs) {

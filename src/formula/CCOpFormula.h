@@ -16,8 +16,8 @@ public:
     CCOpFormula(CCOpFormula const & other);
     ~CCOpFormula() override;
 
-    CCFunc * GetFunc() const { return m_pFunc; }          // not owned; null after reading an unknown name
-    CCFormulaList * GetArgs() const { return m_pArgs; }   // borrowed
+    CCFunc * GetFunc() const { return m_pFunc; } // not owned; null after reading an unknown name
+    CCFormulaList * GetArgs() const { return m_pArgs; } // borrowed
     bool HasId(unsigned int id) const { return m_pFunc && m_pFunc->stringId == id; }
 
     int GetType() const override { return kOpFormula; }
@@ -35,7 +35,8 @@ public:
     int IsSingleValue(cells::CTX *, CCRef const *) override { return 1; }
     int RegisterDependents(cells::CTX * ctx, CCRef const * dependent) const override;
     void UnRegisterDependents(cells::CTX * ctx, CCRef const * dependent) const override;
-    int InvalidateRef(cells::CTX * ctx, CCRef const * ref, CCFormula *& out, CCRef const * self) override;
+    int InvalidateRef(cells::CTX * ctx, CCRef const * ref, CCFormula *& out,
+                      CCRef const * self) override;
     int InvalidateItem(cells::CTX * ctx, CCItem const * item, CCFormula *& out,
                        CCRef const * self) override;
     void MoveFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to) override;
@@ -44,14 +45,16 @@ public:
     int UpdateRef(cells::CTX * ctx, CCRef const * self, CCRef const * old, CCRef const * now,
                   int unregister, CCFormula *& out) override;
     ushort OpenRef(cells::CTX * ctx, CCRef const * current) override;
-    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value, CCRef const * current) override;
+    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value,
+                  CCRef const * current) override;
     int RefSize(cells::CTX * ctx, ushort handle, CSize & size, CCRef const * current) override;
     int CloseRef(cells::CTX * ctx, ushort handle, CCRef const * current) override;
     void Read(cells::CTX * ctx, CArchive & ar) override;
     void Write(cells::CTX * ctx, CArchive & ar) const override;
     void OnSheetRename(CString & old, CString & now) override;
     int ContainsSheetLinks() const override;
-    void UpdateArgsOnSheetRename(cells::CTX * ctx, CCRemoteRef const * old, CCRemoteRef const * now) override;
+    void UpdateArgsOnSheetRename(cells::CTX * ctx, CCRemoteRef const * old,
+                                 CCRemoteRef const * now) override;
     int IsHyperLink() const override;
 
     bool IsOpen() const { return m_nOpen != 0; }
@@ -59,7 +62,9 @@ public:
 protected:
     CCOpFormula(EFormulaType kind, CCFunc * func, CCFormulaList * args);
     // A node of the same class over new arguments, which keeps what the class remembers.
-    virtual CCOpFormula * Rebuild(CCFormulaList * args) const { return new CCOpFormula(m_pFunc, args); }
+    virtual CCOpFormula * Rebuild(CCFormulaList * args) const {
+        return new CCOpFormula(m_pFunc, args);
+    }
     // Runs `change` on every argument and rebuilds the node of what it hands out.
     template <typename Change>
     int RebuildArguments(CCFormula *& out, Change && change) const;
@@ -73,7 +78,8 @@ private:
     using PrintList = void (*)(cells::CTX *, std::wostream &, CCFormulaList const *, uchar, int);
     void PrintWith(cells::CTX * ctx, std::wostream & stream, uchar priority, wchar_t const * name,
                    PrintNode node, PrintList list) const;
-    void PrintInfix(cells::CTX * ctx, std::wostream & stream, wchar_t const * name, PrintNode node) const;
+    void PrintInfix(cells::CTX * ctx, std::wostream & stream, wchar_t const * name,
+                    PrintNode node) const;
     void CloseArguments(cells::CTX * ctx, CCRef const * current) const;
 };
 
@@ -81,7 +87,8 @@ private:
 class CVCELLS_API CCChooseOpFormula : public CCOpFormula {
 public:
     CCChooseOpFormula() : CCChooseOpFormula(nullptr, nullptr) {}
-    CCChooseOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(kChooseOpFormula, func, args) {}
+    CCChooseOpFormula(CCFunc * func, CCFormulaList * args)
+        : CCOpFormula(kChooseOpFormula, func, args) {}
     CCChooseOpFormula(CCChooseOpFormula const & other) : CCOpFormula(other) {}
 
     int GetType() const override { return kChooseOpFormula; }
@@ -91,7 +98,8 @@ public:
     CCRef const * GetEditSourceRef(cells::CTX * ctx, CCRef const * current) const override;
     int IsSingleValue(cells::CTX * ctx, CCRef const * current) override;
     ushort OpenRef(cells::CTX * ctx, CCRef const * current) override;
-    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value, CCRef const * current) override;
+    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value,
+                  CCRef const * current) override;
     int RefSize(cells::CTX * ctx, ushort handle, CSize & size, CCRef const * current) override;
     int CloseRef(cells::CTX * ctx, ushort handle, CCRef const * current) override;
 
@@ -121,7 +129,9 @@ public:
     void MoveFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to) override;
 
 protected:
-    CCOpFormula * Rebuild(CCFormulaList * args) const override { return new CCDocOpFormula(m_pFunc, args); }
+    CCOpFormula * Rebuild(CCFormulaList * args) const override {
+        return new CCDocOpFormula(m_pFunc, args);
+    }
 
 private:
     bool ReadsPositions() const;
@@ -133,7 +143,8 @@ CVCELLS_API CCFormula * ConstructOpFormula(CCFunc * func, CCFormulaList * args);
 CVCELLS_API CCFormula * ConstructOpFormula(CCFunc * func);
 CVCELLS_API CCFormula * ConstructOpFormula(CCFunc * func, CCFormula * a);
 CVCELLS_API CCFormula * ConstructOpFormula(CCFunc * func, CCFormula * a, CCFormula * b);
-CVCELLS_API CCFormula * ConstructOpFormula(CCFunc * func, CCFormula * a, CCFormula * b, CCFormula * c);
+CVCELLS_API CCFormula * ConstructOpFormula(CCFunc * func, CCFormula * a, CCFormula * b,
+                                           CCFormula * c);
 CVCELLS_API CCFormula * ConstructOpFormula(CCFunc * func, wchar_t * name);
 CVCELLS_API CCFormula * ConstructOpFormula(CCFunc * func, wchar_t * first, wchar_t * second);
 CVCELLS_API CCFormula * ConstructOpFormula(CCFunc * func, char const * name);

@@ -1,11 +1,12 @@
 #include "formula/CCRCRef.h"
 
 #include "formula/Clipboard.h"
-#include "formula/ReferenceText.h"
 #include "formula/HandOver.h"
+#include "formula/ReferenceText.h"
 
 int CCRCRef::IsEqual(CCRef const * other) const {
-    return other && other->GetType() == kRefCell && AreRCEqual(*this, *static_cast<CCRCRef const *>(other));
+    return other && other->GetType() == kRefCell &&
+           AreRCEqual(*this, *static_cast<CCRCRef const *>(other));
 }
 
 void CCRCRef::Print(cells::CTX *, std::wostream & stream, uchar mode) const {

@@ -55,7 +55,8 @@ void CCRef3D::Borrow(unsigned long long sheetKey, CCRef * inner) {
     ref = inner;
     m_bBorrowed = true;
     m_bManagerForm = sheetKey >> 32 != 0;
-    m_nManager = m_bManagerForm ? cells::internal::ManagerSerial(sheetKey) : cells::internal::kNoManager;
+    m_nManager =
+        m_bManagerForm ? cells::internal::ManagerSerial(sheetKey) : cells::internal::kNoManager;
     firstSheet = m_bManagerForm ? ushort(0) : ushort(sheetKey);
     lastSheet = m_bManagerForm ? ushort(0) : ushort(sheetKey >> 16);
 }
@@ -148,8 +149,8 @@ int CCRef3D::UnRegisterDependent(cells::CTX * ctx, CCRef const * dependent) {
     if (IsOneSheet() && SheetManager(ctx, firstSheet) == own)
         return own ? own->UnRegisterDependent(ref, dependent) : 0;
     std::unique_ptr<CCRef> const wrapped(cells::internal::MakeDependentRef(ctx, dependent));
-    std::unique_ptr<CCRef> const translated(IsOneSheet() || !own ? nullptr
-                                                                 : own->TranslateToSheetRef(dependent));
+    std::unique_ptr<CCRef> const translated(
+        IsOneSheet() || !own ? nullptr : own->TranslateToSheetRef(dependent));
     ushort const last = IsOneSheet() ? firstSheet : lastSheet;
     int all = 1;
     for (int sheet = firstSheet; sheet <= last; ++sheet) {

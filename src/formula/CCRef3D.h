@@ -35,7 +35,8 @@ public:
     bool IsManagerForm() const { return m_bManagerForm; }
     CCCellManager * GetManager() const; // null in the number form, and for a dead manager
     bool IsOneSheet() const { return m_bManagerForm || lastSheet == 0 || lastSheet == firstSheet; }
-    // What orders references of this class: both numbers, or the manager's place behind all numbers.
+    // What orders references of this class: both numbers, or the manager's place behind all
+    // numbers.
     unsigned long long SheetKey() const;
     // Lends the object an inner reference and the sheets of a key; it then owns nothing.
     void Borrow(unsigned long long sheetKey, CCRef * inner);

@@ -24,7 +24,8 @@ CCRefFormula::CCRefFormula(uchar left, ushort top, uchar right, ushort bottom, u
     : CCFormula(kRefFormula), m_Ref(new CCRegionRef(left, top, right, bottom)), m_nMode(mode) {}
 
 CCRefFormula::CCRefFormula(CCRefFormula const & other)
-    : CCFormula(other), m_Ref(other.m_Ref ? other.m_Ref->Copy() : nullptr), m_nMode(other.m_nMode) {}
+    : CCFormula(other), m_Ref(other.m_Ref ? other.m_Ref->Copy() : nullptr), m_nMode(other.m_nMode) {
+}
 
 int CCRefFormula::Check(cells::CTX * ctx, CCRef const *) const {
     if (!m_bChecked) m_bChecked = m_Ref && m_Ref->IsValid(ctx) == 1;
@@ -61,7 +62,8 @@ int CCRefFormula::ContainsRemoteLinks() {
 }
 
 int CCRefFormula::ContainsSheetLinks() const {
-    return m_Ref && m_Ref->GetType() == kRefRemote && static_cast<CCRemoteRef *>(m_Ref.get())->IsSheetLink();
+    return m_Ref && m_Ref->GetType() == kRefRemote &&
+           static_cast<CCRemoteRef *>(m_Ref.get())->IsSheetLink();
 }
 
 int CCRefFormula::IsSingleValue(cells::CTX * ctx, CCRef const *) {
@@ -97,7 +99,8 @@ bool IsItemGone(cells::CTX * ctx, CCRef const * ref, CCItem const * item) {
 
 } // namespace
 
-int CCRefFormula::InvalidateItem(cells::CTX * ctx, CCItem const * item, CCFormula *& out, CCRef const *) {
+int CCRefFormula::InvalidateItem(cells::CTX * ctx, CCItem const * item, CCFormula *& out,
+                                 CCRef const *) {
     bool const gone = IsItemGone(ctx, m_Ref.get(), item);
     out = gone ? new CCConstFormula(errRef) : Copy();
     return gone;
@@ -117,8 +120,8 @@ void CCRefFormula::UpdateInPaste(cells::CTX * ctx, CCRef const * oldRef, CCRef c
         m_Ref->Update(ctx, oldRef, newRef, m_nMode);
 }
 
-int CCRefFormula::UpdateRef(cells::CTX * ctx, CCRef const * self, CCRef const * old, CCRef const * now,
-                            int unregister, CCFormula *& out) {
+int CCRefFormula::UpdateRef(cells::CTX * ctx, CCRef const * self, CCRef const * old,
+                            CCRef const * now, int unregister, CCFormula *& out) {
     if (!m_Ref || !old || !m_Ref->IsEqual(old)) {
         out = Copy();
         return 0;

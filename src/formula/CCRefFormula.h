@@ -33,7 +33,8 @@ public:
     int IsSingleValue(cells::CTX * ctx, CCRef const * current) override;
     int RegisterDependents(cells::CTX * ctx, CCRef const * dependent) const override;
     void UnRegisterDependents(cells::CTX * ctx, CCRef const * dependent) const override;
-    int InvalidateRef(cells::CTX * ctx, CCRef const * ref, CCFormula *& out, CCRef const * self) override;
+    int InvalidateRef(cells::CTX * ctx, CCRef const * ref, CCFormula *& out,
+                      CCRef const * self) override;
     int InvalidateItem(cells::CTX * ctx, CCItem const * item, CCFormula *& out,
                        CCRef const * self) override;
     void MoveFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to) override;
@@ -42,14 +43,16 @@ public:
     int UpdateRef(cells::CTX * ctx, CCRef const * self, CCRef const * old, CCRef const * now,
                   int unregister, CCFormula *& out) override;
     ushort OpenRef(cells::CTX * ctx, CCRef const * current) override;
-    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value, CCRef const * current) override;
+    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value,
+                  CCRef const * current) override;
     int RefSize(cells::CTX * ctx, ushort handle, CSize & size, CCRef const * current) override;
     int CloseRef(cells::CTX * ctx, ushort handle, CCRef const * current) override;
     void Read(cells::CTX * ctx, CArchive & ar) override;
     void Write(cells::CTX * ctx, CArchive & ar) const override;
     void OnSheetRename(CString & old, CString & now) override;
     int ContainsSheetLinks() const override;
-    void UpdateArgsOnSheetRename(cells::CTX * ctx, CCRemoteRef const * old, CCRemoteRef const * now) override;
+    void UpdateArgsOnSheetRename(cells::CTX * ctx, CCRemoteRef const * old,
+                                 CCRemoteRef const * now) override;
 
     friend CVCELLS_API void SwapFormulaRefs(CCRefFormula * a, CCRefFormula * b);
 

@@ -44,7 +44,7 @@ void RemoveMembers(CCRefList ** into, Test && isMember) {
             into = &node->m_pNext;
         }
     }
-    }
+}
 
 } // namespace
 
@@ -90,6 +90,7 @@ void RefListFree(CCRefList * list, int deleteAll) {
 
 CCRefList * CopyRefList(CCRefList const * list) {
     cells::internal::RefListBuilder copy;
-    for (; list; list = list->m_pNext) copy.Add(list->m_pRef ? list->m_pRef->Copy() : nullptr, true);
+    for (; list; list = list->m_pNext)
+        copy.Add(list->m_pRef ? list->m_pRef->Copy() : nullptr, true);
     return copy.Release();
 }

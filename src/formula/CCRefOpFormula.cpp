@@ -39,7 +39,9 @@ CCOpFormula * CCRefOpFormula::Rebuild(CCFormulaList * args) const {
     return node;
 }
 
-bool CCRefOpFormula::IsFullRef() const { return m_pFunc && m_pFunc == OperatorObject(Operator::kFullRef); }
+bool CCRefOpFormula::IsFullRef() const {
+    return m_pFunc && m_pFunc == OperatorObject(Operator::kFullRef);
+}
 
 bool CCRefOpFormula::NamesPlace() const {
     return IsFullRef() || (m_pFunc && (m_pFunc == OperatorObject(Operator::kRange) ||
@@ -115,7 +117,8 @@ int CCRefOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) const
     CCCellManager * const manager = ctx->manager();
     auto & sheets = *static_cast<CCRef3D *>(m_Target.get());
     if (IsFullRef() && manager)
-        if (CCCellManager * sheet = manager->GetManForNameIndex(sheets.firstSheet)) Listen(ctx, sheet);
+        if (CCCellManager * sheet = manager->GetManForNameIndex(sheets.firstSheet))
+            Listen(ctx, sheet);
     return sheets.RegisterDependent(ctx, dependent);
 }
 
@@ -144,7 +147,8 @@ bool CCRefOpFormula::IsPlaceOf(CTX * ctx, CCRef const * ref) const {
            ctx->manager()->GetManForNameIndex(own.firstSheet) == place.GetManager();
 }
 
-int CCRefOpFormula::InvalidateRef(CTX * ctx, CCRef const * ref, CCFormula *& out, CCRef const * self) {
+int CCRefOpFormula::InvalidateRef(CTX * ctx, CCRef const * ref, CCFormula *& out,
+                                  CCRef const * self) {
     if (!IsPlaceOf(ctx, ref)) return CCOpFormula::InvalidateRef(ctx, ref, out, self);
     out = new CCConstFormula(errValue);
     return 1;
@@ -155,7 +159,9 @@ int CCRefOpFormula::UpdateRef(CTX * ctx, CCRef const * self, CCRef const * old, 
     if (!IsPlaceOf(ctx, old)) return CCOpFormula::UpdateRef(ctx, self, old, now, unregister, out);
     if (unregister) m_Target->UnRegisterDependent(ctx, self);
     CCFormula const * const part = m_pArgs->next->formula;
-    uchar const mode = part->GetType() == kRefFormula ? static_cast<CCRefFormula const *>(part)->GetMode() : uchar(0);
+    uchar const mode = part->GetType() == kRefFormula
+                           ? static_cast<CCRefFormula const *>(part)->GetMode()
+                           : uchar(0);
     out = ConstructOpFormula(m_pFunc, m_pArgs->formula->Copy(),
                              new CCRefFormula(internal::InnerRef(now), mode));
     return 1;
@@ -191,8 +197,8 @@ bool CCRefOpFormula::OnEvent(CCBaseEvent const & event) {
             operand = static_cast<CCOpFormula *>(operand->formula)->GetArgs();
         if (!operand) return true;
         delete operand->formula;
-        operand->formula =
-            new CCRefFormula(static_cast<CCSheetRenameEvent const &>(event).m_strNew.GetString(), 0);
+        operand->formula = new CCRefFormula(
+            static_cast<CCSheetRenameEvent const &>(event).m_strNew.GetString(), 0);
     } else if (event.GetId() == CCBaseEvent::kDestroySheet) {
         m_Target.reset();
         m_Registered.reset();

@@ -29,14 +29,16 @@ public:
     int IsSingleValue(cells::CTX * ctx, CCRef const * current) override;
     int RegisterDependents(cells::CTX * ctx, CCRef const * dependent) const override;
     void UnRegisterDependents(cells::CTX * ctx, CCRef const * dependent) const override;
-    int InvalidateRef(cells::CTX * ctx, CCRef const * ref, CCFormula *& out, CCRef const * self) override;
+    int InvalidateRef(cells::CTX * ctx, CCRef const * ref, CCFormula *& out,
+                      CCRef const * self) override;
     void MoveFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to) override;
     void UpdateInPaste(cells::CTX * ctx, CCRef const * oldRef, CCRef const * newRef,
                        CCClipboardData const * clip) override;
     int UpdateRef(cells::CTX * ctx, CCRef const * self, CCRef const * old, CCRef const * now,
                   int unregister, CCFormula *& out) override;
     ushort OpenRef(cells::CTX * ctx, CCRef const * current) override;
-    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value, CCRef const * current) override;
+    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value,
+                  CCRef const * current) override;
     int CloseRef(cells::CTX * ctx, ushort handle, CCRef const * current) override;
 
 protected:

@@ -16,7 +16,9 @@ CRect RectOf(CCRegionRef const & region) {
     return rect;
 }
 
-bool HoldsColumns(CRect const & a, CRect const & b) { return a.left <= b.left && b.right <= a.right; }
+bool HoldsColumns(CRect const & a, CRect const & b) {
+    return a.left <= b.left && b.right <= a.right;
+}
 bool HoldsRows(CRect const & a, CRect const & b) { return a.top <= b.top && b.bottom <= a.bottom; }
 bool Holds(CRect const & a, CRect const & b) { return HoldsColumns(a, b) && HoldsRows(a, b); }
 
@@ -86,7 +88,8 @@ void CCRegionRef::UpdateInPaste(cells::CTX *, CCClipboardData const * clip) {
 
 int CCRegionRef::IsInside(CCRef const * other) const {
     if (!other) return 0;
-    if (other->GetType() == kRefRegion) return ::Contain(*static_cast<CCRegionRef const *>(other), *this);
+    if (other->GetType() == kRefRegion)
+        return ::Contain(*static_cast<CCRegionRef const *>(other), *this);
     if (other->GetType() != kRefCell) return cells::internal::AskContain(other, this);
     auto const & cell = *static_cast<CCRCRef const *>(other);
     return IsSingle() && left == cell.col && top == cell.row;
@@ -96,7 +99,8 @@ int CCRegionRef::IsInside(CRect const & rect) const { return ::Contain(rect, *th
 
 int CCRegionRef::Contain(CCRef const * other) const {
     if (!other) return 0;
-    if (other->GetType() == kRefRegion) return ::Contain(*this, *static_cast<CCRegionRef const *>(other));
+    if (other->GetType() == kRefRegion)
+        return ::Contain(*this, *static_cast<CCRegionRef const *>(other));
     if (other->GetType() == kRefCell) return other->IsInside(RectOf(*this));
     return cells::internal::AskIsInside(other, this);
 }
@@ -126,7 +130,11 @@ bool Contain(CCRegionRef const & a, CRect const & b) { return Holds(RectOf(a), b
 bool Contain(CCRegionRef const & a, CCRegionRef const & b) { return Holds(RectOf(a), RectOf(b)); }
 bool ContainH(CRect const & a, CCRegionRef const & b) { return HoldsColumns(a, RectOf(b)); }
 bool ContainH(CCRegionRef const & a, CRect const & b) { return HoldsColumns(RectOf(a), b); }
-bool ContainH(CCRegionRef const & a, CCRegionRef const & b) { return HoldsColumns(RectOf(a), RectOf(b)); }
+bool ContainH(CCRegionRef const & a, CCRegionRef const & b) {
+    return HoldsColumns(RectOf(a), RectOf(b));
+}
 bool ContainV(CRect const & a, CCRegionRef const & b) { return HoldsRows(a, RectOf(b)); }
 bool ContainV(CCRegionRef const & a, CRect const & b) { return HoldsRows(RectOf(a), b); }
-bool ContainV(CCRegionRef const & a, CCRegionRef const & b) { return HoldsRows(RectOf(a), RectOf(b)); }
+bool ContainV(CCRegionRef const & a, CCRegionRef const & b) {
+    return HoldsRows(RectOf(a), RectOf(b));
+}

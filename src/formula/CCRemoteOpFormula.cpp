@@ -65,7 +65,8 @@ int CCRemoteOpFormula::IsEditSourceRef(CTX * ctx, CCRef const * current) const {
 
 CCRef const * CCRemoteOpFormula::GetEditSourceRef(CTX * ctx, CCRef const * current) const {
     CCRemoteRef remote;
-    if (YieldsOneValue() || !NamesLink(ctx, remote, current) || !remote.IsSingleValue(ctx)) return nullptr;
+    if (YieldsOneValue() || !NamesLink(ctx, remote, current) || !remote.IsSingleValue(ctx))
+        return nullptr;
     return remote.Copy();
 }
 
@@ -95,25 +96,29 @@ int CCRemoteOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) co
 
 void CCRemoteOpFormula::UnRegisterDependents(CTX * ctx, CCRef const * dependent) const {
     CCOpFormula::UnRegisterDependents(ctx, dependent);
-    if (CCCellManager * manager = ctx->manager()) manager->DoRemoteUnRegisterDependent(&m_Remote, dependent);
+    if (CCCellManager * manager = ctx->manager())
+        manager->DoRemoteUnRegisterDependent(&m_Remote, dependent);
 }
 
-int CCRemoteOpFormula::InvalidateRef(CTX * ctx, CCRef const * ref, CCFormula *& out, CCRef const * self) {
+int CCRemoteOpFormula::InvalidateRef(CTX * ctx, CCRef const * ref, CCFormula *& out,
+                                     CCRef const * self) {
     if (!ref || !ref->IsEqual(&m_Remote)) return CCOpFormula::InvalidateRef(ctx, ref, out, self);
     CCOpFormula::UnRegisterDependents(ctx, self);
     out = new CCConstFormula(errValue);
     return 1;
 }
 
-int CCRemoteOpFormula::InvalidateItem(CTX *, CCItem const *, CCFormula *&, CCRef const *) { return 0; }
+int CCRemoteOpFormula::InvalidateItem(CTX *, CCItem const *, CCFormula *&, CCRef const *) {
+    return 0;
+}
 
 void CCRemoteOpFormula::MoveFormula(CTX * ctx, CCRef const * from, CCRef const * to) {
     CCOpFormula::MoveFormula(ctx, from, to);
     if (CCCellManager * manager = ctx->manager()) manager->DoRemoteMoveFormula(&m_Remote, from, to);
 }
 
-int CCRemoteOpFormula::UpdateRef(CTX * ctx, CCRef const * self, CCRef const * old, CCRef const * now,
-                                 int unregister, CCFormula *& out) {
+int CCRemoteOpFormula::UpdateRef(CTX * ctx, CCRef const * self, CCRef const * old,
+                                 CCRef const * now, int unregister, CCFormula *& out) {
     if (!old || !old->IsEqual(&m_Remote))
         return CCOpFormula::UpdateRef(ctx, self, old, now, unregister, out);
     CCCellManager * const manager = ctx->manager();
@@ -121,7 +126,8 @@ int CCRemoteOpFormula::UpdateRef(CTX * ctx, CCRef const * self, CCRef const * ol
     CCOpFormula::UnRegisterDependents(ctx, self);
     if (now && now->GetType() == kRefRemote) {
         auto const & remote = *static_cast<CCRemoteRef const *>(now);
-        out = ConstructOpFormula(m_pFunc, TextConstant(remote.document()), TextConstant(remote.item()));
+        out = ConstructOpFormula(m_pFunc, TextConstant(remote.document()),
+                                 TextConstant(remote.item()));
     } else {
         out = new CCRefFormula(now, 0);
     }
@@ -134,7 +140,8 @@ ushort CCRemoteOpFormula::OpenRef(CTX * ctx, CCRef const * current) {
     return NamesLink(ctx, remote, current) ? remote.OpenRef(ctx) : ushort(0);
 }
 
-int CCRemoteOpFormula::NextValue(CTX * ctx, ushort handle, CCCellValue & value, CCRef const * current) {
+int CCRemoteOpFormula::NextValue(CTX * ctx, ushort handle, CCCellValue & value,
+                                 CCRef const * current) {
     if (YieldsOneValue()) return CCOpFormula::NextValue(ctx, handle, value, current);
     CCRemoteRef remote;
     return NamesLink(ctx, remote, current) ? remote.NextValue(ctx, handle, value) : 0;

@@ -8,8 +8,10 @@
 class CVCELLS_API CCRemoteOpFormula : public CCOpFormula {
 public:
     CCRemoteOpFormula() : CCRemoteOpFormula(nullptr, nullptr) {}
-    CCRemoteOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(kRemoteOpFormula, func, args) {}
-    CCRemoteOpFormula(CCRemoteOpFormula const & other) : CCOpFormula(other), m_Remote(other.m_Remote) {}
+    CCRemoteOpFormula(CCFunc * func, CCFormulaList * args)
+        : CCOpFormula(kRemoteOpFormula, func, args) {}
+    CCRemoteOpFormula(CCRemoteOpFormula const & other)
+        : CCOpFormula(other), m_Remote(other.m_Remote) {}
 
     CCRemoteRef * GetRemoteRef() const { return new CCRemoteRef(m_Remote); } // the caller's
     CCRemoteRef const & Remote() const { return m_Remote; }
@@ -28,14 +30,16 @@ public:
     int IsSingleValue(cells::CTX * ctx, CCRef const * current) override;
     int RegisterDependents(cells::CTX * ctx, CCRef const * dependent) const override;
     void UnRegisterDependents(cells::CTX * ctx, CCRef const * dependent) const override;
-    int InvalidateRef(cells::CTX * ctx, CCRef const * ref, CCFormula *& out, CCRef const * self) override;
+    int InvalidateRef(cells::CTX * ctx, CCRef const * ref, CCFormula *& out,
+                      CCRef const * self) override;
     int InvalidateItem(cells::CTX * ctx, CCItem const * item, CCFormula *& out,
                        CCRef const * self) override;
     void MoveFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to) override;
     int UpdateRef(cells::CTX * ctx, CCRef const * self, CCRef const * old, CCRef const * now,
                   int unregister, CCFormula *& out) override;
     ushort OpenRef(cells::CTX * ctx, CCRef const * current) override;
-    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value, CCRef const * current) override;
+    int NextValue(cells::CTX * ctx, ushort handle, CCCellValue & value,
+                  CCRef const * current) override;
     int RefSize(cells::CTX * ctx, ushort handle, CSize & size, CCRef const * current) override;
     int CloseRef(cells::CTX * ctx, ushort handle, CCRef const * current) override;
     void Read(cells::CTX * ctx, CArchive & ar) override;

@@ -17,7 +17,8 @@ using Translated = std::unique_ptr<CCRemoteRef>;
 // How the peer knows a place of this document: as a sheet of the workbook where it takes the
 // document's name for one, else as a document.
 Translated TranslateFor(CCCellManager & manager, CCRemoteRef const & peer, CCRef const * ref) {
-    if (manager.IsValidSheetName(peer.document())) return Translated(manager.TranslateToSheetRef(ref));
+    if (manager.IsValidSheetName(peer.document()))
+        return Translated(manager.TranslateToSheetRef(ref));
     return Translated(manager.TranslateToRemoteRef(ref));
 }
 

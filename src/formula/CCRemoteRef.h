@@ -10,9 +10,9 @@
 
 class CVCELLS_API CCRemoteRef : public CCRef {
 public:
-    CCRemoteRef() = default;
+    CCRemoteRef() : CCRef(kRefRemote) {}
     CCRemoteRef(CString const & documentText, CString const & itemText)
-        : m_strDocument(documentText), m_strReference(itemText) {}
+        : CCRef(kRefRemote), m_strDocument(documentText), m_strReference(itemText) {}
 
     void Set(CCRemoteRef const & other) { *this = other; }
     void Clear();

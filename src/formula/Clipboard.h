@@ -5,9 +5,9 @@
 #include "platform/Types.h"
 
 struct CCClipboardData {
-    int mode = 0;          // 1: references outside the source are updated as well
-    CRect source;          // the copied rectangle
-    uchar col = 0;         // the destination's corner
+    int mode = 0;  // 1: references outside the source are updated as well
+    CRect source;  // the copied rectangle
+    uchar col = 0; // the destination's corner
     ushort row = 0;
     int transpose = 0;     // rows and columns change roles
     int updateOnPaste = 0; // whether reference functions update their arguments

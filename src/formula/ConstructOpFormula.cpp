@@ -9,12 +9,18 @@ namespace {
 
 CCFormula * MakeNode(CCFunc * func, CCFormulaList * args) {
     switch (func ? func->GetType() : 0) {
-    case kPlainFunc: return new CCOpFormula(func, args);
-    case kChooseFunc: return new CCChooseOpFormula(func, args);
-    case kRemoteFunc: return new CCRemoteOpFormula(func, args);
-    case kDocumentFunc: return new CCDocOpFormula(func, args);
-    case kRefFunc: return new CCRefOpFormula(func, args);
-    default: return nullptr;
+    case kPlainFunc:
+        return new CCOpFormula(func, args);
+    case kChooseFunc:
+        return new CCChooseOpFormula(func, args);
+    case kRemoteFunc:
+        return new CCRemoteOpFormula(func, args);
+    case kDocumentFunc:
+        return new CCDocOpFormula(func, args);
+    case kRefFunc:
+        return new CCRefOpFormula(func, args);
+    default:
+        return nullptr;
     }
 }
 
@@ -23,7 +29,9 @@ CCFormula * NameFormula(wchar_t * name) {
     return new CCRefFormula(name, 0);
 }
 
-CCFormula * NameFormula(char const * name) { return new CCRefFormula(cells::FromNarrow(name).GetString(), 0); }
+CCFormula * NameFormula(char const * name) {
+    return new CCRefFormula(cells::FromNarrow(name).GetString(), 0);
+}
 
 } // namespace
 

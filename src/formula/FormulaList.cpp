@@ -52,8 +52,8 @@ namespace {
 
 using PrintItem = void (CCFormula::*)(cells::CTX *, std::wostream &, uchar) const;
 
-void PrintItems(cells::CTX * ctx, std::wostream & stream, CCFormulaList const * list, uchar priority,
-                int force, PrintItem print) {
+void PrintItems(cells::CTX * ctx, std::wostream & stream, CCFormulaList const * list,
+                uchar priority, int force, PrintItem print) {
     bool const brackets = force || FormulaList2Item(list);
     if (brackets) cells::WriteText(stream, L" (");
     for (CCFormulaList const * item = list; item; item = item->next) {
@@ -82,7 +82,8 @@ namespace cells::internal {
 
 int DepthOf(CCFormulaList const * list) {
     int depth = 0;
-    for (; list; list = list->next) depth = std::max(depth, list->formula ? list->formula->GetDepth() : 0);
+    for (; list; list = list->next)
+        depth = std::max(depth, list->formula ? list->formula->GetDepth() : 0);
     return depth;
 }
 

@@ -24,21 +24,40 @@ inline bool FormulaList5Item(CCFormulaList const * list) { return FormulaListHas
 inline bool FormulaList6Item(CCFormulaList const * list) { return FormulaListHasItems(list, 6); }
 inline bool FormulaList7Item(CCFormulaList const * list) { return FormulaListHasItems(list, 7); }
 inline bool FormulaList8Item(CCFormulaList const * list) { return FormulaListHasItems(list, 8); }
-inline bool FormulaList0ItemEx(CCFormulaList const * list) { return FormulaListHasExactly(list, 0); }
-inline bool FormulaList1ItemEx(CCFormulaList const * list) { return FormulaListHasExactly(list, 1); }
-inline bool FormulaList2ItemEx(CCFormulaList const * list) { return FormulaListHasExactly(list, 2); }
-inline bool FormulaList3ItemEx(CCFormulaList const * list) { return FormulaListHasExactly(list, 3); }
-inline bool FormulaList4ItemEx(CCFormulaList const * list) { return FormulaListHasExactly(list, 4); }
-inline bool FormulaList5ItemEx(CCFormulaList const * list) { return FormulaListHasExactly(list, 5); }
-inline bool FormulaList6ItemEx(CCFormulaList const * list) { return FormulaListHasExactly(list, 6); }
-inline bool FormulaList7ItemEx(CCFormulaList const * list) { return FormulaListHasExactly(list, 7); }
-inline bool FormulaList8ItemEx(CCFormulaList const * list) { return FormulaListHasExactly(list, 8); }
+inline bool FormulaList0ItemEx(CCFormulaList const * list) {
+    return FormulaListHasExactly(list, 0);
+}
+inline bool FormulaList1ItemEx(CCFormulaList const * list) {
+    return FormulaListHasExactly(list, 1);
+}
+inline bool FormulaList2ItemEx(CCFormulaList const * list) {
+    return FormulaListHasExactly(list, 2);
+}
+inline bool FormulaList3ItemEx(CCFormulaList const * list) {
+    return FormulaListHasExactly(list, 3);
+}
+inline bool FormulaList4ItemEx(CCFormulaList const * list) {
+    return FormulaListHasExactly(list, 4);
+}
+inline bool FormulaList5ItemEx(CCFormulaList const * list) {
+    return FormulaListHasExactly(list, 5);
+}
+inline bool FormulaList6ItemEx(CCFormulaList const * list) {
+    return FormulaListHasExactly(list, 6);
+}
+inline bool FormulaList7ItemEx(CCFormulaList const * list) {
+    return FormulaListHasExactly(list, 7);
+}
+inline bool FormulaList8ItemEx(CCFormulaList const * list) {
+    return FormulaListHasExactly(list, 8);
+}
 
 inline CCFormulaList * FormulaListCreateEmpty() { return nullptr; }
 CVCELLS_API CCFormulaList * FormulaListCreate1Item(CCFormula * a);
 CVCELLS_API CCFormulaList * FormulaListCreate2Item(CCFormula * a, CCFormula * b);
 CVCELLS_API CCFormulaList * FormulaListCreate3Item(CCFormula * a, CCFormula * b, CCFormula * c);
-CVCELLS_API CCFormulaList * FormulaListAddLast(CCFormulaList ** list, CCFormula * formula); // the head
+CVCELLS_API CCFormulaList * FormulaListAddLast(CCFormulaList ** list,
+                                               CCFormula * formula); // the head
 CVCELLS_API CCFormulaList * CopyFormulaList(CCFormulaList const * list);
 CVCELLS_API void FreeFormulaList(CCFormulaList * list, int deleteFormulas);
 

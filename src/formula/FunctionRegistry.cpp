@@ -36,7 +36,8 @@ public:
         m_Names.clear();
         for (CCFunc const * func : m_Functions) m_Names.push_back((func->*m_Name)());
         for (std::size_t i = m_Functions.size(); i-- > 0;)
-            if (wchar_t const first = *m_Names[i]) m_Index[first & 0xFF] = static_cast<unsigned short>(i);
+            if (wchar_t const first = *m_Names[i])
+                m_Index[first & 0xFF] = static_cast<unsigned short>(i);
     }
 
     std::vector<CCFunc *> & Functions() { return m_Functions; }
@@ -112,9 +113,11 @@ CCFunc ** GetBuiltInFunc() { return Names(NameTable::kLocal).Functions().data();
 int GetBuiltInFuncSize() { return int(Names(NameTable::kLocal).Functions().size()); }
 
 bool IsFunction(CString const & name, uchar kindMask) {
-    return Names(NameTable::kLocal).FindFrom(cells::ToUpper(name[0]), [&](CCFunc * func, wchar_t const * own) {
-        return (func->kind & kindMask) && cells::CompareFolded(name.GetString() + 1, own + 1) == 0;
-    }) != nullptr;
+    return Names(NameTable::kLocal)
+               .FindFrom(cells::ToUpper(name[0]), [&](CCFunc * func, wchar_t const * own) {
+                   return (func->kind & kindMask) &&
+                          cells::CompareFolded(name.GetString() + 1, own + 1) == 0;
+               }) != nullptr;
 }
 
 bool _EatFunction(cells::CTX *, wchar_t const * text, CCFunc *& func, uchar kind) {
@@ -124,8 +127,9 @@ bool _EatFunction(cells::CTX *, wchar_t const * text, CCFunc *& func, uchar kind
 
 CCFunc * GetFunction(cells::CTX * ctx, char * name, CCFormulaList * args) {
     CString const wide = cells::FromNarrow(name ? name : "");
-    return Names(NameTable::kLocal).FindFrom(cells::ToUpper(wide[0]), [&](CCFunc * func, wchar_t const * own) {
-        return cells::CompareFolded(wide.GetString() + 1, own + 1) == 0 && func->check &&
-               func->check(ctx, args, nullptr);
-    });
+    return Names(NameTable::kLocal)
+        .FindFrom(cells::ToUpper(wide[0]), [&](CCFunc * func, wchar_t const * own) {
+            return cells::CompareFolded(wide.GetString() + 1, own + 1) == 0 && func->check &&
+                   func->check(ctx, args, nullptr);
+        });
 }

@@ -37,7 +37,9 @@ CCFormula * SheetCorners(CCFormula * sheet, CCFormula * ref, CCFormula * sheet2,
     return nullptr;
 }
 
-CCFormula * Sheet(wchar_t * name) { return ConstructOpFormula(OperatorObject(Operator::kSheetRange), name); }
+CCFormula * Sheet(wchar_t * name) {
+    return ConstructOpFormula(OperatorObject(Operator::kSheetRange), name);
+}
 
 CCFormula * SheetRun(wchar_t * first, wchar_t * last) {
     return ConstructOpFormula(OperatorObject(Operator::kSheetRange), first, last);
@@ -70,10 +72,17 @@ int cells_grammar_lex(CELLS_GRAMMAR_STYPE * value, cells::internal::ParserState 
     cells::internal::Lexeme lexeme = state.lexer.Next();
     switch (lexeme.token) {
     case CONST:
-    case REF: value->formula = lexeme.formula.release(); break;
-    case FUNC: value->func = lexeme.func; break;
-    case NAME: value->name = lexeme.name.release(); break;
-    default: break;
+    case REF:
+        value->formula = lexeme.formula.release();
+        break;
+    case FUNC:
+        value->func = lexeme.func;
+        break;
+    case NAME:
+        value->name = lexeme.name.release();
+        break;
+    default:
+        break;
     }
     return lexeme.token;
 }

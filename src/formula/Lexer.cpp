@@ -41,34 +41,67 @@ bool Lexer::TakeGlyph(Lexeme & lexeme) {
     wchar_t const next = m_At[1];
     int & token = lexeme.token;
     switch (*m_At) {
-    case L'+': token = Glyph(ADD, 1); return true;
-    case L'-': token = Glyph(SUB, 1); return true;
-    case L'%': token = Glyph(PERCENT, 1); return true;
-    case L'^': token = Glyph(POW, 1); return true;
-    case L'*': token = Glyph(MUL, 1); return true;
-    case L'/': token = Glyph(DIV, 1); return true;
-    case L'&': token = Glyph(AND, 1); return true;
-    case L'|': token = Glyph(OR, 1); return true;
-    case L':': token = Glyph(COLON, 1); return true;
-    case L'!': token = Glyph(BANG, 1); return true;
-    case L'@': token = Glyph(AT, 1); return true;
-    case L'~': token = next == L'=' ? Glyph(NE, 2) : Glyph(NOT, 1); return true;
+    case L'+':
+        token = Glyph(ADD, 1);
+        return true;
+    case L'-':
+        token = Glyph(SUB, 1);
+        return true;
+    case L'%':
+        token = Glyph(PERCENT, 1);
+        return true;
+    case L'^':
+        token = Glyph(POW, 1);
+        return true;
+    case L'*':
+        token = Glyph(MUL, 1);
+        return true;
+    case L'/':
+        token = Glyph(DIV, 1);
+        return true;
+    case L'&':
+        token = Glyph(AND, 1);
+        return true;
+    case L'|':
+        token = Glyph(OR, 1);
+        return true;
+    case L':':
+        token = Glyph(COLON, 1);
+        return true;
+    case L'!':
+        token = Glyph(BANG, 1);
+        return true;
+    case L'@':
+        token = Glyph(AT, 1);
+        return true;
+    case L'~':
+        token = next == L'=' ? Glyph(NE, 2) : Glyph(NOT, 1);
+        return true;
     case L'<':
         token = next == L'=' ? Glyph(LE, 2) : next == L'>' ? Glyph(NE, 2) : Glyph(LT, 1);
         return true;
-    case L'>': token = next == L'=' ? Glyph(GE, 2) : Glyph(GT, 1); return true;
+    case L'>':
+        token = next == L'=' ? Glyph(GE, 2) : Glyph(GT, 1);
+        return true;
     case L'=':
-        if (next == L'<') token = Glyph(LE, 2);
-        else if (next == L'>') token = Glyph(GE, 2);
-        else token = Glyph(EQ, next == L'=' ? 2 : 1);
+        if (next == L'<')
+            token = Glyph(LE, 2);
+        else if (next == L'>')
+            token = Glyph(GE, 2);
+        else
+            token = Glyph(EQ, next == L'=' ? 2 : 1);
         return true;
     case L'.':
         // A point before a digit begins a number where it is the decimal separator.
-        if (next == L'.') token = Glyph(DOTS, 2);
-        else if (IsDigit(next) && m_Ctx->lctx()->numberDeciamalSeparartor() == L'.') return false;
-        else token = Glyph(BANG, 1);
+        if (next == L'.')
+            token = Glyph(DOTS, 2);
+        else if (IsDigit(next) && m_Ctx->lctx()->numberDeciamalSeparartor() == L'.')
+            return false;
+        else
+            token = Glyph(BANG, 1);
         return true;
-    default: return false;
+    default:
+        return false;
     }
 }
 
@@ -83,7 +116,8 @@ bool Lexer::TakeConstant(Lexeme & lexeme) {
 // The longest name decides: when a word goes on behind it, no shorter one is tried.
 bool Lexer::TakeFunction(Lexeme & lexeme) {
     wchar_t const * at = m_At;
-    CCFunc * const func = TakeFunctionName(m_Mode == 0 ? NameTable::kLocal : NameTable::kEnglish, at, kFunction);
+    CCFunc * const func =
+        TakeFunctionName(m_Mode == 0 ? NameTable::kLocal : NameTable::kEnglish, at, kFunction);
     if (!func || ContinuesWord(*at) || *at == L'$') return false;
     m_At = at;
     lexeme.func = func;

@@ -59,7 +59,8 @@ bool ParsePlain(cells::LCTX * lctx, wchar_t const * text, CCCellValue & value) {
 
 } // namespace
 
-int _Parse(cells::CTX * ctx, wchar_t const * text, CCCellValue & value, CCFormula *& formula, CCRef *) {
+int _Parse(cells::CTX * ctx, wchar_t const * text, CCCellValue & value, CCFormula *& formula,
+           CCRef *) {
     cells::LCTX * const lctx = ctx->lctx();
     value.Release();
     formula = nullptr;
@@ -67,11 +68,20 @@ int _Parse(cells::CTX * ctx, wchar_t const * text, CCCellValue & value, CCFormul
     wchar_t const * at = units;
     _EatWhite(lctx, at);
     switch (*at) {
-    case 0: return kEntryValue;
-    case L'\'': value.Set(at + 1); return kEntryValue;
-    case L'@': formula = ParseWhole(ctx, at, 0).release(); return kEntryFormula;
-    case L'=': formula = ParseWhole(ctx, at + 1, 0).release(); return kEntryFormula;
-    case L'!': formula = ParseWhole(ctx, at + 1, 0).release(); return kEntryEditSource;
+    case 0:
+        return kEntryValue;
+    case L'\'':
+        value.Set(at + 1);
+        return kEntryValue;
+    case L'@':
+        formula = ParseWhole(ctx, at, 0).release();
+        return kEntryFormula;
+    case L'=':
+        formula = ParseWhole(ctx, at + 1, 0).release();
+        return kEntryFormula;
+    case L'!':
+        formula = ParseWhole(ctx, at + 1, 0).release();
+        return kEntryEditSource;
     case L'+':
     case L'-':
         if (ParseSigned(lctx, at, value)) return kEntryValue;
@@ -88,7 +98,8 @@ int _Parse(cells::CTX * ctx, wchar_t const * text, CCCellValue & value, CCFormul
     return kEntryValue;
 }
 
-int Parse(cells::CTX * ctx, wchar_t * text, CCCellValue & value, CCFormula *& formula, CCRef * current) {
+int Parse(cells::CTX * ctx, wchar_t * text, CCCellValue & value, CCFormula *& formula,
+          CCRef * current) {
     return _Parse(ctx, text, value, formula, current);
 }
 
@@ -109,7 +120,8 @@ CCFormula * CVDOSParse(cells::CTX * ctx, wchar_t *& text) {
     case 0:
     case L'*':
     case L'\'':
-    case L'"': return nullptr;
+    case L'"':
+        return nullptr;
     case L'+':
     case L'-':
         if (ParseSigned(lctx, text, constant)) return nullptr;

@@ -18,7 +18,8 @@ CVCELLS_API int _Parse(cells::CTX * ctx, wchar_t const * text, CCCellValue & val
 // The tree of a formula without prefix, or null; the caller's. Mode 0 reads function names of the
 // user's language, any other English ones.
 CVCELLS_API CCFormula * ParseFormula(cells::CTX * ctx, wchar_t * text, int mode, CCRef * current);
-CVCELLS_API CCFormula * _ParseFormula(cells::CTX * ctx, wchar_t const * text, int mode, CCRef * current);
+CVCELLS_API CCFormula * _ParseFormula(cells::CTX * ctx, wchar_t const * text, int mode,
+                                      CCRef * current);
 // For readers of older files: null for constants, which stay for the caller.
 CVCELLS_API CCFormula * CVDOSParse(cells::CTX * ctx, wchar_t *& text);
 

@@ -34,7 +34,8 @@ std::size_t HashRegion(CCRegionRef const & r) {
 }
 
 std::size_t HashCell(CCRCRef const & cell, std::uint64_t salt) {
-    return Mix((std::uint64_t(cell.row) | std::uint64_t(cell.col) << 16 | 1ull << 56) + (salt << 24));
+    return Mix((std::uint64_t(cell.row) | std::uint64_t(cell.col) << 16 | 1ull << 56) +
+               (salt << 24));
 }
 
 } // namespace
@@ -42,21 +43,26 @@ std::size_t HashCell(CCRCRef const & cell, std::uint64_t salt) {
 std::size_t RefHash(CCRef const * ref) {
     if (!ref) return 0;
     switch (ref->GetType()) {
-    case kRefCell: return HashCell(*static_cast<CCRCRef const *>(ref), 0);
-    case kRefRegion: return HashRegion(*static_cast<CCRegionRef const *>(ref));
-    case kRefName: return HashFolded(static_cast<CCNameRef const *>(ref)->name());
+    case kRefCell:
+        return HashCell(*static_cast<CCRCRef const *>(ref), 0);
+    case kRefRegion:
+        return HashRegion(*static_cast<CCRegionRef const *>(ref));
+    case kRefName:
+        return HashFolded(static_cast<CCNameRef const *>(ref)->name());
     case kRefRemote: {
         auto const & remote = *static_cast<CCRemoteRef const *>(ref);
         return Mix(HashFolded(remote.document()) * 31 + HashFolded(remote.item()));
     }
-    case kRefDocument: return Mix(std::uint64_t(static_cast<CCDocumentRef const *>(ref)->docType));
+    case kRefDocument:
+        return Mix(std::uint64_t(static_cast<CCDocumentRef const *>(ref)->docType));
     case kRefSheets: {
         auto const & sheets = *static_cast<CCRef3D const *>(ref);
         if (sheets.ref && sheets.ref->GetType() == kRefCell)
             return HashCell(*static_cast<CCRCRef const *>(sheets.ref), sheets.SheetKey() + 1);
         return Mix(sheets.SheetKey() * 31 + RefHash(sheets.ref) + 6);
     }
-    default: return std::size_t(ref->GetType());
+    default:
+        return std::size_t(ref->GetType());
     }
 }
 

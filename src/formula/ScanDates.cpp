@@ -66,7 +66,8 @@ struct DateParts {
             if (separator == L' ') _EatWhite(lctx, text);
             return true;
         }
-        if (separator != L' ' || *text != lctx->listSeparartor() || !cells::IsSpace(text[1])) return false;
+        if (separator != L' ' || *text != lctx->listSeparartor() || !cells::IsSpace(text[1]))
+            return false;
         separator = *text++;
         _EatWhite(lctx, text);
         return true;
@@ -173,7 +174,8 @@ int _EatDNumber(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value) 
     return 1;
 }
 
-int _EatTime(cells::LCTX * lctx, wchar_t const *& text, double & out, int & ampm, int & hasSeconds) {
+int _EatTime(cells::LCTX * lctx, wchar_t const *& text, double & out, int & ampm,
+             int & hasSeconds) {
     wchar_t const * at = text;
     int hour, minute, second = 0;
     _EatWhite(lctx, at);
@@ -189,8 +191,10 @@ int _EatTime(cells::LCTX * lctx, wchar_t const *& text, double & out, int & ampm
     rest = at;
     _EatWhite(lctx, rest);
     int mark = kTime24;
-    if (_StrIIComp(lctx, rest, lctx->timeAMString())) mark = kTimeAM;
-    else if (_StrIIComp(lctx, rest, lctx->timePMString())) mark = kTimePM;
+    if (_StrIIComp(lctx, rest, lctx->timeAMString()))
+        mark = kTimeAM;
+    else if (_StrIIComp(lctx, rest, lctx->timePMString()))
+        mark = kTimePM;
     if (mark != kTime24) at = rest;
     if (!CheckTime(hour, minute, second, mark)) return 0;
     out = TimeToDouble(hour, minute, second, mark);

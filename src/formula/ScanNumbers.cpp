@@ -64,7 +64,8 @@ private:
 };
 
 // Digits in groups behind a separator, each of the full size; false at a group of another size.
-bool TakeGroups(wchar_t const *& text, NumberDigits & digits, wchar_t separator, int groupSize, bool & seen) {
+bool TakeGroups(wchar_t const *& text, NumberDigits & digits, wchar_t separator, int groupSize,
+                bool & seen) {
     digits.Take(text);
     if (digits.IsEmpty() || groupSize <= 0) return true;
     while (*text == separator) {
@@ -214,18 +215,21 @@ int _StrIIComp(cells::LCTX *, wchar_t const *& text, wchar_t const * word) {
     return 1;
 }
 
-int _EatDigits(cells::LCTX *, wchar_t const *& text, double & out) { return TakeInteger(text, out); }
+int _EatDigits(cells::LCTX *, wchar_t const *& text, double & out) {
+    return TakeInteger(text, out);
+}
 
 int _EatNDigits(cells::LCTX *, wchar_t const *& text, int & out, int max) {
     std::int64_t number = 0;
     int count = 0;
-    for (; count < max && IsDigit(*text); ++count) number = std::min<std::int64_t>(number * 10 + (*text++ - L'0'), INT32_MAX);
+    for (; count < max && IsDigit(*text); ++count)
+        number = std::min<std::int64_t>(number * 10 + (*text++ - L'0'), INT32_MAX);
     if (count) out = int(number);
     return count;
 }
 
-int _EatDigitsAndComma(cells::LCTX *, wchar_t const *& text, double & out, int & seen, wchar_t separator,
-                       int groupSize) {
+int _EatDigitsAndComma(cells::LCTX *, wchar_t const *& text, double & out, int & seen,
+                       wchar_t separator, int groupSize) {
     wchar_t const * at = text;
     NumberDigits digits;
     bool grouped = false;
@@ -242,7 +246,8 @@ int _EatNumberValue(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & val
     NumberDigits digits;
     bool grouped = false;
     if (strict) {
-        if (!TakeGroups(at, digits, lctx->numberGroupSeparartor(), lctx->numberGroupSize(), grouped))
+        if (!TakeGroups(at, digits, lctx->numberGroupSeparartor(), lctx->numberGroupSize(),
+                        grouped))
             return 0;
     } else {
         digits.Take(at);

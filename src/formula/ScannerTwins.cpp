@@ -31,17 +31,19 @@ int EatDigits(cells::LCTX * lctx, wchar_t *& text, double & out) {
 int EatNDigits(cells::LCTX * lctx, wchar_t *& text, int & out, int max) {
     return Forward(text, [&](wchar_t const *& at) { return _EatNDigits(lctx, at, out, max); });
 }
-int EatDigitsAndComma(cells::LCTX * lctx, wchar_t *& text, double & out, int & seen, wchar_t separator,
-                      int groupSize) {
+int EatDigitsAndComma(cells::LCTX * lctx, wchar_t *& text, double & out, int & seen,
+                      wchar_t separator, int groupSize) {
     return Forward(text, [&](wchar_t const *& at) {
         return _EatDigitsAndComma(lctx, at, out, seen, separator, groupSize);
     });
 }
 int EatNumberValue(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value, int strict) {
-    return Forward(text, [&](wchar_t const *& at) { return _EatNumberValue(lctx, at, value, strict); });
+    return Forward(text,
+                   [&](wchar_t const *& at) { return _EatNumberValue(lctx, at, value, strict); });
 }
 int EatNPFSNumber(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value, int signs) {
-    return Forward(text, [&](wchar_t const *& at) { return _EatNPFSNumber(lctx, at, value, signs); });
+    return Forward(text,
+                   [&](wchar_t const *& at) { return _EatNPFSNumber(lctx, at, value, signs); });
 }
 int EatNumber(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value, int signs) {
     return Forward(text, [&](wchar_t const *& at) { return _EatNumber(lctx, at, value, signs); });
@@ -51,7 +53,8 @@ int EatConstant(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value) {
 }
 int EatDNumber(cells::LCTX * lctx, wchar_t *& text, int & day, int & month, int & year,
                CCNumberFormat & format) {
-    return Forward(text, [&](wchar_t const *& at) { return _EatDNumber(lctx, at, day, month, year, format); });
+    return Forward(
+        text, [&](wchar_t const *& at) { return _EatDNumber(lctx, at, day, month, year, format); });
 }
 int EatDNumber(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value) {
     return Forward(text, [&](wchar_t const *& at) { return _EatDNumber(lctx, at, value); });
@@ -60,7 +63,8 @@ int EatTNumber(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value) {
     return Forward(text, [&](wchar_t const *& at) { return _EatTNumber(lctx, at, value); });
 }
 int EatTime(cells::LCTX * lctx, wchar_t *& text, double & out, int & ampm, int & hasSeconds) {
-    return Forward(text, [&](wchar_t const *& at) { return _EatTime(lctx, at, out, ampm, hasSeconds); });
+    return Forward(text,
+                   [&](wchar_t const *& at) { return _EatTime(lctx, at, out, ampm, hasSeconds); });
 }
 int EatBOOLValue(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value) {
     return Forward(text, [&](wchar_t const *& at) { return _EatBOOLValue(lctx, at, value); });

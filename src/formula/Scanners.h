@@ -27,28 +27,33 @@ CVCELLS_API int _StrIIComp(cells::LCTX * lctx, wchar_t const *& text, wchar_t co
 CVCELLS_API int _EatDigits(cells::LCTX * lctx, wchar_t const *& text, double & out);
 CVCELLS_API int _EatNDigits(cells::LCTX * lctx, wchar_t const *& text, int & out, int max);
 // Digits in groups: every group behind a separator has exactly `groupSize` digits.
-CVCELLS_API int _EatDigitsAndComma(cells::LCTX * lctx, wchar_t const *& text, double & out, int & seen,
-                                   wchar_t separator, int groupSize);
+CVCELLS_API int _EatDigitsAndComma(cells::LCTX * lctx, wchar_t const *& text, double & out,
+                                   int & seen, wchar_t separator, int groupSize);
 
 // A number without sign. With `strict`, group separators and fractions are read too.
-CVCELLS_API int _EatNumberValue(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value, int strict);
+CVCELLS_API int _EatNumberValue(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value,
+                                int strict);
 // A number, percentage or fraction, with a sign if `signs` is set.
-CVCELLS_API int _EatNPFSNumber(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value, int signs);
+CVCELLS_API int _EatNPFSNumber(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value,
+                               int signs);
 // Whatever a typed entry may be: number, date, time, money or logical word.
-CVCELLS_API int _EatNumber(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value, int signs);
+CVCELLS_API int _EatNumber(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value,
+                           int signs);
 // A constant inside a formula: plain number, logical word or quoted text.
 CVCELLS_API int _EatConstant(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value);
-CVCELLS_API int _EatDNumber(cells::LCTX * lctx, wchar_t const *& text, int & day, int & month, int & year,
-                            CCNumberFormat & format);
+CVCELLS_API int _EatDNumber(cells::LCTX * lctx, wchar_t const *& text, int & day, int & month,
+                            int & year, CCNumberFormat & format);
 CVCELLS_API int _EatDNumber(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value);
 CVCELLS_API int _EatTNumber(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value);
-CVCELLS_API int _EatTime(cells::LCTX * lctx, wchar_t const *& text, double & out, int & ampm, int & hasSeconds);
+CVCELLS_API int _EatTime(cells::LCTX * lctx, wchar_t const *& text, double & out, int & ampm,
+                         int & hasSeconds);
 CVCELLS_API int _EatBOOLValue(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value);
 CVCELLS_API int _EatTextValue(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value);
 
 CVCELLS_API int _EatC(cells::CTX * ctx, wchar_t const *& text, uchar & col, uchar & flags);
 CVCELLS_API int _EatR(cells::CTX * ctx, wchar_t const *& text, ushort & row, uchar & flags);
-CVCELLS_API int _EatRC(cells::CTX * ctx, wchar_t const *& text, uchar & col, ushort & row, uchar & flags);
+CVCELLS_API int _EatRC(cells::CTX * ctx, wchar_t const *& text, uchar & col, ushort & row,
+                       uchar & flags);
 // The references are the caller's.
 CVCELLS_API int _EatSpreadRef(cells::CTX * ctx, wchar_t const *& text, CCRef *& ref, uchar & flags);
 CVCELLS_API int _EatNameRef(cells::CTX * ctx, wchar_t const *& text, CCRef *& ref, uchar & flags);
@@ -65,7 +70,8 @@ CVCELLS_API int EatDigits(cells::LCTX * lctx, wchar_t *& text, double & out);
 CVCELLS_API int EatNDigits(cells::LCTX * lctx, wchar_t *& text, int & out, int max);
 CVCELLS_API int EatDigitsAndComma(cells::LCTX * lctx, wchar_t *& text, double & out, int & seen,
                                   wchar_t separator, int groupSize);
-CVCELLS_API int EatNumberValue(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value, int strict);
+CVCELLS_API int EatNumberValue(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value,
+                               int strict);
 CVCELLS_API int EatNPFSNumber(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value, int signs);
 CVCELLS_API int EatNumber(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value, int signs);
 CVCELLS_API int EatConstant(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value);
@@ -73,7 +79,8 @@ CVCELLS_API int EatDNumber(cells::LCTX * lctx, wchar_t *& text, int & day, int &
                            CCNumberFormat & format);
 CVCELLS_API int EatDNumber(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value);
 CVCELLS_API int EatTNumber(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value);
-CVCELLS_API int EatTime(cells::LCTX * lctx, wchar_t *& text, double & out, int & ampm, int & hasSeconds);
+CVCELLS_API int EatTime(cells::LCTX * lctx, wchar_t *& text, double & out, int & ampm,
+                        int & hasSeconds);
 CVCELLS_API int EatBOOLValue(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value);
 CVCELLS_API int EatTextValue(cells::LCTX * lctx, wchar_t *& text, CCCellValue & value);
 CVCELLS_API int EatC(cells::CTX * ctx, wchar_t *& text, uchar & col, uchar & flags);

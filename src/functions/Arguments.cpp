@@ -17,8 +17,8 @@ bool EvalArg(CTX * ctx, CCCellValue & value, CCFormulaList const * args, CCRef c
     return true;
 }
 
-bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count, CCFormulaList const * args,
-                CCRef const * current) {
+bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count,
+                CCFormulaList const * args, CCRef const * current) {
     for (int i = 0; i < count; ++i, args = args->next) {
         if (!EvalArg(ctx, result, args, current) || !result.IsNumber()) return false;
         out[i] = result.GetNumber();
@@ -28,10 +28,14 @@ bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count, CCForm
 
 void SetStatusResult(CTX * ctx, Status status, CCCellValue & result, double number, uchar type) {
     switch (status) {
-    case Status::kBadReference: return result.Set(errRef);
-    case Status::kBadValue: return result.Set(errValue);
-    case Status::kDivisionByZero: return result.Set(errDiv0);
-    case Status::kDone: break;
+    case Status::kBadReference:
+        return result.Set(errRef);
+    case Status::kBadValue:
+        return result.Set(errValue);
+    case Status::kDivisionByZero:
+        return result.Set(errDiv0);
+    case Status::kDone:
+        break;
     }
     result.Set(number, type);
     if (type < C_NF_NUMBER || type > C_NF_FRACTION) return;

@@ -15,13 +15,15 @@ bool EvalArg(CTX * ctx, CCCellValue & value, CCFormulaList const * args, CCRef c
 
 // The first `count` items as numbers. False at the first that is none, an error or a blank
 // included.
-bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count, CCFormulaList const * args,
-                CCRef const * current);
+bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count,
+                CCFormulaList const * args, CCRef const * current);
 
 // Writes the error of a status, or the number in its class; classes 1 to 4 show whole numbers
 // without decimals and others with the locale's.
 void SetStatusResult(CTX * ctx, Status status, CCCellValue & result, double number, uchar type);
 
-inline void SetTruth(CCCellValue & result, bool truth) { result.Set(truth ? 1.0 : 0.0, uchar(C_NF_BOOL)); }
+inline void SetTruth(CCCellValue & result, bool truth) {
+    result.Set(truth ? 1.0 : 0.0, uchar(C_NF_BOOL));
+}
 
 } // namespace cells::internal

@@ -16,11 +16,16 @@ namespace {
 
 std::unique_ptr<CCFunc> NewFunction(FunctionRow const & row) {
     switch (row.type) {
-    case kChooseFunc: return std::make_unique<CCChooseFunc>(row.choice);
-    case kRemoteFunc: return std::make_unique<CCRemoteFunc>();
-    case kDocumentFunc: return std::make_unique<CCDocumentFunc>();
-    case kRefFunc: return std::make_unique<CCRefFunc>();
-    default: return std::make_unique<CCFunc>();
+    case kChooseFunc:
+        return std::make_unique<CCChooseFunc>(row.choice);
+    case kRemoteFunc:
+        return std::make_unique<CCRemoteFunc>();
+    case kDocumentFunc:
+        return std::make_unique<CCDocumentFunc>();
+    case kRefFunc:
+        return std::make_unique<CCRefFunc>();
+    default:
+        return std::make_unique<CCFunc>();
     }
 }
 
@@ -36,8 +41,8 @@ struct Functions {
 
     Functions() {
         for (FunctionFamily const & family :
-             {Mathematics(), Trigonometry(), Logic(), Statistics(), DatesAndTimes(), Texts(), Finance(),
-              Lookup(), Information(), RemoteData(), DocumentFacts()})
+             {Mathematics(), Trigonometry(), Logic(), Statistics(), DatesAndTimes(), Texts(),
+              Finance(), Lookup(), Information(), RemoteData(), DocumentFacts()})
             for (std::size_t i = 0; i < family.count; ++i) Add(family.rows[i], family.category);
     }
 
@@ -59,7 +64,9 @@ wchar_t const * EnglishString(unsigned int id) {
 
 void SeedFromClock() {
     LocalTime const now = Now();
-    SeedRandom(unsigned(now.second + 60 * (now.minute + 60 * (now.hour + 24 * (now.day + 31 * now.month)))) + 1);
+    SeedRandom(unsigned(now.second +
+                        60 * (now.minute + 60 * (now.hour + 24 * (now.day + 31 * now.month)))) +
+               1);
 }
 
 } // namespace

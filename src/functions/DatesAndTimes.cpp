@@ -21,8 +21,10 @@ constexpr FunctionRow kRows[] = {
     {13188, L"TIMEVALUE", L"text", L"Time that a text stands for."},
     {13189, L"TODAY", L"", L"Present date."},
     {13190, L"WEEKDAY", L"date", L"Day of the week, Sunday being 1."},
-    {13191, L"WEEKNUM", L"date; first day", L"Week of the year, counted from Saturdays (1) or Sundays (2)."},
-    {13192, L"WORKDAY", L"start; days; holiday...", L"Working day that a count beginning on the start day ends on."},
+    {13191, L"WEEKNUM", L"date; first day",
+     L"Week of the year, counted from Saturdays (1) or Sundays (2)."},
+    {13192, L"WORKDAY", L"start; days; holiday...",
+     L"Working day that a count beginning on the start day ends on."},
     {13193, L"YEAR", L"date", L"Year of a date."},
     {13194, L"YEARFRAC", L"start; end; basis", L"Part of a year between two dates."},
 };

@@ -28,17 +28,17 @@ struct FunctionFamily {
     std::size_t count;
 };
 
-FunctionFamily Mathematics();     // 1
-FunctionFamily Trigonometry();    // 2
-FunctionFamily Logic();           // 3
-FunctionFamily Statistics();      // 4
-FunctionFamily DatesAndTimes();   // 5
-FunctionFamily Texts();           // 6
-FunctionFamily Finance();         // 7
-FunctionFamily Lookup();          // 8
-FunctionFamily Information();     // 9
-FunctionFamily RemoteData();      // 10
-FunctionFamily DocumentFacts();   // 11
+FunctionFamily Mathematics();   // 1
+FunctionFamily Trigonometry();  // 2
+FunctionFamily Logic();         // 3
+FunctionFamily Statistics();    // 4
+FunctionFamily DatesAndTimes(); // 5
+FunctionFamily Texts();         // 6
+FunctionFamily Finance();       // 7
+FunctionFamily Lookup();        // 8
+FunctionFamily Information();   // 9
+FunctionFamily RemoteData();    // 10
+FunctionFamily DocumentFacts(); // 11
 
 template <std::size_t N>
 FunctionFamily MakeFamily(uchar category, FunctionRow const (&rows)[N]) {

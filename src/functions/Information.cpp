@@ -17,7 +17,9 @@ void EvalIs(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef c
     SetTruth(result, Test(result));
 }
 
-void EvalNA(CTX *, CCCellValue & result, CCFormulaList const *, CCRef const *) { result.Set(errNA); }
+void EvalNA(CTX *, CCCellValue & result, CCFormulaList const *, CCRef const *) {
+    result.Set(errNA);
+}
 
 constexpr FunctionRow kRows[] = {
     {13227, L"COUNTBLANK", L"value...", L"Number of blank values."},

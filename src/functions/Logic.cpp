@@ -9,12 +9,14 @@ namespace {
 
 // The live argument of IF, so that evaluation never touches the other branch. Without an else
 // branch a false condition is itself the result. Gives an error number.
-int ChooseBranch(CTX * ctx, CCFormula *& choice, CCFormulaList const * args, CCRef const * current) {
+int ChooseBranch(CTX * ctx, CCFormula *& choice, CCFormulaList const * args,
+                 CCRef const * current) {
     choice = nullptr;
     if (!args) return errLegacy;
     CCCellValue condition;
     EvalArg(ctx, condition, args, current);
-    bool const isFalse = condition.IsEmpty() || (condition.IsNumber() && condition.GetNumber() == 0);
+    bool const isFalse =
+        condition.IsEmpty() || (condition.IsNumber() && condition.GetNumber() == 0);
     if (!isFalse && !condition.IsNumber()) return errValue;
     CCFormulaList const * const yes = args->next;
     CCFormulaList const * const no = yes ? yes->next : nullptr;
@@ -30,12 +32,14 @@ void EvalIf(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef c
     if (status) return result.Set(status);
     CCFormulaList const branch(choice, nullptr);
     EvalArg(ctx, result, &branch, current);
-    if (FormulaList2ItemEx(args) && choice == args->formula) result.GetFormat().Set(uchar(C_NF_BOOL));
+    if (FormulaList2ItemEx(args) && choice == args->formula)
+        result.GetFormat().Set(uchar(C_NF_BOOL));
 }
 
 constexpr FunctionRow kRows[] = {
     {13223, L"AND", L"value...", L"TRUE when no value is 0.", AtLeast<0>, Fold<kAnd>},
-    {13224, L"IF", L"condition; then; else", L"One of two values by a condition.", FirstSingle<1>, EvalIf, kChooseFunc, ChooseBranch},
+    {13224, L"IF", L"condition; then; else", L"One of two values by a condition.", FirstSingle<1>,
+     EvalIf, kChooseFunc, ChooseBranch},
     {13225, L"NOT", L"value", L"TRUE when a value is 0.", Singles<1>, EvalNot},
     {13226, L"OR", L"value...", L"TRUE when a value is not 0.", AtLeast<0>, Fold<kOr>},
 };

@@ -21,16 +21,20 @@ namespace {
 // What an operator over nothing but blanks gives: two blanks are equal.
 void SetBlankResult(int code, CCCellValue & result) {
     switch (code) {
-    case kPower: return result.Set(1.0, uchar(C_NF_GENERAL));
+    case kPower:
+        return result.Set(1.0, uchar(C_NF_GENERAL));
     case kEqual:
     case kGreaterOrEqual:
-    case kLessOrEqual: return SetTruth(result, true);
+    case kLessOrEqual:
+        return SetTruth(result, true);
     case kAnd:
     case kOr:
     case kNotEqual:
     case kGreater:
-    case kLess: return SetTruth(result, false);
-    default: return result.Set(0.0, uchar(C_NF_GENERAL));
+    case kLess:
+        return SetTruth(result, false);
+    default:
+        return result.Set(0.0, uchar(C_NF_GENERAL));
     }
 }
 
@@ -57,17 +61,20 @@ void EvalNot(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef 
 
 namespace {
 
-void EvalPlusSign(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+void EvalPlusSign(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                  CCRef const * current) {
     EvalArg(ctx, result, args, current);
 }
 
 // The sign of a number changes and its format stays; everything else passes.
-void EvalMinusSign(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+void EvalMinusSign(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                   CCRef const * current) {
     EvalArg(ctx, result, args, current);
     if (result.IsNumber()) result.Set(-result.GetNumber());
 }
 
-void EvalPercent(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+void EvalPercent(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                 CCRef const * current) {
     EvalArg(ctx, result, args, current);
     if (result.IsNumber()) result.Set(result.GetNumber() / 100, uchar(C_NF_GENERAL));
 }
@@ -75,7 +82,8 @@ void EvalPercent(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CC
 using OwnedRef = std::unique_ptr<CCRef>;
 
 // The reference that an argument is, or yields; null with an error in `result`.
-OwnedRef RefArgument(CTX * ctx, CCCellValue & result, CCFormula const & formula, CCRef const * current) {
+OwnedRef RefArgument(CTX * ctx, CCCellValue & result, CCFormula const & formula,
+                     CCRef const * current) {
     if (formula.GetType() == kRefFormula) {
         CCRef const * const ref = static_cast<CCRefFormula const &>(formula).GetRef();
         if (ref) return OwnedRef(ref->Copy());
@@ -89,12 +97,14 @@ OwnedRef RefArgument(CTX * ctx, CCCellValue & result, CCFormula const & formula,
 }
 
 // A corner of a range: a cell, or a name that stands for one.
-OwnedRef CornerArgument(CTX * ctx, CCCellValue & result, CCFormula const & formula, CCRef const * current) {
+OwnedRef CornerArgument(CTX * ctx, CCCellValue & result, CCFormula const & formula,
+                        CCRef const * current) {
     OwnedRef ref = RefArgument(ctx, result, formula, current);
     if (!ref) return nullptr;
     if (ref->GetType() == kRefName) {
         CCCellManager * const manager = ctx->manager();
-        ref.reset(manager ? manager->TranslateNameRef(static_cast<CCNameRef *>(ref.get())) : nullptr);
+        ref.reset(manager ? manager->TranslateNameRef(static_cast<CCNameRef *>(ref.get()))
+                          : nullptr);
     }
     if (ref && ref->GetType() == kRefCell) return ref;
     result.Set(errValue);
@@ -120,8 +130,9 @@ void EvalRange(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRe
 ushort SheetNumber(CTX * ctx, CCFormula const & formula, CCRef const * current) {
     CCCellManager * const manager = ctx->manager();
     if (!manager) return 0;
-    CCRef const * ref = formula.GetType() == kRefFormula ? static_cast<CCRefFormula const &>(formula).GetRef()
-                                                         : nullptr;
+    CCRef const * ref = formula.GetType() == kRefFormula
+                            ? static_cast<CCRefFormula const &>(formula).GetRef()
+                            : nullptr;
     CCCellValue value;
     if (!ref) {
         formula.Eval(ctx, value, current);
@@ -134,7 +145,8 @@ ushort SheetNumber(CTX * ctx, CCFormula const & formula, CCRef const * current) 
 
 bool IsFullRef(CCFormula const & formula) {
     return formula.GetType() == kRefOpFormula &&
-           static_cast<CCOpFormula const &>(formula).GetFunc() == OperatorObject(Operator::kFullRef);
+           static_cast<CCOpFormula const &>(formula).GetFunc() ==
+               OperatorObject(Operator::kFullRef);
 }
 
 bool IsSheetCell(CCRef const * ref) {
@@ -144,16 +156,19 @@ bool IsSheetCell(CCRef const * ref) {
 }
 
 // "Sheet1!A1:Sheet3!B2": the sheets of both corners, and the region between their cells.
-void EvalSheetCorners(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+void EvalSheetCorners(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                      CCRef const * current) {
     OwnedRef const first = RefArgument(ctx, result, *args->formula, current);
     OwnedRef const last = first ? RefArgument(ctx, result, *args->next->formula, current) : nullptr;
-    if (!first || !last || !IsSheetCell(first.get()) || !IsSheetCell(last.get())) return result.Set(errRef);
+    if (!first || !last || !IsSheetCell(first.get()) || !IsSheetCell(last.get()))
+        return result.Set(errRef);
     auto const & a = *static_cast<CCRef3D *>(first.get());
     auto const & b = *static_cast<CCRef3D *>(last.get());
     result.AdoptRef(new CCRef3D(a.firstSheet, b.firstSheet, RegionBetween(a.ref, b.ref).release()));
 }
 
-void EvalSheetRange(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+void EvalSheetRange(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                    CCRef const * current) {
     CCFormulaList const * const second = args->next;
     if (second && IsFullRef(*args->formula) && IsFullRef(*second->formula))
         return EvalSheetCorners(ctx, result, args, current);
@@ -163,7 +178,8 @@ void EvalSheetRange(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     result.AdoptRef(new CCRef3D(first, last));
 }
 
-void EvalFullRef(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+void EvalFullRef(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                 CCRef const * current) {
     OwnedRef const sheets = RefArgument(ctx, result, *args->formula, current);
     OwnedRef inner = sheets ? RefArgument(ctx, result, *args->next->formula, current) : nullptr;
     if (!inner || sheets->GetType() != kRefSheets) return result.Set(errRef);

@@ -13,14 +13,17 @@ ValueWalk::Kind ValueWalk::KindOf(CTX * ctx, CCFormula * formula) {
     switch (formula->Kind()) {
     case kConstFormula:
         return static_cast<CCConstFormula *>(formula)->IsOpen() ? Kind::kWalk : Kind::kConstant;
-    case kOpFormula: return static_cast<CCOpFormula *>(formula)->IsOpen() ? Kind::kWalk : Kind::kOperator;
+    case kOpFormula:
+        return static_cast<CCOpFormula *>(formula)->IsOpen() ? Kind::kWalk : Kind::kOperator;
     case kRefFormula: {
         CCRef const * const ref = static_cast<CCRefFormula *>(formula)->GetRef();
         CCCellManager const * const manager = ctx->manager();
-        bool const direct = ref && ref->Kind() == kRefCell && manager && manager->ReadsCellsDirectly();
+        bool const direct =
+            ref && ref->Kind() == kRefCell && manager && manager->ReadsCellsDirectly();
         return direct ? Kind::kCell : Kind::kWalk;
     }
-    default: return Kind::kWalk;
+    default:
+        return Kind::kWalk;
     }
 }
 
@@ -42,8 +45,11 @@ ValueWalk::~ValueWalk() {
 
 bool ValueWalk::Next(CCCellValue & value) {
     switch (m_Kind) {
-    case Kind::kWalk: return m_Formula->NextValue(m_Ctx, m_Handle, value, m_Current) != 0;
-    case Kind::kConstant: value.Set(static_cast<CCConstFormula *>(m_Formula)->GetValue()); break;
+    case Kind::kWalk:
+        return m_Formula->NextValue(m_Ctx, m_Handle, value, m_Current) != 0;
+    case Kind::kConstant:
+        value.Set(static_cast<CCConstFormula *>(m_Formula)->GetValue());
+        break;
     case Kind::kOperator:
         m_Formula->Eval(m_Ctx, value, m_Current);
         if (value.IsRef()) Dereference(m_Ctx, value);
@@ -53,7 +59,8 @@ bool ValueWalk::Next(CCCellValue & value) {
         if (!m_Ctx->manager()->GetValue(ref, value, 0)) value.Set(errRef);
         break;
     }
-    default: return false;
+    default:
+        return false;
     }
     m_Kind = Kind::kDone;
     return true;
@@ -69,7 +76,8 @@ Status ForEachNumberOf(CTX * ctx, CCFormula * formula, CCRef const * current, Nu
     if (formula->GetType() == kRefFormula) {
         CCRef const * const ref = static_cast<CCRefFormula *>(formula)->GetRef();
         CCCellManager * const manager = ctx->manager();
-        if (ref && manager && ref->GetType() == kRefRegion && manager->ReadNumbers(ref, sink)) return Status::kDone;
+        if (ref && manager && ref->GetType() == kRefRegion && manager->ReadNumbers(ref, sink))
+            return Status::kDone;
     }
     ValueWalk walk(ctx, formula, current);
     if (!walk.IsOpen()) return Status::kBadReference;
@@ -82,7 +90,8 @@ Status ForEachNumberOf(CTX * ctx, CCFormula * formula, CCRef const * current, Nu
     return Status::kDone;
 }
 
-Status ForEachNumber(CTX * ctx, CCFormulaList const * args, CCRef const * current, NumberSink & sink) {
+Status ForEachNumber(CTX * ctx, CCFormulaList const * args, CCRef const * current,
+                     NumberSink & sink) {
     for (; args; args = args->next) {
         Status const status = ForEachNumberOf(ctx, args->formula, current, sink);
         if (status != Status::kDone) return status;
@@ -113,7 +122,8 @@ struct CollectSink final : NumberSink {
 
 } // namespace
 
-Status ListStats(CTX * ctx, CCFormulaList const * args, CCRef const * current, NumberStats & stats) {
+Status ListStats(CTX * ctx, CCFormulaList const * args, CCRef const * current,
+                 NumberStats & stats) {
     for (; args; args = args->next) {
         StatsSink sink;
         Status const status = ForEachNumberOf(ctx, args->formula, current, sink);
@@ -125,7 +135,8 @@ Status ListStats(CTX * ctx, CCFormulaList const * args, CCRef const * current, N
     return Status::kDone;
 }
 
-Status CollectDoubles(CTX * ctx, CCFormulaList const * args, CCRef const * current, std::vector<double> & out) {
+Status CollectDoubles(CTX * ctx, CCFormulaList const * args, CCRef const * current,
+                      std::vector<double> & out) {
     out.clear();
     CollectSink sink(out);
     return ForEachNumber(ctx, args, current, sink);

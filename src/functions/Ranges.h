@@ -54,7 +54,8 @@ bool ForEachValue(CTX * ctx, CCFormulaList const * args, CCRef const * current, 
 // Gives every number of one argument, or of all, to the sink and skips everything else; regions go
 // in bulk where the host serves them so. kBadReference where one cannot be opened.
 Status ForEachNumberOf(CTX * ctx, CCFormula * formula, CCRef const * current, NumberSink & sink);
-Status ForEachNumber(CTX * ctx, CCFormulaList const * args, CCRef const * current, NumberSink & sink);
+Status ForEachNumber(CTX * ctx, CCFormulaList const * args, CCRef const * current,
+                     NumberSink & sink);
 
 struct NumberStats {
     double sum = 0, sumSquares = 0, count = 0;
@@ -64,6 +65,7 @@ struct NumberStats {
 Status ListStats(CTX * ctx, CCFormulaList const * args, CCRef const * current, NumberStats & stats);
 
 // All numbers, in walking order.
-Status CollectDoubles(CTX * ctx, CCFormulaList const * args, CCRef const * current, std::vector<double> & out);
+Status CollectDoubles(CTX * ctx, CCFormulaList const * args, CCRef const * current,
+                      std::vector<double> & out);
 
 } // namespace cells::internal

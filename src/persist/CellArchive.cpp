@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr std::size_t kLength = 4;            // bytes of a block's length
-constexpr std::size_t kPiece = 65536;         // largest step in which announced bytes are taken
+constexpr std::size_t kLength = 4;    // bytes of a block's length
+constexpr std::size_t kPiece = 65536; // largest step in which announced bytes are taken
 constexpr unsigned kDependentsStep = 8, kFormulaStep = 16;
 
 std::uint32_t LengthOf(uchar const * block) {
@@ -105,7 +105,8 @@ void CCItem::SerializeDependents(cells::CTX * ctx) {
 
 void CCItem::SaveDependents(cells::CTX * ctx, CCRefList * list) {
     if (!list) return DropBlock();
-    m_pDependentsData = MakeBlock(kDependentsStep, 0, [&](CArchive & ar) { RefListWrite(ctx, list, ar); });
+    m_pDependentsData =
+        MakeBlock(kDependentsStep, 0, [&](CArchive & ar) { RefListWrite(ctx, list, ar); });
     DeleteDependentRefs(ctx);
 }
 

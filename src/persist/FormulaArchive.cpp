@@ -26,15 +26,24 @@ struct DepthGuard {
 
 std::unique_ptr<CCFormula> NewFormula(int type) {
     switch (type) {
-    case kConstFormula: return std::make_unique<CCConstFormula>();
-    case kConstArrayFormula: return std::make_unique<CCConstArrayFormula>();
-    case kRefFormula: return std::make_unique<CCRefFormula>();
-    case kOpFormula: return std::make_unique<CCOpFormula>();
-    case kChooseOpFormula: return std::make_unique<CCChooseOpFormula>();
-    case kRemoteOpFormula: return std::make_unique<CCRemoteOpFormula>();
-    case kDocOpFormula: return std::make_unique<CCDocOpFormula>();
-    case kRefOpFormula: return std::make_unique<CCRefOpFormula>();
-    default: return nullptr;
+    case kConstFormula:
+        return std::make_unique<CCConstFormula>();
+    case kConstArrayFormula:
+        return std::make_unique<CCConstArrayFormula>();
+    case kRefFormula:
+        return std::make_unique<CCRefFormula>();
+    case kOpFormula:
+        return std::make_unique<CCOpFormula>();
+    case kChooseOpFormula:
+        return std::make_unique<CCChooseOpFormula>();
+    case kRemoteOpFormula:
+        return std::make_unique<CCRemoteOpFormula>();
+    case kDocOpFormula:
+        return std::make_unique<CCDocOpFormula>();
+    case kRefOpFormula:
+        return std::make_unique<CCRefOpFormula>();
+    default:
+        return nullptr;
     }
 }
 

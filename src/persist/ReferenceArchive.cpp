@@ -27,13 +27,20 @@ struct DepthGuard {
 
 std::unique_ptr<CCRef> NewRef(int type) {
     switch (type) {
-    case kRefCell: return std::make_unique<CCRCRef>();
-    case kRefRegion: return std::make_unique<CCRegionRef>();
-    case kRefName: return std::make_unique<CCNameRef>();
-    case kRefRemote: return std::make_unique<CCRemoteRef>();
-    case kRefDocument: return std::make_unique<CCDocumentRef>();
-    case kRefSheets: return std::make_unique<CCRef3D>();
-    default: return nullptr;
+    case kRefCell:
+        return std::make_unique<CCRCRef>();
+    case kRefRegion:
+        return std::make_unique<CCRegionRef>();
+    case kRefName:
+        return std::make_unique<CCNameRef>();
+    case kRefRemote:
+        return std::make_unique<CCRemoteRef>();
+    case kRefDocument:
+        return std::make_unique<CCDocumentRef>();
+    case kRefSheets:
+        return std::make_unique<CCRef3D>();
+    default:
+        return nullptr;
     }
 }
 
@@ -52,7 +59,9 @@ void CCRegionRef::Read(cells::CTX *, CArchive & ar) { ar >> left >> top >> right
 void CCNameRef::Write(cells::CTX *, CArchive & ar) const { WriteString(ar, name()); }
 void CCNameRef::Read(cells::CTX *, CArchive & ar) { m_Name.reset(ReadString(ar)); }
 
-void CCRemoteRef::Write(cells::CTX *, CArchive & ar) const { ar << m_strDocument << m_strReference; }
+void CCRemoteRef::Write(cells::CTX *, CArchive & ar) const {
+    ar << m_strDocument << m_strReference;
+}
 void CCRemoteRef::Read(cells::CTX *, CArchive & ar) { ar >> m_strDocument >> m_strReference; }
 
 void CCDocumentRef::Write(cells::CTX *, CArchive & ar) const { ar << uchar(docType); }
@@ -69,7 +78,8 @@ void CCRef3D::Write(cells::CTX * ctx, CArchive & ar) const {
     ushort first = firstSheet, last = lastSheet;
     if (m_bManagerForm) {
         CCCellManager * const manager = GetManager();
-        first = last = manager ? manager->GetNameIndex(manager->GetSheetName().GetString()) : ushort(0);
+        first = last =
+            manager ? manager->GetNameIndex(manager->GetSheetName().GetString()) : ushort(0);
     }
     ar << first << last;
     WriteRef(ctx, ar, ref);

@@ -11,13 +11,18 @@
 void CCCellValue::Write(cells::CTX *, CArchive & ar) const {
     ar << m_nType;
     switch (m_nType) {
-    case vtError: ar << std::uint32_t(m_nError); break;
-    case vtText: WriteString(ar, GetText()); break;
+    case vtError:
+        ar << std::uint32_t(m_nError);
+        break;
+    case vtText:
+        WriteString(ar, GetText());
+        break;
     case vtNumber:
         ar << m_dNumber;
         m_Format.Write(ar);
         break;
-    default: break; // a reference is not stored
+    default:
+        break; // a reference is not stored
     }
 }
 
@@ -26,21 +31,25 @@ void CCCellValue::Read(cells::CTX *, CArchive & ar) {
     uchar type;
     ar >> type;
     switch (type) {
-    case vtEmpty: return;
+    case vtEmpty:
+        return;
     case vtError: {
         std::uint32_t error;
         ar >> error;
         return Set(int(error));
     }
-    case vtText: return Set(cells::HeapText(ReadString(ar)).get());
+    case vtText:
+        return Set(cells::HeapText(ReadString(ar)).get());
     case vtNumber: {
         double number;
         ar >> number;
         m_Format.Read(ar);
         return Set(number);
     }
-    case vtRef: return AdoptRef(nullptr);
-    default: throw CArchiveException(CArchiveException::badSchema);
+    case vtRef:
+        return AdoptRef(nullptr);
+    default:
+        throw CArchiveException(CArchiveException::badSchema);
     }
 }
 
@@ -60,7 +69,8 @@ CCCellValue * ReadCellValue(cells::CTX * ctx, CArchive & ar) {
 
 void WriteValueArray(cells::CTX * ctx, CArchive & ar, CPtrArray const & values) {
     ar << std::uint32_t(values.GetSize());
-    for (int i = 0; i < values.GetSize(); ++i) WriteCellValue(ctx, ar, static_cast<CCCellValue *>(values[i]));
+    for (int i = 0; i < values.GetSize(); ++i)
+        WriteCellValue(ctx, ar, static_cast<CCCellValue *>(values[i]));
 }
 
 // The array grows with what is read; after a failure the caller frees what is in it.

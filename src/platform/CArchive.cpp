@@ -1,8 +1,8 @@
 #include "platform/CArchive.h"
 
-#include "platform/HeapText.h"
 #include "platform/CodePage.h"
 #include "platform/Exceptions.h"
+#include "platform/HeapText.h"
 
 #include <algorithm>
 #include <bit>
@@ -22,7 +22,8 @@ void PutLittleEndian(uchar * out, Number value) {
 template <typename Number>
 Number GetLittleEndian(uchar const * in) {
     Number value = 0;
-    for (std::size_t i = 0; i < sizeof(Number); ++i) value = Number(value | Number(Number(in[i]) << (8 * i)));
+    for (std::size_t i = 0; i < sizeof(Number); ++i)
+        value = Number(value | Number(Number(in[i]) << (8 * i)));
     return value;
 }
 

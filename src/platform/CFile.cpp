@@ -58,7 +58,8 @@ CMemFile::CMemFile(void const * bytes, std::size_t count)
     : m_Bytes(static_cast<uchar const *>(bytes), static_cast<uchar const *>(bytes) + count) {}
 
 std::size_t CMemFile::Read(void * buffer, std::size_t count) {
-    std::size_t const got = m_Position < m_Bytes.size() ? std::min(count, m_Bytes.size() - m_Position) : 0;
+    std::size_t const got =
+        m_Position < m_Bytes.size() ? std::min(count, m_Bytes.size() - m_Position) : 0;
     if (got) std::memcpy(buffer, m_Bytes.data() + m_Position, got);
     m_Position += got;
     return got;

@@ -40,8 +40,8 @@ COleDateTime::DateParts COleDateTime::Parts() const {
         day += 1;
     }
     std::chrono::year_month_day const date{kEpoch + days(long(day))};
-    return {int(date.year()), int(unsigned(date.month())), int(unsigned(date.day())),
-            int(seconds / 3600), int(seconds / 60 % 60), int(seconds % 60)};
+    return {int(date.year()),    int(unsigned(date.month())), int(unsigned(date.day())),
+            int(seconds / 3600), int(seconds / 60 % 60),      int(seconds % 60)};
 }
 
 } // namespace ATL

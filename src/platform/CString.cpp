@@ -103,9 +103,10 @@ void CString::Append(wchar_t const * units, std::size_t count) {
     std::size_t const needed = length + count + CountWide(units, count);
     bool const inside = m_pRep && units >= m_pRep->Units() && units <= m_pRep->Units() + length;
     CString const keep = inside ? *this : CString();
-    std::size_t const room = length && m_pRep->references == 1 && needed > std::size_t(m_pRep->capacity)
-                                 ? std::max(needed, length + length / 2)
-                                 : needed;
+    std::size_t const room =
+        length && m_pRep->references == 1 && needed > std::size_t(m_pRep->capacity)
+            ? std::max(needed, length + length / 2)
+            : needed;
     MakeOwn(room);
     wchar_t * end = CopySplit(units, count, m_pRep->Units() + length);
     *end = 0;
@@ -158,14 +159,16 @@ int CString::ReverseFind(wchar_t unit) const {
 CString & CString::MakeUpper() {
     if (IsEmpty()) return *this;
     MakeOwn(std::size_t(GetLength()));
-    for (int i = 0; i < m_pRep->length; ++i) m_pRep->Units()[i] = cells::ToUpper(m_pRep->Units()[i]);
+    for (int i = 0; i < m_pRep->length; ++i)
+        m_pRep->Units()[i] = cells::ToUpper(m_pRep->Units()[i]);
     return *this;
 }
 
 CString & CString::MakeLower() {
     if (IsEmpty()) return *this;
     MakeOwn(std::size_t(GetLength()));
-    for (int i = 0; i < m_pRep->length; ++i) m_pRep->Units()[i] = cells::ToLower(m_pRep->Units()[i]);
+    for (int i = 0; i < m_pRep->length; ++i)
+        m_pRep->Units()[i] = cells::ToLower(m_pRep->Units()[i]);
     return *this;
 }
 

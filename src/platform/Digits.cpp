@@ -19,9 +19,7 @@ void Keep(DigitText & out, char const * text, std::size_t length) {
     std::copy_n(text, out.length, out.text);
 }
 
-void UpperExponent(DigitText & out) {
-    std::replace(out.text, out.text + out.length, 'e', 'E');
-}
+void UpperExponent(DigitText & out) { std::replace(out.text, out.text + out.length, 'e', 'E'); }
 
 void PrintDigits(DigitText & out, double value, std::chars_format format, int precision) {
     char buffer[kLongest];

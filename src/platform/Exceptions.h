@@ -24,10 +24,9 @@ public:
     Cause const m_cause;
 
 private:
-    static constexpr char const * kTexts[] = {"file failure", "the file does not exist",
-                                              "the file cannot be opened",
-                                              "no such position in the file",
-                                              "the file cannot be read or written"};
+    static constexpr char const * kTexts[] = {
+        "file failure", "the file does not exist", "the file cannot be opened",
+        "no such position in the file", "the file cannot be read or written"};
 };
 
 class CMemoryException : public std::exception {

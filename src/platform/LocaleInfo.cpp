@@ -25,14 +25,15 @@ LocaleItems MakeInvariantItems() {
     Fill(items, LOCALE_SSHORTDATE, {L"M/d/yyyy"});
     Fill(items, LOCALE_IDATE, {L"0"});
     Fill(items, LOCALE_ITIME, {L"0", L"1", L"1", L"0", L"0", L"AM", L"PM"});
-    Fill(items, LOCALE_SDAYNAME1, {L"Monday", L"Tuesday", L"Wednesday", L"Thursday", L"Friday",
-                                   L"Saturday", L"Sunday"});
+    Fill(items, LOCALE_SDAYNAME1,
+         {L"Monday", L"Tuesday", L"Wednesday", L"Thursday", L"Friday", L"Saturday", L"Sunday"});
     Fill(items, LOCALE_SABBREVDAYNAME1, {L"Mon", L"Tue", L"Wed", L"Thu", L"Fri", L"Sat", L"Sun"});
     Fill(items, LOCALE_SMONTHNAME1,
          {L"January", L"February", L"March", L"April", L"May", L"June", L"July", L"August",
           L"September", L"October", L"November", L"December"});
-    Fill(items, LOCALE_SABBREVMONTHNAME1, {L"Jan", L"Feb", L"Mar", L"Apr", L"May", L"Jun", L"Jul",
-                                           L"Aug", L"Sep", L"Oct", L"Nov", L"Dec"});
+    Fill(items, LOCALE_SABBREVMONTHNAME1,
+         {L"Jan", L"Feb", L"Mar", L"Apr", L"May", L"Jun", L"Jul", L"Aug", L"Sep", L"Oct", L"Nov",
+          L"Dec"});
     Fill(items, LOCALE_SNEGATIVESIGN, {L"-"});
     Fill(items, LOCALE_SISO639LANGNAME, {L"iv"});
     return items;
@@ -74,11 +75,13 @@ YearPart FindYear(CString const & pattern, wchar_t separator) {
 
 } // namespace
 
-CLocaleInfo::CLocaleInfo() : CLocaleInfo(CString(), InvariantItems(), cells::internal::MakeRootCollator()) {
+CLocaleInfo::CLocaleInfo()
+    : CLocaleInfo(CString(), InvariantItems(), cells::internal::MakeRootCollator()) {
     m_Facts.dateYearPosition = 1;
 }
 
-CLocaleInfo::CLocaleInfo(CString name, LocaleItems items, std::unique_ptr<multilang::Collator> collator)
+CLocaleInfo::CLocaleInfo(CString name, LocaleItems items,
+                         std::unique_ptr<multilang::Collator> collator)
     : m_Name(std::move(name)), m_Items(std::move(items)), m_Collator(std::move(collator)) {
     for (unsigned int item = 1; item < kLocaleItems; ++item)
         if (m_Items[item].IsEmpty()) m_Items[item] = InvariantItems()[item];
@@ -160,12 +163,15 @@ CLocaleInfo const & CLocaleInfosCache::user() {
     return *m_User;
 }
 
-CLocaleInfo const & CLocaleInfosCache::system() { return find(FromEnvironment({"LC_ALL", "LANG"})); }
+CLocaleInfo const & CLocaleInfosCache::system() {
+    return find(FromEnvironment({"LC_ALL", "LANG"}));
+}
 
 CLocaleInfo const & CLocaleInfosCache::find(CString const & name) {
     CString const tag = NormalizeLocaleName(name);
     std::unique_ptr<CLocaleInfo> & info = m_Infos[tag];
-    if (!info) info = tag.IsEmpty() ? std::make_unique<CLocaleInfo>() : cells::internal::LoadLocale(tag);
+    if (!info)
+        info = tag.IsEmpty() ? std::make_unique<CLocaleInfo>() : cells::internal::LoadLocale(tag);
     return *info;
 }
 

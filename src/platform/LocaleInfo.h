@@ -74,7 +74,9 @@ public:
 
     CString const & Name() const { return m_Name; }
     // The text of an item; empty outside 1 to 89.
-    CString const & Item(unsigned int item) const { return m_Items[item < kLocaleItems ? item : 0]; }
+    CString const & Item(unsigned int item) const {
+        return m_Items[item < kLocaleItems ? item : 0];
+    }
     multilang::Collator const * Collator() const { return m_Collator.get(); }
 
     // Facts decoded from the items, one for each accessor of CLegacyLocaleContext.
@@ -151,8 +153,8 @@ public:
         return Month(LOCALE_SABBREVMONTHNAME1, month);
     }
     uchar defaultDateFormat() const { return Facts().defaultDateFormat; } // option byte B
-    int days2() const { return Facts().days2; }     // 1: days in two digits
-    int months2() const { return Facts().months2; } // 1: months in two digits
+    int days2() const { return Facts().days2; }                           // 1: days in two digits
+    int months2() const { return Facts().months2; }                       // 1: months in two digits
     wchar_t timeSeparator() const { return Facts().timeSeparator; }
     int timeRange() const { return Facts().timeRange; } // 12 or 24
     wchar_t const * timeAMString() const { return Facts().am; }
@@ -167,7 +169,8 @@ public:
 private:
     CLocaleInfo::Facts const & Facts() const { return m_Locale->Get(); }
     wchar_t const * Month(unsigned int first, int month) const {
-        return month >= 1 && month <= 12 ? m_Locale->Item(first + unsigned(month) - 1).GetString() : L"";
+        return month >= 1 && month <= 12 ? m_Locale->Item(first + unsigned(month) - 1).GetString()
+                                         : L"";
     }
 
     CLocaleInfo const * m_Locale;

@@ -132,7 +132,7 @@ int IndexOf(CString const & shape, wchar_t const * const (&shapes)[N], int missi
 void ReadCurrencyOrders(CString const & pattern, bool unitedStates, LocaleItems & items) {
     static constexpr wchar_t const * kPositive[] = {L"$#", L"#$", L"$ #", L"# $"};
     static constexpr wchar_t const * kNegative[] = {
-        L"($#)", L"-$#", L"$-#", L"$#-", L"(#$)", L"-#$",  L"#-$",  L"#$-",
+        L"($#)", L"-$#",  L"$-#",  L"$#-",  L"(#$)", L"-#$",  L"#-$",   L"#$-",
         L"-# $", L"-$ #", L"# $-", L"$ #-", L"$ -#", L"#- $", L"($ #)", L"(# $)"};
     static constexpr int kPlainNegative[] = {1, 5, 9, 8};
     int const semicolon = pattern.Find(L';');
@@ -154,12 +154,14 @@ void ReadCurrency(std::string const & name, LocaleItems & items) {
     UErrorCode status = U_ZERO_ERROR;
     int32_t length = 0;
     UBool choice = false;
-    UChar const * symbol = ucurr_getName(code.c_str(), name.c_str(), UCURR_SYMBOL_NAME, &choice, &length, &status);
+    UChar const * symbol =
+        ucurr_getName(code.c_str(), name.c_str(), UCURR_SYMBOL_NAME, &choice, &length, &status);
     if (U_SUCCESS(status) && Units(symbol, std::size_t(length)) != u"\u00A4")
         items[LOCALE_SCURRENCY] = FromUnits(Units(symbol, std::size_t(length)));
     items[LOCALE_SINTLSYMBOL] = FromUnits(code) + CString(L" ");
     items[LOCALE_SMONDECIMALSEP] = Symbol(money, UNUM_MONETARY_SEPARATOR_SYMBOL);
-    items[LOCALE_SMONTHOUSANDSEP] = GroupSeparator(Symbol(money, UNUM_MONETARY_GROUPING_SEPARATOR_SYMBOL));
+    items[LOCALE_SMONTHOUSANDSEP] =
+        GroupSeparator(Symbol(money, UNUM_MONETARY_GROUPING_SEPARATOR_SYMBOL));
     items[LOCALE_SMONGROUPING] = Grouping(money);
     status = U_ZERO_ERROR;
     int32_t const digits = ucurr_getDefaultFractionDigits(code.c_str(), &status);
@@ -178,11 +180,15 @@ CString PlainDatePattern(CString const & pattern) {
         if (unit == L'\'') quoted = !quoted;
         bool const mark = unit == 0x200E || unit == 0x200F || unit == 0x061C;
         if (quoted || unit == L'\'' || mark) continue;
-        bool const newYear = unit == L'y' && (plain.IsEmpty() || plain[plain.GetLength() - 1] != L'y');
-        if (newYear) plain += L"yyyy";
-        else if (unit != L'y' && unit != L'G') plain += unit == L'L' ? L'M' : unit;
+        bool const newYear =
+            unit == L'y' && (plain.IsEmpty() || plain[plain.GetLength() - 1] != L'y');
+        if (newYear)
+            plain += L"yyyy";
+        else if (unit != L'y' && unit != L'G')
+            plain += unit == L'L' ? L'M' : unit;
     }
-    while (!plain.IsEmpty() && !IsAlpha(plain[plain.GetLength() - 1])) plain = plain.Left(plain.GetLength() - 1);
+    while (!plain.IsEmpty() && !IsAlpha(plain[plain.GetLength() - 1]))
+        plain = plain.Left(plain.GetLength() - 1);
     return plain;
 }
 
@@ -201,7 +207,8 @@ wchar_t const * DateOrderOf(CString const & pattern) {
 // The character between the hour and the minute.
 CString TimeSeparator(CString const & pattern) {
     for (int i = 1; i < pattern.GetLength(); ++i)
-        if (CString(L"HhKk").Find(pattern[i - 1]) >= 0 && !IsAlpha(pattern[i])) return CString(pattern[i]);
+        if (CString(L"HhKk").Find(pattern[i - 1]) >= 0 && !IsAlpha(pattern[i]))
+            return CString(pattern[i]);
     return {};
 }
 
@@ -218,11 +225,13 @@ void ReadDates(std::string const & name, LocaleItems & items) {
     for (int i = 0; i < 7; ++i) {
         int32_t const day = i == 6 ? UCAL_SUNDAY : UCAL_MONDAY + i;
         items[LOCALE_SDAYNAME1 + unsigned(i)] = DateSymbol(dates, UDAT_STANDALONE_WEEKDAYS, day);
-        items[LOCALE_SABBREVDAYNAME1 + unsigned(i)] = DateSymbol(dates, UDAT_STANDALONE_SHORT_WEEKDAYS, day);
+        items[LOCALE_SABBREVDAYNAME1 + unsigned(i)] =
+            DateSymbol(dates, UDAT_STANDALONE_SHORT_WEEKDAYS, day);
     }
     for (int i = 0; i < 12; ++i) {
         items[LOCALE_SMONTHNAME1 + unsigned(i)] = DateSymbol(dates, UDAT_STANDALONE_MONTHS, i);
-        items[LOCALE_SABBREVMONTHNAME1 + unsigned(i)] = DateSymbol(dates, UDAT_STANDALONE_SHORT_MONTHS, i);
+        items[LOCALE_SABBREVMONTHNAME1 + unsigned(i)] =
+            DateSymbol(dates, UDAT_STANDALONE_SHORT_MONTHS, i);
     }
     items[LOCALE_S1159] = DateSymbol(dates, UDAT_AM_PMS, 0);
     items[LOCALE_S2359] = DateSymbol(dates, UDAT_AM_PMS, 1);
@@ -296,7 +305,8 @@ std::unique_ptr<CLocaleInfo> LoadLocale(CString const & tag) {
     ReadCurrency(name, items);
     ReadDates(name, items);
     ReadTimes(name, items);
-    return std::make_unique<CLocaleInfo>(tag, std::move(items), std::make_unique<IcuCollator>(plain));
+    return std::make_unique<CLocaleInfo>(tag, std::move(items),
+                                         std::make_unique<IcuCollator>(plain));
 }
 
 } // namespace cells::internal

@@ -79,7 +79,8 @@ public:
     static void Give(void * memory) noexcept {
         auto const address = reinterpret_cast<std::uintptr_t>(memory);
         Block & block = *reinterpret_cast<Block *>(address & ~std::uintptr_t(kBlockSize - 1));
-        std::size_t const slot = (address - reinterpret_cast<std::uintptr_t>(block.Places())) / kStride;
+        std::size_t const slot =
+            (address - reinterpret_cast<std::uintptr_t>(block.Places())) / kStride;
         block.free[slot / 64] |= std::uint64_t(1) << slot % 64;
         block.hint = std::min(block.hint, slot / 64);
         if (block.count++ > 0) return;
@@ -110,7 +111,8 @@ private:
         void * memory = std::aligned_alloc(kBlockSize, kBlockSize);
         if (!memory) throw std::bad_alloc();
         Block * block = new (memory) Block{nullptr, s_All, kPlaces, 0, {}};
-        for (std::size_t slot = 0; slot < kPlaces; ++slot) block->free[slot / 64] |= std::uint64_t(1) << slot % 64;
+        for (std::size_t slot = 0; slot < kPlaces; ++slot)
+            block->free[slot / 64] |= std::uint64_t(1) << slot % 64;
         return s_All = block;
     }
 

@@ -49,9 +49,12 @@ fs::path StorePath() {
 std::string Escaped(std::string const & text) {
     std::string escaped;
     for (char c : text) {
-        if (c == '\\') escaped += "\\\\";
-        else if (c == '\n') escaped += "\\n";
-        else escaped += c;
+        if (c == '\\')
+            escaped += "\\\\";
+        else if (c == '\n')
+            escaped += "\\n";
+        else
+            escaped += c;
     }
     return escaped;
 }
@@ -93,7 +96,8 @@ bool WriteStore(Store const & store) {
         std::ofstream file(temporary, std::ios::trunc);
         for (auto const & [section, keys] : store) {
             file << '[' << Escaped(section) << "]\n";
-            for (auto const & [key, value] : keys) file << Escaped(key) << '=' << Escaped(value) << '\n';
+            for (auto const & [key, value] : keys)
+                file << Escaped(key) << '=' << Escaped(value) << '\n';
         }
         file.flush();
         if (!file) return false;
@@ -117,7 +121,8 @@ CString GetModuleProfileKey() { return Module().key; }
 CString GetModuleProfileSection() { return Module().section; }
 CString GetModuleProfileName() { return Module().name; }
 
-CString GetModuleProfileString(wchar_t const * section, wchar_t const * key, wchar_t const * fallback) {
+CString GetModuleProfileString(wchar_t const * section, wchar_t const * key,
+                               wchar_t const * fallback) {
     Store const store = ReadStore();
     auto const keys = store.find(Narrow(section));
     if (keys == store.end()) return CString(fallback);
@@ -134,9 +139,12 @@ int GetModuleProfileInt(wchar_t const * section, wchar_t const * key, int fallba
 
 int WriteModuleProfileString(wchar_t const * section, wchar_t const * key, wchar_t const * value) {
     Store store = ReadStore();
-    if (!key) store.erase(Narrow(section));
-    else if (!value) store[Narrow(section)].erase(Narrow(key));
-    else store[Narrow(section)][Narrow(key)] = Narrow(value);
+    if (!key)
+        store.erase(Narrow(section));
+    else if (!value)
+        store[Narrow(section)].erase(Narrow(key));
+    else
+        store[Narrow(section)][Narrow(key)] = Narrow(value);
     return WriteStore(store);
 }
 

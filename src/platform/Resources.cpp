@@ -88,7 +88,8 @@ CString ErrorText(int error) {
     if (error >= 1 && error <= kErrorsWithString)
         return LoadString(unsigned(kStringErrorBase) + unsigned(error));
     std::string const digits = std::to_string(error);
-    return CString(L"#ERR") + CString(std::wstring_view(std::wstring(digits.begin(), digits.end())));
+    return CString(L"#ERR") +
+           CString(std::wstring_view(std::wstring(digits.begin(), digits.end())));
 }
 
 } // namespace cells

@@ -88,7 +88,8 @@ int CompareByKind(wchar_t const * a, wchar_t const * b) {
 // Among texts equal but for case the lower-case letter stands first.
 int CompareCaseLast(wchar_t const * a, wchar_t const * b) {
     for (; *a && *b; ++a, ++b)
-        if (*a != *b) return Sign(long(*b == ToLower(*b) ? 1 : 0) - long(*a == ToLower(*a) ? 1 : 0));
+        if (*a != *b)
+            return Sign(long(*b == ToLower(*b) ? 1 : 0) - long(*a == ToLower(*a) ? 1 : 0));
     return 0;
 }
 
@@ -115,7 +116,9 @@ wchar_t ToUpperBeyondAscii(wchar_t unit) { return Mapped(unit, Facts().upper); }
 
 } // namespace internal
 
-bool IsControl(wchar_t unit) { return (unit >= 0 && unit < 0x20) || (unit >= 0x7F && unit <= 0x9F); }
+bool IsControl(wchar_t unit) {
+    return (unit >= 0 && unit < 0x20) || (unit >= 0x7F && unit <= 0x9F);
+}
 wchar_t ToLower(wchar_t unit) { return Mapped(unit, Facts().lower); }
 wchar_t FoldCase(wchar_t unit) { return Mapped(unit, Facts().folded); }
 

@@ -20,7 +20,9 @@ CVCELLS_API bool IsAlnumBeyondAscii(wchar_t unit);
 CVCELLS_API wchar_t ToUpperBeyondAscii(wchar_t unit);
 
 constexpr bool IsAscii(wchar_t unit) { return unit >= 0 && unit < 0x80; }
-constexpr bool IsAsciiLetter(wchar_t unit) { return (unit | 0x20) >= L'a' && (unit | 0x20) <= L'z'; }
+constexpr bool IsAsciiLetter(wchar_t unit) {
+    return (unit | 0x20) >= L'a' && (unit | 0x20) <= L'z';
+}
 
 } // namespace internal
 
@@ -31,7 +33,8 @@ inline bool IsSpace(wchar_t unit) {
 }
 // Unicode letters.
 inline bool IsAlpha(wchar_t unit) {
-    return internal::IsAscii(unit) ? internal::IsAsciiLetter(unit) : internal::IsAlphaBeyondAscii(unit);
+    return internal::IsAscii(unit) ? internal::IsAsciiLetter(unit)
+                                   : internal::IsAlphaBeyondAscii(unit);
 }
 // Letters, and decimal digits of every script.
 inline bool IsAlnum(wchar_t unit) {

@@ -18,7 +18,8 @@ bool IsSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 char32_t NextCharacter(std::wstring_view units, std::size_t & at) {
     wchar_t const first = units[at++];
     if (!IsSurrogate(first)) return char32_t(first);
-    bool const pair = first < 0xDC00 && at < units.size() && units[at] >= 0xDC00 && units[at] <= 0xDFFF;
+    bool const pair =
+        first < 0xDC00 && at < units.size() && units[at] >= 0xDC00 && units[at] <= 0xDFFF;
     if (!pair) return 0xFFFD;
     return 0x10000 + ((char32_t(first) - 0xD800) << 10) + (char32_t(units[at++]) - 0xDC00);
 }

@@ -69,23 +69,26 @@ public:
     virtual ushort DoRemoteOpenRef(CCRemoteRef const * ref);
     virtual int DoRemoteGetFirstRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values);
     virtual int DoRemoteGetNextRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values);
-    virtual int DoRemoteGetPreviousRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values);
+    virtual int DoRemoteGetPreviousRecord(CCRemoteRef const * ref, ushort handle,
+                                          CPtrArray & values);
     virtual int DoRemoteGetLastRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values);
-    virtual int DoRemoteGetRecord(CCRemoteRef const * ref, ushort handle, int number, CPtrArray & values);
+    virtual int DoRemoteGetRecord(CCRemoteRef const * ref, ushort handle, int number,
+                                  CPtrArray & values);
     virtual int DoRemoteRefSize(CCRemoteRef const * ref, ushort handle, CSize & size);
     virtual int DoRemoteNextValue(CCRemoteRef const * ref, ushort handle, CCCellValue & value);
     virtual int DoRemoteCloseRef(CCRemoteRef const * ref, ushort handle);
     virtual int DoRemoteRegisterDependent(CCRemoteRef const * ref, CCRemoteRef const * dependent);
     virtual int DoRemoteUnRegisterDependent(CCRemoteRef const * ref, CCRemoteRef const * dependent);
     virtual int DoRemoteInvalidateRef(CCRemoteRef const * ref, CCRemoteRef const * by);
-    virtual int DoRemoteMoveFormula(CCRemoteRef const * ref, CCRemoteRef const * old, CCRemoteRef const * now);
+    virtual int DoRemoteMoveFormula(CCRemoteRef const * ref, CCRemoteRef const * old,
+                                    CCRemoteRef const * now);
     virtual int DoRemoteMoveDependent(CCRemoteRef const * ref, CCRemoteRef const * old,
                                       CCRemoteRef const * now, int mode);
     virtual int DoRemoteIsSingleValue(CCRemoteRef const * ref);
     virtual int DoRemoteInitRecalc(CCRemoteRef const * ref, int flag);
     virtual int DoRemoteSetSourceValue(CCRemoteRef const * ref, CCCellValue const & value);
-    virtual int DoRemoteSetValueInCompound(CCRemoteRef const * ref, CString const & name, int number,
-                                           CCCellValue const & value);
+    virtual int DoRemoteSetValueInCompound(CCRemoteRef const * ref, CString const & name,
+                                           int number, CCCellValue const & value);
 
     virtual int OnRemoteIsValidRef(CCRemoteRef const * ref);
     virtual int OnRemoteGetValue(CCRemoteRef const * ref, CCCellValue & value, int index);
@@ -94,23 +97,26 @@ public:
     virtual ushort OnRemoteOpenRef(CCRemoteRef const * ref);
     virtual int OnRemoteGetFirstRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values);
     virtual int OnRemoteGetNextRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values);
-    virtual int OnRemoteGetPreviousRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values);
+    virtual int OnRemoteGetPreviousRecord(CCRemoteRef const * ref, ushort handle,
+                                          CPtrArray & values);
     virtual int OnRemoteGetLastRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values);
-    virtual int OnRemoteGetRecord(CCRemoteRef const * ref, ushort handle, int number, CPtrArray & values);
+    virtual int OnRemoteGetRecord(CCRemoteRef const * ref, ushort handle, int number,
+                                  CPtrArray & values);
     virtual int OnRemoteRefSize(CCRemoteRef const * ref, ushort handle, CSize & size);
     virtual int OnRemoteNextValue(CCRemoteRef const * ref, ushort handle, CCCellValue & value);
     virtual int OnRemoteCloseRef(CCRemoteRef const * ref, ushort handle);
     virtual int OnRemoteRegisterDependent(CCRemoteRef const * ref, CCRemoteRef const * dependent);
     virtual int OnRemoteUnRegisterDependent(CCRemoteRef const * ref, CCRemoteRef const * dependent);
     virtual int OnRemoteInvalidateRef(CCRemoteRef const * ref, CCRemoteRef const * by);
-    virtual int OnRemoteMoveFormula(CCRemoteRef const * ref, CCRemoteRef const * old, CCRemoteRef const * now);
+    virtual int OnRemoteMoveFormula(CCRemoteRef const * ref, CCRemoteRef const * old,
+                                    CCRemoteRef const * now);
     virtual int OnRemoteMoveDependent(CCRemoteRef const * ref, CCRemoteRef const * old,
                                       CCRemoteRef const * now, int mode);
     virtual int OnRemoteIsSingleValue(CCRemoteRef const * ref);
     virtual int OnRemoteInitRecalc(CCRemoteRef const * ref, int flag);
     virtual int OnRemoteSetSourceValue(CCRemoteRef const * ref, CCCellValue const & value);
-    virtual int OnRemoteSetValueInCompound(CCRemoteRef const * ref, CString const & name, int number,
-                                           CCCellValue const & value);
+    virtual int OnRemoteSetValueInCompound(CCRemoteRef const * ref, CString const & name,
+                                           int number, CCCellValue const & value);
 
     // Whether ErrorMessage may show something; 1 at first.
     int GetNotifyEnable() const { return m_nNotifyEnable; }

@@ -44,7 +44,8 @@ TEST(CellEntry, ReplacingAFormulaByItsOwnValueMarksTheDocumentOnce) {
     BaseHost host;
     host.Enter("A1", L"=\"x\"");
     host.Idle();
-    int const dirty = host.dirty, changes = host.Make("A1").changes, told = host.Make("A1").valueChanges;
+    int const dirty = host.dirty, changes = host.Make("A1").changes,
+              told = host.Make("A1").valueChanges;
     host.Enter("A1", L"x");
     EXPECT_FALSE(host.Make("A1").IsFormulaLink());
     EXPECT_EQ(host.dirty, dirty + 1);

@@ -82,8 +82,10 @@ TEST(Item, ManyDependentsKeepTheirOrderThroughRemovals) {
     }
     for (int i = 0; i < 500; ++i) {
         CCRCRef const ref(2, ushort(i));
-        if (i % 3) a1.UnRegisterDependent(&host, &ref);
-        else expected.push_back(ushort(i));
+        if (i % 3)
+            a1.UnRegisterDependent(&host, &ref);
+        else
+            expected.push_back(ushort(i));
     }
     cells::internal::RefListHolder const list(a1.LoadDependents(&host));
     std::vector<ushort> rows;
@@ -129,9 +131,9 @@ TEST(Item, SerialisedFormIsABlockThatReadsBackForGood) {
     CCRCRef const b1 = R("B1");
     a1.RegisterDependent(&host, &b1);
     std::vector<uchar> const bytes = BytesOf(host, a1);
-    EXPECT_EQ(bytes, (std::vector<uchar>{14, 0, 0, 0,                // the length of what follows
+    EXPECT_EQ(bytes, (std::vector<uchar>{14, 0, 0, 0,               // the length of what follows
                                          6, 1, 0, 0, 0, 1, 0, 1, 0, // a reference on sheet 1 ...
-                                         1, 1, 0, 0,                // ... to the cell in column 1, row 0
+                                         1, 1, 0, 0, // ... to the cell in column 1, row 0
                                          0}));
     MapCell copy(0, 0);
     CMemFile file(bytes.data(), bytes.size());

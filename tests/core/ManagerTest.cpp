@@ -123,8 +123,12 @@ namespace {
 
 // A host that serves one region, A1:B3.
 struct RegionHost : BaseHost {
-    int IsValidRef(CCRef const * ref) override { return ref && ref->GetType() == kRefRegion ? 1 : BaseHost::IsValidRef(ref); }
-    CSize GetRefSize(CCRef const * ref) override { return ref->GetType() == kRefRegion ? size : CSize(1, 1); }
+    int IsValidRef(CCRef const * ref) override {
+        return ref && ref->GetType() == kRefRegion ? 1 : BaseHost::IsValidRef(ref);
+    }
+    CSize GetRefSize(CCRef const * ref) override {
+        return ref->GetType() == kRefRegion ? size : CSize(1, 1);
+    }
     CSize size{2, 3};
 };
 
@@ -224,7 +228,8 @@ TEST(Documents, AreKnownByPathNameAndExtension) {
         CString GetDocumentName() const override { return L"C:\\d\\book.ext"; }
         CString GetSheetName() const override { return L"Sheet1"; }
     } host;
-    for (wchar_t const * name : {L"c:\\D\\BOOK.EXT", L"book", L"BOOK.EXT"}) EXPECT_TRUE(host.IsValidDocument(name));
+    for (wchar_t const * name : {L"c:\\D\\BOOK.EXT", L"book", L"BOOK.EXT"})
+        EXPECT_TRUE(host.IsValidDocument(name));
     EXPECT_FALSE(host.IsValidDocument(L"boo"));
     host.Make("A1");
     EXPECT_TRUE(host.IsValidReference(L"A1"));
@@ -260,7 +265,8 @@ TEST(RegionIndex, FindsTheRegionsThatHoldACell) {
     std::vector<std::pair<CCRegionRef, CCRCRef>> naive;
     for (int step = 0; step < 3000; ++step) {
         if (random() % 3 || naive.empty()) {
-            CCRegionRef region(uchar(random() % 6), ushort(random() % 50), uchar(random() % 6), ushort(random() % 50));
+            CCRegionRef region(uchar(random() % 6), ushort(random() % 50), uchar(random() % 6),
+                               ushort(random() % 50));
             region.Normalize();
             CCRCRef const cell(uchar(random() % 3), ushort(random() % 20));
             CCRef3D const placed(&host, &cell);
@@ -277,10 +283,12 @@ TEST(RegionIndex, FindsTheRegionsThatHoldACell) {
             naive.erase(naive.begin() + std::ptrdiff_t(at));
         }
         CCRCRef const asked(uchar(random() % 6), ushort(random() % 50));
-        std::size_t const expected = std::size_t(std::count_if(naive.begin(), naive.end(), [&](auto const & pair) {
-            return pair.first.Contain(&asked) != 0;
-        }));
-        cells::internal::RefListHolder const list(index.LoadDependents(asked.col, asked.row, nullptr));
+        std::size_t const expected =
+            std::size_t(std::count_if(naive.begin(), naive.end(), [&](auto const & pair) {
+                return pair.first.Contain(&asked) != 0;
+            }));
+        cells::internal::RefListHolder const list(
+            index.LoadDependents(asked.col, asked.row, nullptr));
         std::size_t found = 0;
         for (CCRefList * node = list.list; node; node = node->m_pNext) ++found;
         ASSERT_EQ(found, expected);

@@ -81,7 +81,8 @@ TEST(Recalc, AnEntryAndItsPlaceInAChainAreTwoRuns) {
 TEST(Recalc, ASliceIsSixtyFourCells) {
     BaseHost host;
     host.Enter("A1", L"1");
-    for (int i = 0; i < 65; ++i) host.Enter("B" + std::to_string(i + 1), L"=$A$1+" + std::to_wstring(i));
+    for (int i = 0; i < 65; ++i)
+        host.Enter("B" + std::to_string(i + 1), L"=$A$1+" + std::to_wstring(i));
     host.Idle();
     host.recalculated.clear();
     host.ticks = 0;
@@ -164,7 +165,8 @@ TEST(Recalc, ReentryFromAChangeIsSafe) {
     } host;
     host.Enter("A1", L"1");
     for (int i = 0; i < 200; ++i)
-        host.Enter("B" + std::to_string(i + 1), i == 0 ? L"=A1+1" : L"=B" + std::to_wstring(i) + L"+1");
+        host.Enter("B" + std::to_string(i + 1),
+                   i == 0 ? L"=A1+1" : L"=B" + std::to_wstring(i) + L"+1");
     host.Idle();
     host.Enter("A1", L"10");
     host.Idle();
@@ -208,7 +210,8 @@ TEST(Recalc, RemoteDependentsAreToldBehindTheLocalWork) {
     struct Remote : BaseHost {
         std::vector<std::string> log;
         int DoRemoteInitRecalc(CCRemoteRef const * ref, int flag) override {
-            log.push_back(cells::ToUtf8(ref->item()) + std::to_string(flag) + ":" + std::to_string(GetCurRecalcCount()));
+            log.push_back(cells::ToUtf8(ref->item()) + std::to_string(flag) + ":" +
+                          std::to_string(GetCurRecalcCount()));
             return 1;
         }
     } host;
@@ -229,7 +232,8 @@ TEST(Recalc, ALongColumnOverOneParameterIsOrderedInALinearPass) {
     host.Enter("A1", L"1");
     int const n = 3000;
     for (int i = 0; i < n; ++i)
-        host.Enter("B" + std::to_string(i + 1), i == 0 ? L"=$A$1" : L"=B" + std::to_wstring(i) + L"+$A$1");
+        host.Enter("B" + std::to_string(i + 1),
+                   i == 0 ? L"=$A$1" : L"=B" + std::to_wstring(i) + L"+$A$1");
     host.Idle();
     host.recalculated.clear();
     host.Enter("A1", L"2");
@@ -242,7 +246,8 @@ TEST(Recalc, ChainsAreNotRecursive) {
     BaseHost host;
     host.Enter("A1", L"1");
     int const n = 20000;
-    for (int i = 1; i < n; ++i) host.Enter("A" + std::to_string(i + 1), L"=A" + std::to_wstring(i) + L"+1");
+    for (int i = 1; i < n; ++i)
+        host.Enter("A" + std::to_string(i + 1), L"=A" + std::to_wstring(i) + L"+1");
     host.Idle();
     host.Enter("A1", L"2");
     host.Idle();
@@ -292,7 +297,8 @@ namespace {
 struct LiteralList {
     std::list<std::unique_ptr<CCRef>> refs;
     auto Find(CCRef const * ref) {
-        return std::find_if(refs.begin(), refs.end(), [&](auto const & r) { return r->IsEqual(ref); });
+        return std::find_if(refs.begin(), refs.end(),
+                            [&](auto const & r) { return r->IsEqual(ref); });
     }
 };
 
@@ -305,8 +311,10 @@ TEST(RecalcList, BehavesLikeAPlainList) {
         LiteralList literal;
         for (int step = 0; step < 120; ++step) {
             std::unique_ptr<CCRef> ref;
-            if (random() % 5 == 0) ref = std::make_unique<CCNameRef>(random() % 2 ? L"x" : L"X");
-            else ref = std::make_unique<CCRCRef>(uchar(0), ushort(random() % 25));
+            if (random() % 5 == 0)
+                ref = std::make_unique<CCNameRef>(random() % 2 ? L"x" : L"X");
+            else
+                ref = std::make_unique<CCRCRef>(uchar(0), ushort(random() % 25));
             auto const found = literal.Find(ref.get());
             switch (random() % 5) {
             case 0:
@@ -390,7 +398,8 @@ TEST(Recalc, OrderOfRandomGraphsIsTheLiteralOne) {
         std::list<int> order; // literal expansion: newest dependents first
         for (auto r = readers[0].rbegin(); r != readers[0].rend(); ++r) order.push_back(*r);
         for (auto at = order.begin(); at != order.end(); ++at)
-            for (auto r = readers[std::size_t(*at)].rbegin(); r != readers[std::size_t(*at)].rend(); ++r) {
+            for (auto r = readers[std::size_t(*at)].rbegin(); r != readers[std::size_t(*at)].rend();
+                 ++r) {
                 auto const before = std::find(order.begin(), at, *r);
                 auto const behind = std::find(at, order.end(), *r);
                 if (before != at) order.erase(before);

@@ -1,5 +1,5 @@
-#include "core/CCDoubleArray.h"
 #include "core/CCCellValue.h"
+#include "core/CCDoubleArray.h"
 #include "core/ValueCompare.h"
 #include "core/ValueLists.h"
 #include "formula/CCRCRef.h"
@@ -120,10 +120,14 @@ TEST(Value, SwapExchangesEverything) {
 // Rows: left; columns: right; kinds: empty, error, text, number, reference.
 TEST(CompareValues, TableOfAllKinds) {
     CCCellValue const kinds[] = {CCCellValue(), Error(1), Text(L"m"), Number(5), Ref()};
-    int const expected[5][5] = {
-        {0, 1, 1, 1, 1}, {-1, 0, 1, 1, 1}, {-1, -1, 0, 1, -1}, {-1, -1, -1, 0, -1}, {0, 0, 0, 0, 0}};
+    int const expected[5][5] = {{0, 1, 1, 1, 1},
+                                {-1, 0, 1, 1, 1},
+                                {-1, -1, 0, 1, -1},
+                                {-1, -1, -1, 0, -1},
+                                {0, 0, 0, 0, 0}};
     for (int a = 0; a < 5; ++a)
-        for (int b = 0; b < 5; ++b) EXPECT_EQ(CompareCellValues(kinds[a], kinds[b], 1), expected[a][b]) << a << b;
+        for (int b = 0; b < 5; ++b)
+            EXPECT_EQ(CompareCellValues(kinds[a], kinds[b], 1), expected[a][b]) << a << b;
     EXPECT_EQ(CompareCellValues(Error(1), Error(9), 1), 0);
     EXPECT_EQ(CompareCellValues(Number(1), Number(2), 1), -1);
     EXPECT_EQ(CompareCellValues(Text(L"A"), Text(L"a"), 0), 0);
@@ -138,22 +142,34 @@ struct OperatorCase {
 TEST(Operators, OverTwoValues) {
     using namespace cells;
     CCCellValue const empty;
-    OperatorCase const cases[] = {
-        {kAdd, Text(L"a"), Text(L"b"), "ab"},       {kAdd, Text(L"a"), Number(1), "#VALUE!"},
-        {kAdd, Text(L"a"), empty, "a"},             {kAdd, empty, Number(2), "2"},
-        {kAdd, empty, empty, ""},                   {kEqual, Text(L"a"), Number(1), "FALSE"},
-        {kNotEqual, Number(1), Text(L"a"), "TRUE"}, {kLess, Text(L"a"), Number(1), "FALSE"},
-        {kGreater, Text(L"a"), Number(1), "FALSE"}, {kAnd, Text(L"a"), Number(1), "TRUE"},
-        {kOr, Text(L"a"), Number(0), "FALSE"},      {kAnd, Text(L"a"), Text(L"b"), "#VALUE!"},
-        {kMultiply, Text(L"a"), Text(L"b"), "#VALUE!"}, {kEqual, Text(L"a"), Text(L"A"), "FALSE"},
-        {kLess, Text(L"a"), Text(L"B"), "TRUE"},    {kEqual, Text(nullptr), Text(nullptr), "TRUE"},
-        {kLess, Text(nullptr), Text(L""), "TRUE"},  {kDivide, Number(1), Number(0), "#DIV/0!"},
-        {kDivide, Number(1), Number(4), "0.25"},    {kPower, Number(2), Number(10), "1024"},
-        {kSubtract, Number(5), Number(7), "-2"},    {kAnd, Number(1), Number(0), "FALSE"},
-        {kOr, Number(0), Number(0), "FALSE"},       {kEqual, Number(0.1 + 0.2), Number(0.3), "TRUE"},
-        {kGreaterOrEqual, Number(0.3), Number(0.1 + 0.2), "FALSE"},
-        {kAdd, Error(9), Error(3), "#N/A"},         {kAdd, Number(1), Error(3), "#VALUE!"},
-        {kAdd, Number(46085, C_NF_DATE), Number(1), "46086"}};
+    OperatorCase const cases[] = {{kAdd, Text(L"a"), Text(L"b"), "ab"},
+                                  {kAdd, Text(L"a"), Number(1), "#VALUE!"},
+                                  {kAdd, Text(L"a"), empty, "a"},
+                                  {kAdd, empty, Number(2), "2"},
+                                  {kAdd, empty, empty, ""},
+                                  {kEqual, Text(L"a"), Number(1), "FALSE"},
+                                  {kNotEqual, Number(1), Text(L"a"), "TRUE"},
+                                  {kLess, Text(L"a"), Number(1), "FALSE"},
+                                  {kGreater, Text(L"a"), Number(1), "FALSE"},
+                                  {kAnd, Text(L"a"), Number(1), "TRUE"},
+                                  {kOr, Text(L"a"), Number(0), "FALSE"},
+                                  {kAnd, Text(L"a"), Text(L"b"), "#VALUE!"},
+                                  {kMultiply, Text(L"a"), Text(L"b"), "#VALUE!"},
+                                  {kEqual, Text(L"a"), Text(L"A"), "FALSE"},
+                                  {kLess, Text(L"a"), Text(L"B"), "TRUE"},
+                                  {kEqual, Text(nullptr), Text(nullptr), "TRUE"},
+                                  {kLess, Text(nullptr), Text(L""), "TRUE"},
+                                  {kDivide, Number(1), Number(0), "#DIV/0!"},
+                                  {kDivide, Number(1), Number(4), "0.25"},
+                                  {kPower, Number(2), Number(10), "1024"},
+                                  {kSubtract, Number(5), Number(7), "-2"},
+                                  {kAnd, Number(1), Number(0), "FALSE"},
+                                  {kOr, Number(0), Number(0), "FALSE"},
+                                  {kEqual, Number(0.1 + 0.2), Number(0.3), "TRUE"},
+                                  {kGreaterOrEqual, Number(0.3), Number(0.1 + 0.2), "FALSE"},
+                                  {kAdd, Error(9), Error(3), "#N/A"},
+                                  {kAdd, Number(1), Error(3), "#VALUE!"},
+                                  {kAdd, Number(46085, C_NF_DATE), Number(1), "46086"}};
     for (OperatorCase const & c : cases) {
         CCCellValue left = c.left;
         EvalCellValue(c.code, left, c.right);
@@ -203,7 +219,8 @@ TEST(Variant, OfEveryValue) {
     EXPECT_EQ(v.lVal, 3);
     Number(3e9, C_NF_NUMBER).Get(v);
     EXPECT_EQ(v.vt, VT_R8);
-    for (uchar type : {uchar(C_NF_GENERAL), uchar(C_NF_PERCENT), uchar(C_NF_FRACTION), uchar(C_NF_SCIENTIFIC), uchar(C_NF_HEX)}) {
+    for (uchar type : {uchar(C_NF_GENERAL), uchar(C_NF_PERCENT), uchar(C_NF_FRACTION),
+                       uchar(C_NF_SCIENTIFIC), uchar(C_NF_HEX)}) {
         Number(0.5, type).Get(v);
         EXPECT_EQ(v.vt, VT_R8);
     }

@@ -120,9 +120,10 @@ struct DefaultRow {
 };
 
 TEST(NumberFormat, DefaultsByType) {
-    DefaultRow const rows[] = {{C_NF_GENERAL, 0, 0},      {C_NF_NUMBER, 2, 2},     {C_NF_CURRENCY, 2, 2},
-                               {C_NF_PERCENT, 2, 2},      {C_NF_FRACTION, 2, 0},   {C_NF_SCIENTIFIC, 2, 2},
-                               {C_NF_TIME, 0x80, 0},      {C_NF_DATE, 0x3B80, 0},  {C_NF_BOOL, 0, 0}};
+    DefaultRow const rows[] = {
+        {C_NF_GENERAL, 0, 0}, {C_NF_NUMBER, 2, 2},    {C_NF_CURRENCY, 2, 2},
+        {C_NF_PERCENT, 2, 2}, {C_NF_FRACTION, 2, 0},  {C_NF_SCIENTIFIC, 2, 2},
+        {C_NF_TIME, 0x80, 0}, {C_NF_DATE, 0x3B80, 0}, {C_NF_BOOL, 0, 0}};
     for (DefaultRow const & row : rows) {
         CCNumberFormat format;
         format.SetDefault(cells::invariant_LCTX(), row.type);

@@ -71,15 +71,20 @@ TEST(PrintNumber, GroupsDigitsAndBracketsNegatives) {
 
 TEST(PrintNumber, GroupSizeZeroMeansNoGroups) {
     cells::LCTX * const l = Locale({{kbt::multilang::LOCALE_SGROUPING, L"0"}});
-    EXPECT_EQ(Print(C_NF_NUMBER, 1234567, [](CCNumberFormat & f) { f.SetCommas(1); }, 0, l), "1234567");
+    EXPECT_EQ(Print(
+                  C_NF_NUMBER, 1234567, [](CCNumberFormat & f) { f.SetCommas(1); }, 0, l),
+              "1234567");
 }
 
 TEST(PrintNumber, ShowsItsStringBeforeOrBehind) {
     int const index = GetLTStringIndex(L"kg");
     ASSERT_GE(index, 0);
     EXPECT_EQ(Print(C_NF_NUMBER, 5, [&](CCNumberFormat & f) { f.SetLTString(2, index); }), "5 kg");
-    EXPECT_EQ(Print(C_NF_NUMBER, -5, [&](CCNumberFormat & f) { f.SetLTString(1, index); }), "-kg 5");
-    EXPECT_EQ(Print(C_NF_NUMBER, 5, [&](CCNumberFormat & f) { f.SetLTString(2, index); }, 1), "5");
+    EXPECT_EQ(Print(C_NF_NUMBER, -5, [&](CCNumberFormat & f) { f.SetLTString(1, index); }),
+              "-kg 5");
+    EXPECT_EQ(Print(
+                  C_NF_NUMBER, 5, [&](CCNumberFormat & f) { f.SetLTString(2, index); }, 1),
+              "5");
     EXPECT_EQ(Print(C_NF_NUMBER, 5, [&](CCNumberFormat & f) { f.SetLTString(2, 200); }), "5");
 }
 
@@ -95,16 +100,19 @@ struct MoneyRow {
 
 TEST(PrintCurrency, FollowsTheOrdersOfTheLocale) {
     MoneyRow const rows[] = {
-        {0, "$5.00", "-$5.00", "($5.00)"},   {1, "5.00$", "-$5.00", "($5.00)"},  {2, "$ 5.00", "$-5.00", "($5.00)"},
-        {3, "5.00 $", "$5.00-", "($5.00)"},  {4, nullptr, "-5.00$", "(5.00$)"},  {5, nullptr, "-5.00$", "(5.00$)"},
-        {6, nullptr, "5.00-$", "(5.00$)"},   {7, nullptr, "5.00$-", "(5.00$)"},  {8, nullptr, "-5.00 $", "(5.00$)"},
-        {9, nullptr, "-$ 5.00", "($ 5.00)"}, {10, nullptr, "5.00 $-", "($ 5.00)"}, {11, nullptr, "$ 5.00-", "($ 5.00)"},
-        {12, nullptr, "$ -5.00", "($ 5.00)"}, {13, nullptr, "5.00- $", "(5.00 $)"}, {14, nullptr, "-$ 5.00", "(5.00 $)"},
-        {15, nullptr, "-5.00 $", "(5.00 $)"}};
+        {0, "$5.00", "-$5.00", "($5.00)"},    {1, "5.00$", "-$5.00", "($5.00)"},
+        {2, "$ 5.00", "$-5.00", "($5.00)"},   {3, "5.00 $", "$5.00-", "($5.00)"},
+        {4, nullptr, "-5.00$", "(5.00$)"},    {5, nullptr, "-5.00$", "(5.00$)"},
+        {6, nullptr, "5.00-$", "(5.00$)"},    {7, nullptr, "5.00$-", "(5.00$)"},
+        {8, nullptr, "-5.00 $", "(5.00$)"},   {9, nullptr, "-$ 5.00", "($ 5.00)"},
+        {10, nullptr, "5.00 $-", "($ 5.00)"}, {11, nullptr, "$ 5.00-", "($ 5.00)"},
+        {12, nullptr, "$ -5.00", "($ 5.00)"}, {13, nullptr, "5.00- $", "(5.00 $)"},
+        {14, nullptr, "-$ 5.00", "(5.00 $)"}, {15, nullptr, "-5.00 $", "(5.00 $)"}};
     for (MoneyRow const & row : rows) {
         std::wstring const order = std::to_wstring(row.order);
-        cells::LCTX * const l = Locale({{kbt::multilang::LOCALE_ICURRENCY, row.positive ? order.c_str() : L"0"},
-                                        {kbt::multilang::LOCALE_INEGCURR, order.c_str()}});
+        cells::LCTX * const l =
+            Locale({{kbt::multilang::LOCALE_ICURRENCY, row.positive ? order.c_str() : L"0"},
+                    {kbt::multilang::LOCALE_INEGCURR, order.c_str()}});
         if (row.positive) {
             EXPECT_EQ(Print(C_NF_CURRENCY, 5, Decimals(2), 0, l), row.positive);
         }
@@ -130,8 +138,9 @@ struct FractionRow {
 };
 
 TEST(PrintFraction, SplitsByKind) {
-    FractionRow const rows[] = {{0.999, 1, "100/100"}, {2, 0, "2"},       {0, 0, "0"},        {1.5, 0, "1 1/2"},
-                                {-0.25, 4, "-2/8"},    {0.5, 1, "50/100"}, {0.3333, 0, "1/3"}, {1.5, 9, "1 0/1"}};
+    FractionRow const rows[] = {{0.999, 1, "100/100"}, {2, 0, "2"},        {0, 0, "0"},
+                                {1.5, 0, "1 1/2"},     {-0.25, 4, "-2/8"}, {0.5, 1, "50/100"},
+                                {0.3333, 0, "1/3"},    {1.5, 9, "1 0/1"}};
     for (FractionRow const & row : rows)
         EXPECT_EQ(Print(C_NF_FRACTION, row.value, Decimals(row.kind)), row.text) << row.value;
 }
@@ -178,9 +187,9 @@ struct DateRow {
 
 TEST(PrintDate, FollowsItsFields) {
     double const serial = 46085; // 5 March 2026
-    DateRow const rows[] = {{2, 0, 0, 0, "3/5/2026"},          {2, 2, 1, L'-', "5-3-26"},
-                            {0, 0, 1, L' ', "5 March 2026"},   {1, 0, 0, L'.', "Mar.5.2026"},
-                            {0, 0, 0, L',', "March 5, 2026"},  {2, 1, 0, 0, "3/5"},
+    DateRow const rows[] = {{2, 0, 0, 0, "3/5/2026"},         {2, 2, 1, L'-', "5-3-26"},
+                            {0, 0, 1, L' ', "5 March 2026"},  {1, 0, 0, L'.', "Mar.5.2026"},
+                            {0, 0, 0, L',', "March 5, 2026"}, {2, 1, 0, 0, "3/5"},
                             {3, 0, 0, 0, "/5/2026"}};
     for (DateRow const & row : rows)
         EXPECT_EQ(Print(C_NF_DATE, serial,
@@ -194,7 +203,8 @@ TEST(PrintDate, FollowsItsFields) {
 }
 
 TEST(PrintDate, MayShowTheTime) {
-    EXPECT_EQ(Print(C_NF_DATE, 46085.5, [](CCNumberFormat & f) { f.SetTime(1); }), "3/5/2026 12:00 PM");
+    EXPECT_EQ(Print(C_NF_DATE, 46085.5, [](CCNumberFormat & f) { f.SetTime(1); }),
+              "3/5/2026 12:00 PM");
 }
 
 TEST(PrintDate, PutsTheYearFirstAndTwoDigitsWhereTheLocaleSaysSo) {
@@ -208,7 +218,9 @@ TEST(PrintDate, PutsTheYearFirstAndTwoDigitsWhereTheLocaleSaysSo) {
 
 TEST(PrintDate, EastAsianMarksStayDormant) {
     cells::LCTX * const l = Locale({{kbt::multilang::LOCALE_ILANGUAGE, L"0411"}});
-    EXPECT_EQ(Print(C_NF_DATE, 46085, [](CCNumberFormat & f) { f.SetMonthType(0); }, 0, l), "March/5/2026");
+    EXPECT_EQ(Print(
+                  C_NF_DATE, 46085, [](CCNumberFormat & f) { f.SetMonthType(0); }, 0, l),
+              "March/5/2026");
 }
 
 TEST(PrintDate, PartsOutOfRangePrintSomething) {

@@ -16,8 +16,9 @@ struct SerialRow {
 };
 
 TEST(DateSerial, CountsFrom1900WithALeapDayEveryFourthYear) {
-    SerialRow const rows[] = {{1, 1, 1900, 0},   {29, 2, 1900, 59}, {1, 3, 1900, 60},     {31, 12, 1900, 365},
-                              {1, 1, 1901, 366}, {5, 3, 2026, 46085}, {31, 12, 2071, 62822}};
+    SerialRow const rows[] = {{1, 1, 1900, 0},      {29, 2, 1900, 59}, {1, 3, 1900, 60},
+                              {31, 12, 1900, 365},  {1, 1, 1901, 366}, {5, 3, 2026, 46085},
+                              {31, 12, 2071, 62822}};
     for (SerialRow const & row : rows) {
         EXPECT_EQ(DateToDouble(row.day, row.month, row.year), row.serial);
         int day, month, year;
@@ -131,7 +132,8 @@ TEST(Search, ReplacingStopsAtTheRoom) {
     wchar_t * target = buffer;
     wchar_t const * source = L"aaaa";
     int remaining = 6;
-    while (StrRep(target, source, remaining, L"a", L"bc", 1, 0)) {}
+    while (StrRep(target, source, remaining, L"a", L"bc", 1, 0)) {
+    }
     EXPECT_STREQ(buffer, L"bcbcb");
 }
 

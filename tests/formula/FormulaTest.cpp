@@ -2,8 +2,8 @@
 #include "formula/CCConstFormula.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRefFormula.h"
-#include "formula/CCRefOpFormula.h"
 #include "formula/CCRefList.h"
+#include "formula/CCRefOpFormula.h"
 #include "formula/CCRemoteRef.h"
 #include "formula/Clipboard.h"
 #include "formula/FunctionRegistry.h"
@@ -22,7 +22,9 @@ using Tree = std::unique_ptr<CCFormula>;
 
 namespace {
 
-Tree Parsed(BaseHost & host, wchar_t const * text, int mode = 0) { return Tree(_ParseFormula(&host, text, mode, nullptr)); }
+Tree Parsed(BaseHost & host, wchar_t const * text, int mode = 0) {
+    return Tree(_ParseFormula(&host, text, mode, nullptr));
+}
 
 std::string Printed(BaseHost & host, CCFormula const * tree) {
     if (!tree) return "no formula";
@@ -37,7 +39,8 @@ std::string PrintedForFile(BaseHost & host, CCFormula const & tree) {
     return cells::test::Utf8(stream.str());
 }
 
-std::string Nested(std::string const & head, int count, std::string const & middle, std::string const & tail) {
+std::string Nested(std::string const & head, int count, std::string const & middle,
+                   std::string const & tail) {
     std::string text;
     for (int i = 0; i < count; ++i) text += head;
     text += middle;
@@ -52,8 +55,8 @@ bool Parses(BaseHost & host, std::string const & text) {
 } // namespace
 
 struct PrintRow {
-    wchar_t const *text;
-    char const *printed;
+    wchar_t const * text;
+    char const * printed;
 };
 
 TEST(FormulaPrint, KeepsBracketsWhereTheyAreNeeded) {
@@ -89,13 +92,15 @@ TEST(FormulaPrint, KeepsBracketsWhereTheyAreNeeded) {
                              {L"TRUE|FALSE&1", "TRUE | FALSE & 1"},
                              {L"Q1Sales+1", "Q1Sales + 1"}};
     BaseHost host;
-    for (PrintRow const & row : rows) EXPECT_EQ(Printed(host, Parsed(host, row.text).get()), row.printed);
+    for (PrintRow const & row : rows)
+        EXPECT_EQ(Printed(host, Parsed(host, row.text).get()), row.printed);
 }
 
 TEST(FormulaParse, RefusesWhatIsNoFormula) {
     BaseHost host;
-    for (wchar_t const * text : {L"1+", L"5%%", L"f(1,,2)", L"SUM(1,,2)", L"+~1", L"1=~2", L"SUM", L"foo:bar", L"A1 B1", L"(1",
-                                 L"{}", L"{A1}", L"{1;;2}", L"@A1", L"TRUENORTH", L"1#2", L")", L"\"open"})
+    for (wchar_t const * text :
+         {L"1+", L"5%%", L"f(1,,2)", L"SUM(1,,2)", L"+~1", L"1=~2", L"SUM", L"foo:bar", L"A1 B1",
+          L"(1", L"{}", L"{A1}", L"{1;;2}", L"@A1", L"TRUENORTH", L"1#2", L")", L"\"open"})
         EXPECT_EQ(Parsed(host, text), nullptr) << cells::ToUtf8(CString(text));
 }
 
@@ -108,7 +113,8 @@ TEST(FormulaParse, ListOfPeculiaritiesThatAreMeantSo) {
     EXPECT_NE(Parsed(host, L"A65537"), nullptr); // a name
     EXPECT_EQ(Parsed(host, L"T1")->GetType(), kRefFormula);
     EXPECT_EQ(Parsed(host, L"LOG10(100)")->GetType(), kOpFormula);
-    EXPECT_EQ(static_cast<CCOpFormula *>(Parsed(host, L"LOG10(100)").get())->GetFunc()->stringId, 13061u);
+    EXPECT_EQ(static_cast<CCOpFormula *>(Parsed(host, L"LOG10(100)").get())->GetFunc()->stringId,
+              13061u);
 }
 
 TEST(FormulaParse, StackHolds1024Symbols) {
@@ -145,13 +151,14 @@ struct EntryRow {
 };
 
 TEST(Entries, AreClassified) {
-    EntryRow const rows[] = {{L"-5", 1, false, "-5"},     {L"-5+1", 2, true, ""},      {L"-A1", 2, true, ""},
-                             {L"+", 1, false, "+"},       {L"(5)", 1, false, "-5"},    {L"(5)+1", 1, false, "(5)+1"},
-                             {L"1+2", 1, false, "1+2"},   {L"=1+", 2, false, ""},      {L"'=1", 1, false, "=1"},
-                             {L"!1+1", 3, true, ""},      {L"!1+", 3, false, ""},      {L"@SUM(1)", 2, true, ""},
-                             {L"@1", 2, false, ""},       {L"", 1, false, ""},         {L"  ", 1, false, ""},
-                             {L" x ", 1, false, "x "},    {L"-TRUE", 2, true, ""},     {L"-3/5/2026", 2, true, ""},
-                             {L"(TRUE)", 1, false, "(TRUE)"}, {L"= 1 ", 2, true, ""}, {L"-5%", 1, false, "-5%"}};
+    EntryRow const rows[] = {
+        {L"-5", 1, false, "-5"},         {L"-5+1", 2, true, ""},   {L"-A1", 2, true, ""},
+        {L"+", 1, false, "+"},           {L"(5)", 1, false, "-5"}, {L"(5)+1", 1, false, "(5)+1"},
+        {L"1+2", 1, false, "1+2"},       {L"=1+", 2, false, ""},   {L"'=1", 1, false, "=1"},
+        {L"!1+1", 3, true, ""},          {L"!1+", 3, false, ""},   {L"@SUM(1)", 2, true, ""},
+        {L"@1", 2, false, ""},           {L"", 1, false, ""},      {L"  ", 1, false, ""},
+        {L" x ", 1, false, "x "},        {L"-TRUE", 2, true, ""},  {L"-3/5/2026", 2, true, ""},
+        {L"(TRUE)", 1, false, "(TRUE)"}, {L"= 1 ", 2, true, ""},   {L"-5%", 1, false, "-5%"}};
     BaseHost host;
     for (EntryRow const & row : rows) {
         SCOPED_TRACE(cells::ToUtf8(CString(row.text)));
@@ -172,13 +179,15 @@ TEST(Entries, AreClassified) {
 }
 
 TEST(Entries, PrefixesNameCandidates) {
-    for (wchar_t const * text : {L"=", L" @x", L"!", L"+1", L"-", L"("}) EXPECT_TRUE(_IsFormulaPrefix(nullptr, text));
+    for (wchar_t const * text : {L"=", L" @x", L"!", L"+1", L"-", L"("})
+        EXPECT_TRUE(_IsFormulaPrefix(nullptr, text));
     for (wchar_t const * text : {L"", L"1", L"x="}) EXPECT_FALSE(_IsFormulaPrefix(nullptr, text));
 }
 
 TEST(Entries, LegacyReadersGetFormulasOnly) {
     BaseHost host;
-    for (wchar_t const * text : {L"", L" ", L"*x", L"'x", L"\"x\"", L"-5", L"(5)", L"5", L"1/2/2020", L"1+"}) {
+    for (wchar_t const * text :
+         {L"", L" ", L"*x", L"'x", L"\"x\"", L"-5", L"(5)", L"5", L"1/2/2020", L"1+"}) {
         std::wstring copy = text;
         wchar_t * at = copy.data();
         EXPECT_EQ(CVDOSParse(&host, at), nullptr) << cells::ToUtf8(CString(text));
@@ -211,8 +220,10 @@ TEST(Entries, RawParserMovesBehindWhatItReadAndMayBeEnteredAgain) {
 TEST(Entries, BrokenFormulasLeakNothing) {
     BaseHost host;
     std::mt19937 random(11);
-    wchar_t const * const pieces[] = {L"SUM(", L"A1", L"Sheet1!", L"1.5", L"\"x\"", L")", L",", L";", L"{", L"}", L"+", L"-", L"%",
-                                      L"^", L"..", L":", L"!", L"@", L"~", L"name", L"=", L"<>", L" ", L"#", L"B2:C3", L"\"", L"IF("};
+    wchar_t const * const pieces[] = {L"SUM(", L"A1", L"Sheet1!", L"1.5",   L"\"x\"", L")",    L",",
+                                      L";",    L"{",  L"}",       L"+",     L"-",     L"%",    L"^",
+                                      L"..",   L":",  L"!",       L"@",     L"~",     L"name", L"=",
+                                      L"<>",   L" ",  L"#",       L"B2:C3", L"\"",    L"IF("};
     for (int i = 0; i < 10000; ++i) {
         std::wstring text;
         for (int n = int(random() % 12); n >= 0; --n) text += pieces[random() % std::size(pieces)];
@@ -226,18 +237,28 @@ TEST(EditText, ReadsBackAsTheSameFormula) {
         std::mt19937 random;
         unsigned Pick(unsigned n) { return unsigned(random() % n); }
         std::wstring Leaf() {
-            wchar_t const * const leaves[] = {L"A1", L"$B$2", L"C$3:D4", L"1", L"1.50", L"2E-5", L"\"a^^b\"", L"TRUE", L"name", L"{1,2;\"x\"}"};
+            wchar_t const * const leaves[] = {L"A1",   L"$B$2",       L"C$3:D4",   L"1",
+                                              L"1.50", L"2E-5",       L"\"a^^b\"", L"TRUE",
+                                              L"name", L"{1,2;\"x\"}"};
             return leaves[Pick(10)];
         }
         std::wstring Make(int depth) {
             if (depth == 0) return Leaf();
-            wchar_t const * const binary[] = {L"+", L"-", L"*", L"/", L"^", L"=", L"<>", L"<", L">=", L"&", L"|"};
+            wchar_t const * const binary[] = {L"+",  L"-", L"*",  L"/", L"^", L"=",
+                                              L"<>", L"<", L">=", L"&", L"|"};
             switch (Pick(6)) {
-            case 0: return Leaf();
-            case 1: return L"-(" + Make(depth - 1) + L")";
-            case 2: return L"(~(" + Make(depth - 1) + L"))";
-            case 3: return L"IF(" + Make(depth - 1) + L"," + Make(depth - 1) + L",SUM(" + Make(depth - 1) + L"))";
-            default: return L"(" + Make(depth - 1) + L")" + binary[Pick(11)] + L"(" + Make(depth - 1) + L")";
+            case 0:
+                return Leaf();
+            case 1:
+                return L"-(" + Make(depth - 1) + L")";
+            case 2:
+                return L"(~(" + Make(depth - 1) + L"))";
+            case 3:
+                return L"IF(" + Make(depth - 1) + L"," + Make(depth - 1) + L",SUM(" +
+                       Make(depth - 1) + L"))";
+            default:
+                return L"(" + Make(depth - 1) + L")" + binary[Pick(11)] + L"(" + Make(depth - 1) +
+                       L")";
             }
         }
     };
@@ -272,7 +293,8 @@ TEST(Registry, HoldsTheFunctionsAndOperators) {
     EXPECT_EQ(plus, 2);
     EXPECT_EQ(minus, 2);
     EXPECT_EQ(operators, 20);
-    for (wchar_t const * name : {L"NORMSDIST", L"ZTEST", L"SYD", L"TBILLEQ", L"YIELD", L"", L"NOSUCH"})
+    for (wchar_t const * name :
+         {L"NORMSDIST", L"ZTEST", L"SYD", L"TBILLEQ", L"YIELD", L"", L"NOSUCH"})
         EXPECT_FALSE(IsFunction(name, 0xFF)) << cells::ToUtf8(CString(name));
 }
 
@@ -297,7 +319,10 @@ TEST(Registry, FindsNames) {
     CCFunc * func = nullptr;
     EXPECT_TRUE(_EatFunction(&host, L"Log10(5)", func, cells::kFunction));
     EXPECT_EQ(func->stringId, 13061u);
-    EXPECT_FALSE(_EatFunction(&host, L"\x100" L"1(", func, cells::kFunction));
+    EXPECT_FALSE(_EatFunction(&host,
+                              L"\x100"
+                              L"1(",
+                              func, cells::kFunction));
     EXPECT_EQ(func, nullptr);
     char minus[] = "-";
     CCFormulaList * one = FormulaListCreate1Item(new CCConstFormula(3));
@@ -317,7 +342,8 @@ TEST(Registry, FieldsOfAFunctionsString) {
     EXPECT_TRUE(sum->GetFuncString(field, 2));
     EXPECT_EQ(field, L"value...");
     EXPECT_FALSE(sum->GetFuncString(field, 3));
-    EXPECT_FALSE(cells::internal::OperatorObject(cells::internal::Operator::kAdd)->GetFuncString(field, 0));
+    EXPECT_FALSE(
+        cells::internal::OperatorObject(cells::internal::Operator::kAdd)->GetFuncString(field, 0));
 }
 
 TEST(Registry, AnotherLanguageParsesItsNamesAndStoresEnglishOnes) {
@@ -343,7 +369,8 @@ TEST(Registry, AnotherLanguageParsesItsNamesAndStoresEnglishOnes) {
 TEST(FormulaLists, TellHowManyItemsTheyHave) {
     EXPECT_TRUE(FormulaList0Item(nullptr) && FormulaList0ItemEx(nullptr));
     EXPECT_FALSE(FormulaList1Item(nullptr) || FormulaList1ItemEx(nullptr));
-    CCFormulaList * list = FormulaListCreate3Item(new CCConstFormula(1), new CCConstFormula(2), new CCConstFormula(3));
+    CCFormulaList * list =
+        FormulaListCreate3Item(new CCConstFormula(1), new CCConstFormula(2), new CCConstFormula(3));
     EXPECT_TRUE(FormulaList2Item(list) && FormulaList3Item(list) && FormulaList3ItemEx(list));
     EXPECT_FALSE(FormulaList4Item(list) || FormulaList2ItemEx(list));
     CCFormulaList * copy = CopyFormulaList(list);
@@ -357,7 +384,8 @@ TEST(ConstructOpFormula, ChoosesTheClassAndFreesWhatItCannotUse) {
         int GetType() const override { return 9; }
     } strange;
     EXPECT_EQ(ConstructOpFormula(&strange, new CCConstFormula(1)), nullptr);
-    EXPECT_EQ(ConstructOpFormula(&strange, cells::NewHeapText(L"a"), cells::NewHeapText(L"b")), nullptr);
+    EXPECT_EQ(ConstructOpFormula(&strange, cells::NewHeapText(L"a"), cells::NewHeapText(L"b")),
+              nullptr);
     CCFunc * choose = cells::internal::FindEnglishFunction(L"IF", cells::kFunction);
     EXPECT_EQ(Tree(ConstructOpFormula(choose, new CCConstFormula(1)))->GetType(), kChooseOpFormula);
     CCFunc * sheet = cells::internal::OperatorObject(cells::internal::Operator::kSheetRange);

@@ -43,8 +43,10 @@ TEST(ReferencePrint, ColumnsAndRows) {
     struct {
         int col, row;
         char const * text;
-    } const rows[] = {{0, 0, "A1"}, {25, 65535, "Z65536"}, {26, 0, "AA1"}, {51, 8, "AZ9"}, {52, 8, "BA9"}, {255, 0, "IV1"}};
-    for (auto const & row : rows) EXPECT_EQ(Printed(CCRCRef(uchar(row.col), ushort(row.row))), row.text);
+    } const rows[] = {{0, 0, "A1"},   {25, 65535, "Z65536"}, {26, 0, "AA1"},
+                      {51, 8, "AZ9"}, {52, 8, "BA9"},        {255, 0, "IV1"}};
+    for (auto const & row : rows)
+        EXPECT_EQ(Printed(CCRCRef(uchar(row.col), ushort(row.row))), row.text);
 }
 
 TEST(ReferencePrint, DollarsByFlags) {
@@ -75,7 +77,8 @@ TEST(ReferenceEquality, NamesAndRemotesFoldCase) {
     CCRef const & base = c;
     EXPECT_TRUE(base.IsEqual(&d));
     EXPECT_FALSE(c.IsEqual(d)); // the exact form
-    EXPECT_FALSE(AreNameEqual(*std::make_unique<CCNameRef>(L"Straße"), *std::make_unique<CCNameRef>(L"STRASSE")));
+    EXPECT_FALSE(AreNameEqual(*std::make_unique<CCNameRef>(L"Straße"),
+                              *std::make_unique<CCNameRef>(L"STRASSE")));
 }
 
 TEST(ReferenceEquality, NullAndOtherKindsAreUnequal) {
@@ -104,11 +107,13 @@ TEST(ReferenceOrder, RegionsAfterCellsAndByTopBottomLeftRight) {
     struct {
         CCRegionRef a, b;
         int order;
-    } const rows[] = {{Region("A5", "A6"), Region("A3", "A9"), 1},  {Region("A3", "A9"), Region("A5", "A6"), -1},
-                      {Region("A1", "A4"), Region("A1", "A5"), -1}, {Region("A1", "A6"), Region("A1", "A5"), 1},
-                      {Region("B1", "C2"), Region("A1", "C2"), 1},  {Region("A1", "B2"), Region("A1", "C2"), -1},
-                      {Region("A1", "C2"), Region("A1", "C2"), 0}};
-    for (auto const & row : rows) EXPECT_EQ(row.a.Compare(&row.b), row.order) << Printed(row.a) << " " << Printed(row.b);
+    } const rows[] = {
+        {Region("A5", "A6"), Region("A3", "A9"), 1},  {Region("A3", "A9"), Region("A5", "A6"), -1},
+        {Region("A1", "A4"), Region("A1", "A5"), -1}, {Region("A1", "A6"), Region("A1", "A5"), 1},
+        {Region("B1", "C2"), Region("A1", "C2"), 1},  {Region("A1", "B2"), Region("A1", "C2"), -1},
+        {Region("A1", "C2"), Region("A1", "C2"), 0}};
+    for (auto const & row : rows)
+        EXPECT_EQ(row.a.Compare(&row.b), row.order) << Printed(row.a) << " " << Printed(row.b);
 }
 
 TEST(ReferenceOrder, NamesAreTurnedAroundAndRemotesStandBeforeEverything) {
@@ -127,7 +132,8 @@ TEST(ReferenceOrder, NamesAreTurnedAroundAndRemotesStandBeforeEverything) {
 }
 
 TEST(ReferenceOrder, SheetsByBothNumbersTheLastFirst) {
-    CCRef3D const a(1, 3, new CCRCRef(0, 0)), b(2, 0, new CCRCRef(0, 0)), c(2, 0, new CCRCRef(1, 0)), none(2, 0);
+    CCRef3D const a(1, 3, new CCRCRef(0, 0)), b(2, 0, new CCRCRef(0, 0)),
+        c(2, 0, new CCRCRef(1, 0)), none(2, 0);
     CCRCRef const cell(0, 0);
     EXPECT_EQ(a.Compare(&b), 1);
     EXPECT_EQ(b.Compare(&a), -1);
@@ -155,7 +161,8 @@ TEST(Regions, NormalizeMoveAndResize) {
 }
 
 TEST(Regions, ContainAndInside) {
-    CCRegionRef const outer = Region("A1", "D4"), inner = Region("B2", "D4"), other = Region("D4", "E5");
+    CCRegionRef const outer = Region("A1", "D4"), inner = Region("B2", "D4"),
+                      other = Region("D4", "E5");
     CCRCRef const cell(1, 1), corner(3, 3), off(4, 4);
     EXPECT_TRUE(outer.Contain(&inner) && inner.IsInside(&outer));
     EXPECT_FALSE(outer.Contain(&other));
@@ -287,7 +294,8 @@ TEST(RefList, JoiningLongListsIsTheSameAsJoiningShortOnes) {
     }
     JoinRefList(&into, from);
     std::vector<int> rows, expected;
-    for (CCRefList * node = into; node; node = node->m_pNext) rows.push_back(static_cast<CCRCRef *>(node->m_pRef)->row);
+    for (CCRefList * node = into; node; node = node->m_pNext)
+        rows.push_back(static_cast<CCRCRef *>(node->m_pRef)->row);
     for (int i = 0; i < 100; ++i)
         if (i % 2 && i % 3) expected.push_back(i);
     for (int i = 0; i < 100; i += 3) expected.push_back(i);
@@ -318,14 +326,24 @@ TEST(RefHash, AgreesWithEquality) {
         wchar_t const * const names[] = {L"a", L"A", L"b"};
         CCRCRef const cell(uchar(random() % 2), ushort(random() % 2));
         switch (random() % 8) {
-        case 0: return std::make_unique<CCRCRef>(cell);
-        case 1: return std::make_unique<CCRegionRef>(cell.col, cell.row, uchar(3), ushort(random() % 2 + 3));
-        case 2: return std::make_unique<CCNameRef>(names[random() % 3]);
-        case 3: return std::make_unique<CCRemoteRef>(names[random() % 3], names[random() % 3]);
-        case 4: return std::make_unique<CCDocumentRef>(CCDocumentRef::ECDocRefType(random() % 2));
-        case 5: return std::make_unique<CCRef3D>(ushort(random() % 2), ushort(random() % 2), cell.Copy());
-        case 6: return std::make_unique<CCRef3D>(random() % 2 ? &host : &other, &cell);
-        default: return std::make_unique<CCRef3D>(ushort(random() % 2));
+        case 0:
+            return std::make_unique<CCRCRef>(cell);
+        case 1:
+            return std::make_unique<CCRegionRef>(cell.col, cell.row, uchar(3),
+                                                 ushort(random() % 2 + 3));
+        case 2:
+            return std::make_unique<CCNameRef>(names[random() % 3]);
+        case 3:
+            return std::make_unique<CCRemoteRef>(names[random() % 3], names[random() % 3]);
+        case 4:
+            return std::make_unique<CCDocumentRef>(CCDocumentRef::ECDocRefType(random() % 2));
+        case 5:
+            return std::make_unique<CCRef3D>(ushort(random() % 2), ushort(random() % 2),
+                                             cell.Copy());
+        case 6:
+            return std::make_unique<CCRef3D>(random() % 2 ? &host : &other, &cell);
+        default:
+            return std::make_unique<CCRef3D>(ushort(random() % 2));
         }
     };
     int equal = 0;

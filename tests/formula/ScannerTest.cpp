@@ -36,20 +36,24 @@ void Check(NumberRow const & row, auto && scan) {
 } // namespace
 
 TEST(ScanNumberValue, PlainForm) {
-    NumberRow const rows[] = {{L"12.50x", 5, 12.5, 1}, {L".5", 2, 0.5, 1},   {L"5.", 2, 5, 1},      {L".", 0, 0, 0},
-                              {L"", 0, 0, 0},          {L"1,234", 1, 1, 1},  {L"12E3", 4, 12000, 5}, {L"1e", 1, 1, 1},
-                              {L"1 e - 2", 7, 0.01, 5}, {L"1/2", 1, 1, 1},   {L"  7", 3, 7, 1},     {L"1e400", 0, 0, 0}};
+    NumberRow const rows[] = {{L"12.50x", 5, 12.5, 1}, {L".5", 2, 0.5, 1}, {L"5.", 2, 5, 1},
+                              {L".", 0, 0, 0},         {L"", 0, 0, 0},     {L"1,234", 1, 1, 1},
+                              {L"12E3", 4, 12000, 5},  {L"1e", 1, 1, 1},   {L"1 e - 2", 7, 0.01, 5},
+                              {L"1/2", 1, 1, 1},       {L"  7", 3, 7, 1},  {L"1e400", 0, 0, 0}};
     for (NumberRow const & row : rows)
-        Check(row, [](wchar_t const *& at, CCCellValue & v) { return _EatNumberValue(L(), at, v, 0); });
+        Check(row,
+              [](wchar_t const *& at, CCCellValue & v) { return _EatNumberValue(L(), at, v, 0); });
 }
 
 TEST(ScanNumberValue, StrictFormReadsGroupsAndFractions) {
-    NumberRow const rows[] = {{L"1,234.5", 7, 1234.5, 1}, {L"1,23", 0, 0, 0},     {L"12345,678", 9, 12345678, 1},
-                              {L",123", 0, 0, 0},         {L"1 1/2", 5, 1.5, 4},  {L"12/3", 4, 4, 4},
-                              {L"1/0", 1, 1, 1},          {L"1,000/2", 5, 1000, 1}, {L"1.5/2", 3, 1.5, 1},
-                              {L"1 /2", 1, 1, 1}};
+    NumberRow const rows[] = {
+        {L"1,234.5", 7, 1234.5, 1}, {L"1,23", 0, 0, 0},       {L"12345,678", 9, 12345678, 1},
+        {L",123", 0, 0, 0},         {L"1 1/2", 5, 1.5, 4},    {L"12/3", 4, 4, 4},
+        {L"1/0", 1, 1, 1},          {L"1,000/2", 5, 1000, 1}, {L"1.5/2", 3, 1.5, 1},
+        {L"1 /2", 1, 1, 1}};
     for (NumberRow const & row : rows)
-        Check(row, [](wchar_t const *& at, CCCellValue & v) { return _EatNumberValue(L(), at, v, 1); });
+        Check(row,
+              [](wchar_t const *& at, CCCellValue & v) { return _EatNumberValue(L(), at, v, 1); });
 }
 
 TEST(ScanNumberValue, KeepsDecimalsAndMarks) {
@@ -87,7 +91,9 @@ TEST(ScanNumber, TriesEveryFormInItsOrder) {
                               {L"falsehood", 5, 0, 8},
                               {L"5 apples", 1, 5, 0},
                               {L"13:30", 5, 0.5625, 6},
-                              {L"\xA0" L"5", 2, 5, 0},
+                              {L"\xA0"
+                               L"5",
+                               2, 5, 0},
                               {L"\x0665", 0, 0, 0}};
     for (NumberRow const & row : rows)
         Check(row, [](wchar_t const *& at, CCCellValue & v) { return _EatNumber(L(), at, v, 1); });
@@ -118,11 +124,12 @@ struct DateRow {
 };
 
 TEST(ScanDate, ReadsTheShapesOfDates) {
-    DateRow const rows[] = {{L"3/5/2026", 5, 3, 2026},     {L"3-5", 5, 3, 2026},        {L"31/12/2020", 31, 12, 2020},
-                            {L"March 5, 2020", 5, 3, 2020}, {L"Mar 5 2020", 5, 3, 2020}, {L"5 mar 2020", 5, 3, 2020},
-                            {L"5.Mar.20", 5, 3, 2020},     {L"3/5/72", 5, 3, 1972},     {L"3/5/71", 5, 3, 2071},
-                            {L"3/5/202", 0, 0, 0},         {L"3 5", 0, 0, 0},           {L"Mar-Apr", 0, 0, 0},
-                            {L"3\\5\\2026", 5, 3, 2026},   {L"3/5-2026", 5, 3, 2026}};
+    DateRow const rows[] = {
+        {L"3/5/2026", 5, 3, 2026},      {L"3-5", 5, 3, 2026},        {L"31/12/2020", 31, 12, 2020},
+        {L"March 5, 2020", 5, 3, 2020}, {L"Mar 5 2020", 5, 3, 2020}, {L"5 mar 2020", 5, 3, 2020},
+        {L"5.Mar.20", 5, 3, 2020},      {L"3/5/72", 5, 3, 1972},     {L"3/5/71", 5, 3, 2071},
+        {L"3/5/202", 0, 0, 0},          {L"3 5", 0, 0, 0},           {L"Mar-Apr", 0, 0, 0},
+        {L"3\\5\\2026", 5, 3, 2026},    {L"3/5-2026", 5, 3, 2026}};
     for (DateRow const & row : rows) {
         SCOPED_TRACE(cells::ToUtf8(CString(row.text)));
         wchar_t const * at = row.text;
@@ -136,7 +143,8 @@ TEST(ScanDate, ReadsTheShapesOfDates) {
 }
 
 TEST(ScanDate, RefusesDaysThatAreNone) {
-    for (wchar_t const * text : {L"2/30/2020", L"13/13/2020", L"1/1/2072", L"1/1/1899", L"2/29/2021"}) {
+    for (wchar_t const * text :
+         {L"2/30/2020", L"13/13/2020", L"1/1/2072", L"1/1/1899", L"2/29/2021"}) {
         wchar_t const * at = text;
         CCCellValue value;
         EXPECT_FALSE(_EatDNumber(L(), at, value)) << cells::ToUtf8(CString(text));
@@ -165,9 +173,10 @@ struct ClockRow {
 };
 
 TEST(ScanTime, ReadsBothClocks) {
-    ClockRow const rows[] = {{L"6:00", 0.25, 1, 0},    {L"18:00:00", 0.75, 1, 1}, {L"12:00 AM", 0, 0, 0},
-                             {L"12:00pm", 0.5, 2, 0},  {L"13:00 PM", -1, 0, 0},   {L"25:00", -1, 0, 0},
-                             {L"6", -1, 0, 0},         {L"6:", -1, 0, 0},         {L"24:00", 1, 1, 0}};
+    ClockRow const rows[] = {
+        {L"6:00", 0.25, 1, 0},   {L"18:00:00", 0.75, 1, 1}, {L"12:00 AM", 0, 0, 0},
+        {L"12:00pm", 0.5, 2, 0}, {L"13:00 PM", -1, 0, 0},   {L"25:00", -1, 0, 0},
+        {L"6", -1, 0, 0},        {L"6:", -1, 0, 0},         {L"24:00", 1, 1, 0}};
     for (ClockRow const & row : rows) {
         SCOPED_TRACE(cells::ToUtf8(CString(row.text)));
         wchar_t const * at = row.text;
@@ -186,9 +195,9 @@ TEST(ScanConstant, NumbersWordsAndQuotedText) {
         wchar_t const * text;
         int taken;
         char const * shown;
-    } const rows[] = {{L"1,234", 1, "1"},         {L"\"a^\"b\"", 6, "a\"b"}, {L"\"\"", 2, ""}, {L"\"2^3\"", 5, "23"},
-                      {L"\"2^^3\"", 6, "2^3"},    {L"\"open", 0, ""},        {L"\"a^\"", 0, ""}, {L"TRUE1", 4, "TRUE"},
-                      {L"\"tail^", 0, ""}};
+    } const rows[] = {{L"1,234", 1, "1"},    {L"\"a^\"b\"", 6, "a\"b"}, {L"\"\"", 2, ""},
+                      {L"\"2^3\"", 5, "23"}, {L"\"2^^3\"", 6, "2^3"},   {L"\"open", 0, ""},
+                      {L"\"a^\"", 0, ""},    {L"TRUE1", 4, "TRUE"},     {L"\"tail^", 0, ""}};
     for (auto const & row : rows) {
         SCOPED_TRACE(cells::ToUtf8(CString(row.text)));
         wchar_t const * at = row.text;
@@ -210,10 +219,20 @@ struct RefRow {
 };
 
 TEST(ScanReference, CellsAndRegions) {
-    RefRow const rows[] = {{L"IV65536", 7, "IV65536", 0},   {L"IW1", 0, "", 0},           {L"A65537", 0, "", 0},
-                           {L"A0", 0, "", 0},               {L"$b$3", 4, "B3", 3},        {L"A1:", 2, "A1", 0},
-                           {L"A1:B2", 5, "A1:B2", 0},       {L"A1..B2", 6, "A1:B2", 0},   {L"B5:$A1", 6, "A1:B5", 4},
-                           {L"\xC9" L"1", 0, "", 0},        {L"A100000", 6, "A10000", 0}, {L"ABC1", 0, "", 0},
+    RefRow const rows[] = {{L"IV65536", 7, "IV65536", 0},
+                           {L"IW1", 0, "", 0},
+                           {L"A65537", 0, "", 0},
+                           {L"A0", 0, "", 0},
+                           {L"$b$3", 4, "B3", 3},
+                           {L"A1:", 2, "A1", 0},
+                           {L"A1:B2", 5, "A1:B2", 0},
+                           {L"A1..B2", 6, "A1:B2", 0},
+                           {L"B5:$A1", 6, "A1:B5", 4},
+                           {L"\xC9"
+                            L"1",
+                            0, "", 0},
+                           {L"A100000", 6, "A10000", 0},
+                           {L"ABC1", 0, "", 0},
                            {L"A1:$IW1", 2, "A1", 0}};
     BaseHost host;
     for (RefRow const & row : rows) {
@@ -244,7 +263,11 @@ TEST(ScanReference, NamesAndSheetNames) {
     struct {
         wchar_t const * text;
         wchar_t const * name;
-    } const names[] = {{L"Sheet1 !A1", L"Sheet1"}, {L"one:two!A1", L"one"}, {L"A1:B2", nullptr}, {L"plain", nullptr}, {L"AB12!x", nullptr}};
+    } const names[] = {{L"Sheet1 !A1", L"Sheet1"},
+                       {L"one:two!A1", L"one"},
+                       {L"A1:B2", nullptr},
+                       {L"plain", nullptr},
+                       {L"AB12!x", nullptr}};
     for (auto const & row : names) {
         at = row.text;
         cells::HeapText const name(_EatName(&host, at));

@@ -95,10 +95,11 @@ TEST(Archive, HugeCountsOnShortStreamsTakeWhatIsThere) {
         std::free(text);
     });
     EXPECT_EQ(CauseOf([] {
-                  Reading({0xFF, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xF0, 0xFF, 0xFF, 0xFF, 'a', 0}, [](CArchive & ar) {
-                      CString text;
-                      ar >> text;
-                  });
+                  Reading({0xFF, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xF0, 0xFF, 0xFF, 0xFF, 'a', 0},
+                          [](CArchive & ar) {
+                              CString text;
+                              ar >> text;
+                          });
               }),
               CArchiveException::endOfFile);
 }
@@ -111,7 +112,8 @@ TEST(Archive, FailuresHaveTheirCause) {
                   });
               }),
               CArchiveException::endOfFile);
-    EXPECT_EQ(CauseOf([] { Reading({1}, [](CArchive & ar) { ar << uchar(1); }); }), CArchiveException::readOnly);
+    EXPECT_EQ(CauseOf([] { Reading({1}, [](CArchive & ar) { ar << uchar(1); }); }),
+              CArchiveException::readOnly);
     EXPECT_EQ(CauseOf([] {
                   Written([](CArchive & ar) {
                       uchar byte;
@@ -123,7 +125,8 @@ TEST(Archive, FailuresHaveTheirCause) {
 
 TEST(Archive, CountsAreShortBelow65535) {
     EXPECT_EQ(Written([](CArchive & ar) { ar.WriteCount(65534); }), (Bytes{0xFE, 0xFF}));
-    EXPECT_EQ(Written([](CArchive & ar) { ar.WriteCount(65535); }), (Bytes{0xFF, 0xFF, 0xFF, 0xFF, 0, 0}));
+    EXPECT_EQ(Written([](CArchive & ar) { ar.WriteCount(65535); }),
+              (Bytes{0xFF, 0xFF, 0xFF, 0xFF, 0, 0}));
 }
 
 TEST(Archive, FlushOfALoadingArchiveMovesItsFileBack) {

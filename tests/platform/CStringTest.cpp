@@ -10,7 +10,9 @@ TEST(CString, EmptyStringOwnsNothingAndHasATerminator) {
     EXPECT_EQ(sizeof(CString), sizeof(void *));
 }
 
-TEST(CString, NullTextIsEmpty) { EXPECT_TRUE(CString(static_cast<wchar_t const *>(nullptr)).IsEmpty()); }
+TEST(CString, NullTextIsEmpty) {
+    EXPECT_TRUE(CString(static_cast<wchar_t const *>(nullptr)).IsEmpty());
+}
 
 TEST(CString, CharacterBeyondTheFirstPlaneBecomesTwoUnits) {
     CString const text(L"\U0001F600");

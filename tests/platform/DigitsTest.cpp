@@ -20,7 +20,8 @@ TEST(Digits, AreThoseOfTheCFormats) {
     std::mt19937_64 random(7);
     char expected[1200];
     for (int i = 0; i < 20000; ++i) {
-        double const value = i % 2 ? std::bit_cast<double>(random()) : std::ldexp(double(random() % 100000), int(random() % 40) - 25);
+        double const value = i % 2 ? std::bit_cast<double>(random())
+                                   : std::ldexp(double(random() % 100000), int(random() % 40) - 25);
         if (!std::isfinite(value)) continue;
         int const decimals = int(random() % 16);
         DigitText text;

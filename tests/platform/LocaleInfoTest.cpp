@@ -1,5 +1,5 @@
-#include "format/LocaleContext.h"
 #include "platform/LocaleInfo.h"
+#include "format/LocaleContext.h"
 #include "platform/Utf.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,9 @@ using namespace kbt::multilang;
 
 namespace {
 
-cells::LCTX Context(wchar_t const * tag) { return cells::LCTX(kbt::globals::global_environment().locales_cache().find(tag)); }
+cells::LCTX Context(wchar_t const * tag) {
+    return cells::LCTX(kbt::globals::global_environment().locales_cache().find(tag));
+}
 
 } // namespace
 

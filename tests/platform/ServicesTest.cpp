@@ -1,10 +1,10 @@
+#include "platform/Services.h"
 #include "platform/COleDateTime.h"
 #include "platform/Dialogs.h"
 #include "platform/NodePool.h"
 #include "platform/Profile.h"
 #include "platform/Random.h"
 #include "platform/Resources.h"
-#include "platform/Services.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -15,7 +15,8 @@ TEST(Resources, HoldTheMessagesAndErrorTexts) {
     EXPECT_EQ(cells::LoadString(13382), L"#REF!");
     EXPECT_EQ(cells::LoadString(13390), L"#N/A");
     EXPECT_FALSE(cells::LoadString(13033).IsEmpty());
-    for (unsigned id : {13022u, 13030u, 13035u, 13040u, 0u, 99999u}) EXPECT_TRUE(cells::LoadString(id).IsEmpty()) << id;
+    for (unsigned id : {13022u, 13030u, 13035u, 13040u, 0u, 99999u})
+        EXPECT_TRUE(cells::LoadString(id).IsEmpty()) << id;
 }
 
 TEST(Resources, ErrorTextsWithoutAStringPrintTheirNumber) {
@@ -36,7 +37,9 @@ TEST(Resources, FieldsAreSplitByLineFeeds) {
 
 TEST(Dialogs, MessagesReachTheHostWithTheirNumber) {
     std::vector<unsigned> shown;
-    cells::PlatformServices().showMessage = [&](unsigned id, CString const &) { shown.push_back(id); };
+    cells::PlatformServices().showMessage = [&](unsigned id, CString const &) {
+        shown.push_back(id);
+    };
     ErrorMessage(13042);
     cells::PlatformServices().showMessage = nullptr;
     ErrorMessage(13042);

@@ -8,9 +8,11 @@
 #include <gtest/gtest.h>
 
 TEST(Text, WhiteSpaceIsThatOfUnicode) {
-    for (wchar_t unit : {0x9, 0xD, 0x20, 0x85, 0xA0, 0x1680, 0x2000, 0x200A, 0x2028, 0x202F, 0x205F, 0x3000})
+    for (wchar_t unit :
+         {0x9, 0xD, 0x20, 0x85, 0xA0, 0x1680, 0x2000, 0x200A, 0x2028, 0x202F, 0x205F, 0x3000})
         EXPECT_TRUE(cells::IsSpace(unit)) << std::hex << int(unit);
-    for (wchar_t unit : {0x0, 0x1F, 0x200B, 0xFEFF, 0xD800}) EXPECT_FALSE(cells::IsSpace(unit)) << std::hex << int(unit);
+    for (wchar_t unit : {0x0, 0x1F, 0x200B, 0xFEFF, 0xD800})
+        EXPECT_FALSE(cells::IsSpace(unit)) << std::hex << int(unit);
 }
 
 TEST(Text, ClassesDoNotDependOnTheProcessLocale) {
@@ -44,8 +46,8 @@ struct Order {
 };
 
 TEST(Collation, PutsWordsInTheirOrderAndNeverMakesDifferentTextsEqual) {
-    Order const orders[] = {{L"a", L"B", -1},     {L"ant", L"Zebra", -1}, {L"ant", L"Ant", -1},
-                            {L"same", L"same", 0}, {L"", L"a", -1},        {L"1", L"a", -1},
+    Order const orders[] = {{L"a", L"B", -1},       {L"ant", L"Zebra", -1}, {L"ant", L"Ant", -1},
+                            {L"same", L"same", 0},  {L"", L"a", -1},        {L"1", L"a", -1},
                             {L"co-op", L"coop", -1}};
     for (Order const & order : orders) {
         int const result = StrColl(order.a, order.b, 1);

@@ -84,7 +84,8 @@ public:
         SetCellText(&ref, text.c_str());
     }
     void Idle() {
-        for (int i = 0; i < 100000 && DoIdle(0); ++i) {}
+        for (int i = 0; i < 100000 && DoIdle(0); ++i) {
+        }
     }
     std::string Text(std::string const & name) {
         std::wostringstream stream;
@@ -123,7 +124,8 @@ private:
 };
 
 inline void MapCell::Recalc(CTX * ctx) {
-    if (auto * host = dynamic_cast<BaseHost *>(ctx->manager())) host->recalculated.push_back(BaseHost::NameOf(&m_Ref));
+    if (auto * host = dynamic_cast<BaseHost *>(ctx->manager()))
+        host->recalculated.push_back(BaseHost::NameOf(&m_Ref));
     CCCell::Recalc(ctx);
 }
 

@@ -11,7 +11,8 @@
 int main(int argc, char ** argv) {
     testing::InitGoogleTest(&argc, argv);
     namespace fs = std::filesystem;
-    fs::path const folder = fs::temp_directory_path() / ("cvcells-tests-" + std::to_string(getpid()));
+    fs::path const folder =
+        fs::temp_directory_path() / ("cvcells-tests-" + std::to_string(getpid()));
     cells::Services & services = cells::PlatformServices();
     services.localeName = [] { return CString(L"C"); };
     services.localTime = [] { return cells::LocalTime{2026, 3, 5, 13, 45, 30}; };
