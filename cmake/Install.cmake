@@ -5,7 +5,7 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cvcells)
 install(TARGETS cvcells cvcells_host EXPORT cvcellsTargets)
 install(EXPORT cvcellsTargets NAMESPACE cvcells:: DESTINATION ${package_dir})
 install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cvcells
-        FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE)
+        FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE PATTERN "GrammarActions.h" EXCLUDE)
 install(DIRECTORY host DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cvcells FILES_MATCHING PATTERN "*.h")
 if(TARGET cvcells_program)
     install(TARGETS cvcells_program)

@@ -196,9 +196,10 @@ void CCNumberFormat::PrintNumber(cells::LCTX * lctx, std::wostream & stream, dou
 void CCNumberFormat::PrintCurrency(cells::LCTX * lctx, std::wostream & stream, double value,
                                    int raw) const {
     wchar_t const * pattern = kPosCurrencyFormat[lctx->currencyPositiveOrder()];
-    if (value < 0)
-        pattern = (getNegBr() ? kNegBrCurrencyFormat
-                              : kNegNoBrCurrencyFormat)[lctx->currencyNegativeOrder()];
+    if (value < 0) {
+        int const order = lctx->currencyNegativeOrder();
+        pattern = getNegBr() ? kNegBrCurrencyFormat[order] : kNegNoBrCurrencyFormat[order];
+    }
     PrintFormatNumber(lctx, stream, value, pattern, raw);
 }
 
