@@ -7,6 +7,7 @@
 #include "formula/CCRefList.h"
 #include "platform/CArchive.h"
 #include "platform/CFile.h"
+#include "platform/Exceptions.h"
 
 #include <algorithm>
 #include <cstring>
@@ -141,10 +142,15 @@ void CCCell::SerializeFormula(cells::CTX * ctx, uchar type) {
     });
 }
 
+// A damaged block is found out long after it was read; it then has no tree, and stays as it is.
 CCFormula * CCCell::ReadBlock(cells::CTX * ctx) const {
     CMemFile file(m_pFormulaData.get() + kLength + 1, LengthOf(m_pFormulaData.get()));
     CArchive ar(&file, CArchive::load);
-    return ReadFormula(ctx, ar);
+    try {
+        return ReadFormula(ctx, ar);
+    } catch (CArchiveException const &) {
+        return nullptr;
+    }
 }
 
 void CCCell::Write(cells::CTX * ctx, CArchive & ar) {

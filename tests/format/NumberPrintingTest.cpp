@@ -6,6 +6,7 @@
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
+#include <list>
 #include <sstream>
 
 namespace {
@@ -26,11 +27,17 @@ Setup Decimals(int decimals) {
     return [=](CCNumberFormat & format) { format.SetPrecision(decimals); };
 }
 
-// A locale of the invariant facts with some items changed.
+// A locale of the invariant facts with some items changed; it lives as long as the tests.
 cells::LCTX * Locale(std::initializer_list<std::pair<unsigned, wchar_t const *>> changes) {
+    struct Kept {
+        kbt::multilang::CLocaleInfo info;
+        cells::LCTX context;
+        explicit Kept(kbt::multilang::LocaleItems const & items) : info(L"test", items, nullptr), context(info) {}
+    };
+    static std::list<Kept> kept;
     kbt::multilang::LocaleItems items;
     for (auto const & [item, text] : changes) items[item] = text;
-    return new cells::LCTX(*new kbt::multilang::CLocaleInfo(L"test", items, nullptr));
+    return &kept.emplace_back(items).context;
 }
 
 } // namespace
