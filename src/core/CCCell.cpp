@@ -81,6 +81,7 @@ int CCCell::SetValue(cells::CTX * ctx, CCCellValue const & value) {
             if (manager) manager->InitIdleRecalc(this, 0);
         } else if (removed && manager) {
             manager->SetDirty(); // the formula is gone, although the value is the same
+            manager->OnFormulaRemoved(this);
         }
     }
     OnValueChanged(ctx);
@@ -485,10 +486,10 @@ int CCCell::Clear(cells::CTX * ctx, int what) {
     CCCellManager * const manager = ctx->manager();
     SessionGuard const session(manager);
     if (IsEditSource(ctx) && IsFormulaLink()) return ClearEditSource(ctx);
-    bool changed = false, valueChanged = false;
+    bool changed = false, valueChanged = false, formulaRemoved = false;
     if (what & kClearFormula && IsFormulaLink()) {
         RemoveFormula(ctx);
-        changed = true;
+        changed = formulaRemoved = true;
     }
     if (what & kClearValue && !IsFormulaLink() && !m_Value.IsEmpty()) {
         m_Value.Set();
@@ -512,6 +513,8 @@ int CCCell::Clear(cells::CTX * ctx, int what) {
     if (valueChanged) {
         if (manager) manager->InitIdleRecalc(this, 0);
         OnValueChanged(ctx);
+    } else if (formulaRemoved && manager) {
+        manager->OnFormulaRemoved(this);
     }
     return 1;
 }

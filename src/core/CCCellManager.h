@@ -209,6 +209,8 @@ public:
     void ReleaseContents();
     // Queues a change: the cell itself (self 1, a formula) or its dependents.
     void InitIdleRecalc(CCItem const * item, int self);
+    // A formula was removed and its value stayed: when it was queued, its dependents still wait.
+    void OnFormulaRemoved(CCItem const * item);
     // Queues a new formula, or refuses a cycle with 0.
     int InitFormulaRecalc(CCItem const * item);
     void DoNonIdleCalc(CCItem const * item, int flag); // for workbooks; a lone manager ignores it

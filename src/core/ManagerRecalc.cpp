@@ -82,6 +82,15 @@ void CCCellManager::InitIdleRecalc(CCItem const * item, int self) {
         ProcessDependents(item->GetRef(), m_ProcessList);
 }
 
+// The passes do not follow a queued reference without a formula, so its dependents are queued for
+// it.
+void CCCellManager::OnFormulaRemoved(CCItem const * item) {
+    if (m_ProcessList.IsEmpty()) return;
+    std::unique_ptr<CCRef> const placed(MakeDependentRef(ctx(), item->GetRef()));
+    for (CCRef const * ref : {item->GetRef(), static_cast<CCRef const *>(placed.get())})
+        if (m_ProcessList.Find(ref) != RecalcList::kNone) return InitIdleRecalc(item, 0);
+}
+
 CCItem * CCCellManager::ProcessDependents(CCRef const * ref, CCRecalcList & list) {
     Place const place = Resolve(*this, ref);
     if (!place.item) {

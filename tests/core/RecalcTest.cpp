@@ -413,3 +413,21 @@ TEST(Recalc, OrderOfRandomGraphsIsTheLiteralOne) {
         ASSERT_EQ(Order(host.recalculated), Order(expected)) << "round " << round;
     }
 }
+
+TEST(Recalc, AFormulaRemovedWhileQueuedStillReachesItsDependents) {
+    for (bool const clear : {false, true}) {
+        BaseHost host;
+        host.Make("C1");
+        host.Enter("A1", L"13");
+        host.Enter("B1", L"=A1+1");
+        host.Idle();
+        host.Enter("A1", clear ? L"=C1" : L"=7"); // the value changes here
+        CCRCRef const a1 = BaseHost::RefOf("A1");
+        if (clear)
+            host.ClearCell(&a1, 7);
+        else
+            host.Enter("A1", L"7"); // and not here
+        host.Idle();
+        EXPECT_EQ(host.Text("B1"), clear ? "1" : "8");
+    }
+}

@@ -32,7 +32,8 @@ cells::LCTX * Locale(std::initializer_list<std::pair<unsigned, wchar_t const *>>
     struct Kept {
         kbt::multilang::CLocaleInfo info;
         cells::LCTX context;
-        explicit Kept(kbt::multilang::LocaleItems const & items) : info(L"test", items, nullptr), context(info) {}
+        explicit Kept(kbt::multilang::LocaleItems const & items)
+            : info(L"test", items, nullptr), context(info) {}
     };
     static std::list<Kept> kept;
     kbt::multilang::LocaleItems items;

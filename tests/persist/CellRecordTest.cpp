@@ -20,7 +20,9 @@ Bytes const kNoFormat = Join(0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFE, 0xFF, 0);
 // The head of every cell here: set mask, flags and number format.
 std::size_t HeadSize() { return 2 + 1 + kNoFormat.size(); }
 
-Bytes BehindHead(Bytes const & cell) { return Bytes(cell.begin() + std::ptrdiff_t(HeadSize()), cell.end()); }
+Bytes BehindHead(Bytes const & cell) {
+    return Bytes(cell.begin() + std::ptrdiff_t(HeadSize()), cell.end());
+}
 
 } // namespace
 
@@ -34,13 +36,14 @@ TEST(CellRecord, HoldsFormatValueFormulaAndDependents) {
     host.Make("A1");
     host.Enter("B1", L"=A1");
     // An empty reference shows an empty value; the block counts the formula's bytes only.
-    EXPECT_EQ(BehindHead(CellBytes(host, "B1")), Join(0, U32(6), int('F'), Bytes{3, 1, 0, 0, 0, 0}, U32(0)));
+    EXPECT_EQ(BehindHead(CellBytes(host, "B1")),
+              Join(0, U32(6), int('F'), Bytes{3, 1, 0, 0, 0, 0}, U32(0)));
     Bytes const a1 = BehindHead(CellBytes(host, "A1"));
     ASSERT_GT(a1.size(), 9u);
-    EXPECT_EQ(a1[0], 0);                                          // no value
-    EXPECT_EQ(Bytes(a1.begin() + 1, a1.begin() + 5), U32(0));     // no formula
-    EXPECT_EQ(a1[5] + 9u, a1.size());                             // the rest is one counted block
-    EXPECT_EQ(a1.back(), 0);                                      // which ends its list
+    EXPECT_EQ(a1[0], 0);                                      // no value
+    EXPECT_EQ(Bytes(a1.begin() + 1, a1.begin() + 5), U32(0)); // no formula
+    EXPECT_EQ(a1[5] + 9u, a1.size());                         // the rest is one counted block
+    EXPECT_EQ(a1.back(), 0);                                  // which ends its list
 }
 
 TEST(CellRecord, OfACircularCellSaysSo) {
@@ -65,7 +68,8 @@ TEST(CellRecord, ASheetReadsBackAndCalculates) {
     std::vector<Bytes> records;
     for (char const * name : names) records.push_back(CellBytes(host, name));
     for (int i = 0; i < 4; ++i)
-        Reading(records[std::size_t(i)], [&](CArchive & ar) { other.Make(names[i]).Read(&other, ar); });
+        Reading(records[std::size_t(i)],
+                [&](CArchive & ar) { other.Make(names[i]).Read(&other, ar); });
     for (char const * name : names) {
         EXPECT_EQ(other.Text(name), host.Text(name));
         EXPECT_EQ(other.EditText(name), host.EditText(name));
@@ -87,7 +91,8 @@ TEST(CellRecord, EveryDamagedByteIsAnExceptionOrACell) {
         MapCell & cell = other.Make("B1");
         try {
             Reading(bytes, [&](CArchive & ar) { cell.Read(&other, ar); });
-        } catch (CArchiveException const &) {}
+        } catch (CArchiveException const &) {
+        }
         other.Text("B1");
         other.EditText("B1");
         CCRCRef const b1(1, 0);
@@ -109,8 +114,9 @@ TEST(CellRecord, AnAnnouncedLengthTakesNoMemory) {
     Bytes bytes = CellBytes(host, "A1");
     std::fill(bytes.end() - 8, bytes.end() - 4, uchar(0xFF)); // the formula's length
     MapCell & cell = host.Make("A1");
-    EXPECT_NO_THROW(try { Reading(bytes, [&](CArchive & ar) { cell.Read(&host, ar); }); } catch (
-                        CArchiveException const &) {});
+    EXPECT_NO_THROW(try {
+        Reading(bytes, [&](CArchive & ar) { cell.Read(&host, ar); });
+    } catch (CArchiveException const &){});
     EXPECT_EQ(host.Text("A1"), "");
 }
 

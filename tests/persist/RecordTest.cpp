@@ -22,9 +22,7 @@ namespace {
 
 // What a number format without anything set writes: type, options, data, mask, flag, empty text.
 // The mask says that type, commas, brackets, red and string mode are set.
-Bytes FormatBytes(int type) {
-    return Join(type, 0, 0, 0, 0, 0x3D, 0, 0, 0xFF, 0xFE, 0xFF, 0);
-}
+Bytes FormatBytes(int type) { return Join(type, 0, 0, 0, 0, 0x3D, 0, 0, 0xFF, 0xFE, 0xFF, 0); }
 
 Bytes ValueBytes(CCCellValue const & value) {
     return Written([&](CArchive & ar) { value.Write(nullptr, ar); });
@@ -104,7 +102,9 @@ TEST(ValueRecord, EveryShorterPieceThrowsOrIsShort) {
     for (std::size_t length = 0; length < bytes.size(); ++length) {
         CCCellValue read;
         Bytes const piece(bytes.begin(), bytes.begin() + std::ptrdiff_t(length));
-        EXPECT_THROW(Reading(piece, [&](CArchive & ar) { read.Read(nullptr, ar); }), CArchiveException) << length;
+        EXPECT_THROW(Reading(piece, [&](CArchive & ar) { read.Read(nullptr, ar); }),
+                     CArchiveException)
+            << length;
     }
 }
 
@@ -126,8 +126,9 @@ TEST(ValueArrayRecord, MarksNullElements) {
 
 TEST(ValueArrayRecord, AnAnnouncedCountTakesNoMemory) {
     CPtrArray read;
-    EXPECT_THROW(Reading(U32(0xFFFFFFFF), [&](CArchive & ar) { ReadValueArray(nullptr, ar, read); }),
-                 CArchiveException);
+    EXPECT_THROW(
+        Reading(U32(0xFFFFFFFF), [&](CArchive & ar) { ReadValueArray(nullptr, ar, read); }),
+        CArchiveException);
     FreeValueArray(read);
 }
 
@@ -140,8 +141,9 @@ TEST(DoubleArrayRecord, IsACountAndTheDoubles) {
     Reading(bytes, [&](CArchive & ar) { read.Serialize(ar); });
     ASSERT_EQ(read.GetSize(), 2);
     EXPECT_EQ(read[1], -2);
-    EXPECT_THROW(Reading({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, [&](CArchive & ar) { read.Serialize(ar); }),
-                 CArchiveException);
+    EXPECT_THROW(
+        Reading({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, [&](CArchive & ar) { read.Serialize(ar); }),
+        CArchiveException);
 }
 
 TEST(ReferenceRecord, HoldsTypeAndPayload) {
@@ -170,7 +172,8 @@ TEST(ReferenceRecord, ReadsBackEqual) {
     CCRemoteRef const remote(L"other", L"B2:C3");
     CCDocumentRef const document(CCDocumentRef::ECDocRefType(3));
     CCRef3D const sheets(1, 9, region.Copy());
-    for (CCRef const * ref : std::initializer_list<CCRef const *>{&cell, &region, &name, &remote, &document, &sheets}) {
+    for (CCRef const * ref :
+         std::initializer_list<CCRef const *>{&cell, &region, &name, &remote, &document, &sheets}) {
         std::unique_ptr<CCRef> read;
         Reading(RefBytes(ref), [&](CArchive & ar) { read.reset(ReadRef(nullptr, ar)); });
         ASSERT_TRUE(read);
@@ -180,13 +183,15 @@ TEST(ReferenceRecord, ReadsBackEqual) {
 
 TEST(ReferenceRecord, UnknownTypesAreNull) {
     for (int type : {0, 7, 100, 255})
-        Reading({uchar(type), 1, 2, 3}, [&](CArchive & ar) { EXPECT_EQ(ReadRef(nullptr, ar), nullptr); });
+        Reading({uchar(type), 1, 2, 3},
+                [&](CArchive & ar) { EXPECT_EQ(ReadRef(nullptr, ar), nullptr); });
 }
 
 TEST(ReferenceRecord, SheetsAroundSheetsWithoutEndAreRefused) {
     Bytes bytes;
     for (int i = 0; i < 100000; ++i) Append(bytes, Join(6, U32(1), 1, 0, 1, 0));
-    EXPECT_THROW(Reading(bytes, [&](CArchive & ar) { delete ReadRef(nullptr, ar); }), CArchiveException);
+    EXPECT_THROW(Reading(bytes, [&](CArchive & ar) { delete ReadRef(nullptr, ar); }),
+                 CArchiveException);
 }
 
 TEST(ReferenceListRecord, EndsAtTheFirstNull) {
@@ -236,8 +241,9 @@ TEST(FormulaRecord, NullIsOneByte) {
 
 TEST(FormulaRecord, ReadsBackAsItPrints) {
     BaseHost host;
-    for (wchar_t const * text : {L"A1 + B2 * 3", L"IF(A1 > 2, \"x\", SUM($A$1:B$7, sums))", L"(1 - 2) ^ -3%",
-                                 L"{1,2;3,4}", L"~(A1 & B1 | C1)", L"SUM()", L"12.50"}) {
+    for (wchar_t const * text :
+         {L"A1 + B2 * 3", L"IF(A1 > 2, \"x\", SUM($A$1:B$7, sums))", L"(1 - 2) ^ -3%", L"{1,2;3,4}",
+          L"~(A1 & B1 | C1)", L"SUM()", L"12.50"}) {
         std::unique_ptr<CCFormula> const tree(_ParseFormula(&host, text, 0, nullptr));
         ASSERT_TRUE(tree) << Utf8(text);
         Reading(FormulaBytes(host, text), [&](CArchive & ar) {
@@ -281,7 +287,8 @@ TEST(FormulaRecord, DepthIsBounded) {
         tree->Eval(&host, value, nullptr);
         EXPECT_TRUE(value.IsEmpty());
     });
-    EXPECT_THROW(Reading(nested(5000), [&](CArchive & ar) { delete ReadFormula(&host, ar); }), CArchiveException);
+    EXPECT_THROW(Reading(nested(5000), [&](CArchive & ar) { delete ReadFormula(&host, ar); }),
+                 CArchiveException);
 }
 
 TEST(FormulaRecord, DamagedBytesEndInATreeOrAnException) {
@@ -301,7 +308,8 @@ TEST(FormulaRecord, DamagedBytesEndInATreeOrAnException) {
                 tree->Check(&host, &self);
                 tree->Eval(&host, value, &self);
             });
-        } catch (CArchiveException const &) {}
+        } catch (CArchiveException const &) {
+        }
     };
     for (std::size_t length = 0; length <= sound.size(); ++length)
         read(Bytes(sound.begin(), sound.begin() + std::ptrdiff_t(length)));

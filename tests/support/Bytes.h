@@ -28,7 +28,9 @@ void Reading(Bytes const & bytes, Read && read) {
 
 // Bytes from pieces: a number is one byte, a text its characters as units of two bytes.
 inline void Append(Bytes & bytes, int byte) { bytes.push_back(uchar(byte)); }
-inline void Append(Bytes & bytes, Bytes const & more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
+inline void Append(Bytes & bytes, Bytes const & more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
+}
 inline void Append(Bytes & bytes, std::string_view text) {
     for (char unit : text) bytes.insert(bytes.end(), {uchar(unit), 0});
 }
