@@ -27,7 +27,9 @@ struct OracleValue {
 struct OraclePlace {
     int column, row;
     auto operator<=>(OraclePlace const &) const = default;
-    std::string Name() const { return std::string(1, char('A' + column)) + std::to_string(row + 1); }
+    std::string Name() const {
+        return std::string(1, char('A' + column)) + std::to_string(row + 1);
+    }
 };
 
 struct Node;
@@ -42,15 +44,25 @@ struct Node {
 
     std::string Print() const {
         switch (type) {
-        case kNumber: return std::to_string(int(number));
-        case kText: return '"' + text + '"';
-        case kCell: return first.Name();
-        case kArea: return first.Name() + ":" + last.Name();
-        case kBinary: return "(" + args[0]->Print() + text + args[1]->Print() + ")";
-        case kNegative: return "-" + args[0]->Print();
-        default: break;
+        case kNumber:
+            return std::to_string(int(number));
+        case kText:
+            return '"' + text + '"';
+        case kCell:
+            return first.Name();
+        case kArea:
+            return first.Name() + ":" + last.Name();
+        case kBinary:
+            return "(" + args[0]->Print() + text + args[1]->Print() + ")";
+        case kNegative:
+            return "-" + args[0]->Print();
+        default:
+            break;
         }
-        std::string call = type == kSum ? "SUM(" : type == kCount ? "COUNT(" : type == kMax ? "MAX(" : "IF(";
+        std::string call = type == kSum     ? "SUM("
+                           : type == kCount ? "COUNT("
+                           : type == kMax   ? "MAX("
+                                            : "IF(";
         for (std::size_t i = 0; i < args.size(); ++i) call += (i ? "," : "") + args[i]->Print();
         return call + ")";
     }
@@ -94,7 +106,8 @@ private:
                 return;
             }
             auto const found = cells.find(place);
-            if (!seen.insert(place).second || found == cells.end() || !found->second.formula) return;
+            if (!seen.insert(place).second || found == cells.end() || !found->second.formula)
+                return;
             reads = Reads(*found->second.formula, target, seen);
         });
         return reads;
@@ -120,7 +133,8 @@ private:
             if (sign == ">") return V::Number(a.text > b.text);
             return V::Error(3);
         }
-        if (a.type != b.type) return sign == "=" ? V::Number(0) : sign == ">" ? V::Number(0) : V::Error(3);
+        if (a.type != b.type)
+            return sign == "=" ? V::Number(0) : sign == ">" ? V::Number(0) : V::Error(3);
         double const x = a.number, y = b.number;
         if (sign == "+") return V::Number(x + y);
         if (sign == "-") return V::Number(x - y);
@@ -133,23 +147,30 @@ private:
     OracleValue Eval(Node const & node) const {
         using V = OracleValue;
         switch (node.type) {
-        case Node::kNumber: return V::Number(node.number);
-        case Node::kText: return V::Text(node.text);
-        case Node::kCell: return Get(node.first);
-        case Node::kArea: return Get(node.first); // only areas of one cell stand alone
+        case Node::kNumber:
+            return V::Number(node.number);
+        case Node::kText:
+            return V::Text(node.text);
+        case Node::kCell:
+            return Get(node.first);
+        case Node::kArea:
+            return Get(node.first); // only areas of one cell stand alone
         case Node::kNegative: {
             V value = Eval(*node.args[0]);
             if (value.type == V::kNumber) value.number = -value.number;
             return value;
         }
-        case Node::kBinary: return Fold(node);
+        case Node::kBinary:
+            return Fold(node);
         case Node::kIf: {
             V const condition = Eval(*node.args[0]);
-            bool const no = condition.type == V::kEmpty || (condition.type == V::kNumber && condition.number == 0);
+            bool const no = condition.type == V::kEmpty ||
+                            (condition.type == V::kNumber && condition.number == 0);
             if (!no && condition.type != V::kNumber) return V::Error(3);
             return Eval(*node.args[no ? 2 : 1]);
         }
-        default: return Collect(node);
+        default:
+            return Collect(node);
         }
     }
 
@@ -170,9 +191,11 @@ private:
                 count += value.type != V::kEmpty;
                 if (value.type == V::kNumber) sum += value.number;
                 bool const first = winner.type == V::kEmpty;
-                if (value.type == V::kNumber && (winner.type != V::kNumber || value.number > winner.number))
+                if (value.type == V::kNumber &&
+                    (winner.type != V::kNumber || value.number > winner.number))
                     winner = value;
-                else if (value.type == V::kText && (first || (winner.type == V::kText && value.text > winner.text)))
+                else if (value.type == V::kText &&
+                         (first || (winner.type == V::kText && value.text > winner.text)))
                     winner = value;
             }
         if (node.type == Node::kSum) return V::Number(sum);
@@ -184,7 +207,8 @@ private:
 // Random formulas over a small grid.
 class FormulaMaker {
 public:
-    FormulaMaker(std::mt19937 & random, int columns, int rows) : m_Random(random), m_Columns(columns), m_Rows(rows) {}
+    FormulaMaker(std::mt19937 & random, int columns, int rows)
+        : m_Random(random), m_Columns(columns), m_Rows(rows) {}
 
     OraclePlace Place() { return {Below(m_Columns), Below(m_Rows)}; }
 
@@ -220,7 +244,8 @@ public:
 private:
     // Always a number: what a failing condition gives depends on where its choice stands.
     NodePtr Condition() {
-        auto count = std::make_shared<Node>(), limit = std::make_shared<Node>(), node = std::make_shared<Node>();
+        auto count = std::make_shared<Node>(), limit = std::make_shared<Node>(),
+             node = std::make_shared<Node>();
         count->type = Below(2) ? Node::kSum : Node::kCount;
         count->args = {Area()};
         limit->type = Node::kNumber;

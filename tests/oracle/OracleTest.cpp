@@ -19,19 +19,27 @@ Place At(OraclePlace place) { return {place.column, place.row}; }
 
 std::string Shown(OracleValue const & value) {
     switch (value.type) {
-    case OracleValue::kEmpty: return "empty";
-    case OracleValue::kNumber: return "number " + std::to_string(value.number + 0.0); // both zeros alike
-    case OracleValue::kText: return "text " + value.text;
-    default: return "error " + std::to_string(value.error);
+    case OracleValue::kEmpty:
+        return "empty";
+    case OracleValue::kNumber:
+        return "number " + std::to_string(value.number + 0.0); // both zeros alike
+    case OracleValue::kText:
+        return "text " + value.text;
+    default:
+        return "error " + std::to_string(value.error);
     }
 }
 
 std::string Shown(cells::host::Value const & value) {
     switch (value.kind) {
-    case Kind::kEmpty: return "empty";
-    case Kind::kNumber: return "number " + std::to_string(value.number + 0.0); // both zeros alike
-    case Kind::kText: return "text " + value.text;
-    default: return "error " + std::to_string(value.error);
+    case Kind::kEmpty:
+        return "empty";
+    case Kind::kNumber:
+        return "number " + std::to_string(value.number + 0.0); // both zeros alike
+    case Kind::kText:
+        return "text " + value.text;
+    default:
+        return "error " + std::to_string(value.error);
     }
 }
 
@@ -49,7 +57,8 @@ public:
             clear(place);
             break;
         case 1:
-            oracle.cells[place] = {OracleValue::Text("t" + std::to_string(m_Random() % 3)), nullptr};
+            oracle.cells[place] = {OracleValue::Text("t" + std::to_string(m_Random() % 3)),
+                                   nullptr};
             enter(place, oracle.cells[place].value.text);
             break;
         case 2:
@@ -83,7 +92,9 @@ void ExpectEqual(Sheet & sheet, Oracle const & oracle) {
             auto const cell = oracle.cells.find(place);
             ASSERT_EQ(Shown(sheet.Get(At(place))), Shown(oracle.Get(place)))
                 << place.Name() << " "
-                << (cell != oracle.cells.end() && cell->second.formula ? cell->second.formula->Print() : "");
+                << (cell != oracle.cells.end() && cell->second.formula
+                        ? cell->second.formula->Print()
+                        : "");
         }
     std::vector<std::string> const faults = sheet.CheckInvariants();
     ASSERT_TRUE(faults.empty()) << faults.front();
@@ -94,10 +105,12 @@ enum class Slice { kOne, kDefault, kUnlimited };
 void Finish(Sheet & sheet, Slice slice) {
     switch (slice) {
     case Slice::kOne:
-        while (sheet.Manager().DoIdle(0)) {}
+        while (sheet.Manager().DoIdle(0)) {
+        }
         break;
     case Slice::kDefault:
-        while (sheet.Step()) {}
+        while (sheet.Step()) {
+        }
         break;
     case Slice::kUnlimited:
         sheet.Recalculate();
@@ -115,8 +128,9 @@ TEST_P(RandomEdits, GiveWhatAFreshEvaluationGives) {
         Sheet sheet("C");
         Editor editor(seed);
         for (int step = 0; step < 60; ++step) {
-            editor.Edit([&](OraclePlace place, std::string const & text) { sheet.Enter(At(place), text); },
-                        [&](OraclePlace place) { sheet.Clear(At(place)); });
+            editor.Edit(
+                [&](OraclePlace place, std::string const & text) { sheet.Enter(At(place), text); },
+                [&](OraclePlace place) { sheet.Clear(At(place)); });
             if (editor.Random()() % 3 == 0) {
                 Finish(sheet, GetParam());
                 ASSERT_NO_FATAL_FAILURE(ExpectEqual(sheet, editor.oracle));
@@ -125,7 +139,8 @@ TEST_P(RandomEdits, GiveWhatAFreshEvaluationGives) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Slices, RandomEdits, testing::Values(Slice::kOne, Slice::kDefault, Slice::kUnlimited));
+INSTANTIATE_TEST_SUITE_P(Slices, RandomEdits,
+                         testing::Values(Slice::kOne, Slice::kDefault, Slice::kUnlimited));
 
 // Edits fall between the slices of the calculation that earlier edits began.
 TEST(RandomEditsBetweenSlices, GiveWhatAFreshEvaluationGives) {
@@ -134,8 +149,9 @@ TEST(RandomEditsBetweenSlices, GiveWhatAFreshEvaluationGives) {
         Sheet sheet("C");
         Editor editor(seed);
         for (int step = 0; step < 80; ++step) {
-            editor.Edit([&](OraclePlace place, std::string const & text) { sheet.Enter(At(place), text); },
-                        [&](OraclePlace place) { sheet.Clear(At(place)); });
+            editor.Edit(
+                [&](OraclePlace place, std::string const & text) { sheet.Enter(At(place), text); },
+                [&](OraclePlace place) { sheet.Clear(At(place)); });
             if (editor.Random()() % 2) sheet.Step();
         }
         sheet.Recalculate();
@@ -151,11 +167,13 @@ TEST(AnyOrderOfEntry, GivesTheSameValues) {
         for (int step = 0; step < 40; ++step)
             editor.Edit(
                 [&](OraclePlace place, std::string const & text) {
-                    std::erase_if(entries, [&](auto const & entry) { return entry.first == place; });
+                    std::erase_if(entries,
+                                  [&](auto const & entry) { return entry.first == place; });
                     entries.emplace_back(place, text);
                 },
                 [&](OraclePlace place) {
-                    std::erase_if(entries, [&](auto const & entry) { return entry.first == place; });
+                    std::erase_if(entries,
+                                  [&](auto const & entry) { return entry.first == place; });
                 });
         for (int order = 0; order < 4; ++order) {
             std::shuffle(entries.begin(), entries.end(), editor.Random());

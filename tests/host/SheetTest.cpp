@@ -1,0 +1,207 @@
+#include "host/Sheet.h"
+
+#include "core/CCCellManager.h"
+
+#include <gtest/gtest.h>
+#include <random>
+#include <stdexcept>
+
+using namespace cells::host;
+
+TEST(Place, NamesGoBothWays) {
+    struct Row {
+        char const * name;
+        Place place;
+    };
+    for (Row const & row : {Row{"A1", {0, 0}}, Row{"Z9", {25, 8}}, Row{"AA10", {26, 9}}, Row{"IV65536", {255, 65535}}}) {
+        EXPECT_EQ(NameOf(row.place), row.name);
+        EXPECT_EQ(ParsePlace(row.name), row.place);
+    }
+    EXPECT_EQ(ParsePlace("b7"), (Place{1, 6}));
+    for (char const * bad : {"", "A", "1", "A0", "IW1", "A65537", "A1B", " A1", "A-1", "AAAA1", "A99999999999"})
+        EXPECT_FALSE(ParsePlace(bad)) << bad;
+}
+
+TEST(Area, CornersMayStandInAnyOrder) {
+    Area const area{{1, 1}, {3, 8}};
+    for (char const * text : {"B2:D9", "D9:B2", "B9:D2"}) EXPECT_EQ(ParseArea(text), area) << text;
+    EXPECT_EQ(ParseArea("B2"), (Area{{1, 1}, {1, 1}}));
+    EXPECT_FALSE(ParseArea("B2:"));
+    EXPECT_FALSE(ParseArea(":B2"));
+    EXPECT_EQ(NameOf(area), "B2:D9");
+}
+
+TEST(Sheet, PlacesOffTheGridThrow) {
+    Sheet sheet("C");
+    for (Place const place : {Place{-1, 0}, Place{256, 0}, Place{0, -1}, Place{0, 65536}}) {
+        EXPECT_THROW(sheet.Enter(place, "1"), std::out_of_range);
+        EXPECT_THROW(sheet.Text(place), std::out_of_range);
+        EXPECT_THROW(sheet.Get(place), std::out_of_range);
+    }
+    EXPECT_THROW(sheet.Enter("XYZ", "1"), std::out_of_range);
+}
+
+TEST(Sheet, ShowsTheSameForAPlainNumberAndForACell) {
+    Sheet plain("C"), watched("C");
+    watched.Enter("B1", "=A1"); // A1 is a cell object from here on
+    for (char const * text : {"1", "1.50", "12%", "1/2/1990", "TRUE", "1E5", "10:30", "-7", "text", ""}) {
+        plain.Enter("A1", text);
+        watched.Enter("A1", text);
+        EXPECT_EQ(plain.Text("A1"), watched.Text("A1")) << text;
+        EXPECT_EQ(plain.EditText({0, 0}), watched.EditText({0, 0})) << text;
+        EXPECT_EQ(plain.Get("A1").formatClass, watched.Get("A1").formatClass) << text;
+    }
+}
+
+TEST(Sheet, TellsWhatChanged) {
+    Sheet sheet("C");
+    std::vector<std::string> changed;
+    sheet.OnChanged([&](Place place) { changed.push_back(NameOf(place)); });
+    sheet.Enter("A1", "1");
+    sheet.Enter("B1", "=A1*2");
+    changed.clear();
+    sheet.Enter("A1", "5");
+    EXPECT_EQ(changed, std::vector<std::string>{"A1"});
+    sheet.Recalculate();
+    EXPECT_EQ(changed, (std::vector<std::string>{"A1", "B1"}));
+}
+
+TEST(Sheet, ReportsAFormulaThatDoesNotParse) {
+    Sheet sheet("C");
+    std::vector<unsigned> messages;
+    sheet.OnMessage([&](unsigned id, std::string const & text) {
+        messages.push_back(id);
+        EXPECT_FALSE(text.empty());
+    });
+    sheet.Enter("A1", "=(1+2");
+    EXPECT_EQ(messages.size(), 1u);
+    EXPECT_EQ(sheet.Get("A1").kind, Kind::kText);
+    EXPECT_EQ(sheet.Text("A1"), "=(1+2");
+}
+
+TEST(Sheet, CancelsBetweenSlicesAndGoesOn) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "1");
+    for (int row = 2; row <= 2000; ++row)
+        sheet.Enter("A" + std::to_string(row), "=A" + std::to_string(row - 1) + "+1");
+    sheet.Recalculate();
+    sheet.Enter("A1", "2");
+    int calls = 0;
+    sheet.OnProgress([&](int, int) { return ++calls < 3; });
+    EXPECT_TRUE(sheet.Recalculate()); // work remains
+    sheet.OnProgress({});
+    EXPECT_FALSE(sheet.Recalculate());
+    EXPECT_EQ(sheet.Text("A2000"), "2001");
+}
+
+TEST(Sheet, UsedAreaFollowsWhatIsOccupied) {
+    Sheet sheet("C");
+    EXPECT_FALSE(sheet.UsedArea());
+    sheet.Enter("C3", "1");
+    sheet.Enter("B9", "text");
+    EXPECT_EQ(sheet.UsedArea(), (Area{{1, 2}, {2, 8}}));
+    sheet.Enter("E1", "=A1"); // makes the empty A1 known, not occupied
+    EXPECT_EQ(sheet.UsedArea(), (Area{{1, 0}, {4, 8}}));
+    sheet.Clear({4, 0});
+    sheet.Clear({1, 8});
+    EXPECT_EQ(sheet.UsedArea(), (Area{{2, 2}, {2, 2}}));
+    std::vector<std::string> places;
+    sheet.Enter("IV65536", "1");
+    sheet.ForEachOccupied([&](Place place) { places.push_back(NameOf(place)); });
+    EXPECT_EQ(places, (std::vector<std::string>{"C3", "IV65536"}));
+}
+
+TEST(Sheet, AreasAreWatchedAlsoWhereTheyAreEmpty) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "=SUM(B1:IV65536)");
+    sheet.Enter("Z60000", "5");
+    sheet.Recalculate();
+    EXPECT_EQ(sheet.Text("A1"), "5");
+    sheet.Clear({25, 59999});
+    sheet.Recalculate();
+    EXPECT_EQ(sheet.Text("A1"), "0");
+    EXPECT_EQ(sheet.Dependents({25, 59999}), std::vector<std::string>{"A1"});
+    EXPECT_EQ(sheet.Precedents({0, 0}), std::vector<std::string>{"B1:IV65536"});
+}
+
+TEST(Sheet, NamesFollowTheirRedefinition) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "1");
+    sheet.Enter("A2", "2");
+    sheet.Enter("B1", "=both+1");
+    EXPECT_EQ(sheet.Get("B1").error, 1);
+    EXPECT_TRUE(sheet.DefineName("Both", {{0, 0}, {0, 1}}));
+    sheet.Recalculate();
+    EXPECT_EQ(sheet.Text("B1"), "4");
+    EXPECT_TRUE(sheet.RemoveName("BOTH"));
+    sheet.Recalculate();
+    EXPECT_EQ(sheet.Get("B1").error, 1);
+    EXPECT_FALSE(sheet.RemoveName("both"));
+    for (char const * bad : {"", "A1", "1x", "a b", "a-b"})
+        EXPECT_FALSE(sheet.DefineName(bad, {{0, 0}, {0, 0}})) << bad;
+}
+
+TEST(Sheet, FormatsShowTheNumberTheirWay) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "0.125");
+    sheet.SetFormat({0, 0}, 3, 1);
+    EXPECT_EQ(sheet.Text("A1"), "12.5%");
+    EXPECT_EQ(sheet.Get("A1").number, 0.125);
+    sheet.SetFormat({0, 0}, 1, 2);
+    EXPECT_EQ(sheet.Text("A1"), "0.13");
+}
+
+TEST(Sheet, AChainOfAllRowsCalculatesWithoutRecursion) {
+    Sheet sheet("C");
+    Sheet::Bulk load(sheet);
+    load.Enter({0, 0}, "1");
+    for (int row = 1; row < kRows; ++row) load.Enter({0, row}, "=A" + std::to_string(row) + "+1");
+    load.Commit();
+    EXPECT_EQ(sheet.Text("A65536"), "65536");
+    sheet.Enter("A1", "2");
+    EXPECT_FALSE(sheet.Recalculate());
+    EXPECT_EQ(sheet.Text("A65536"), "65537");
+}
+
+TEST(Bulk, WithoutACommitDropsWhatWaits) {
+    Sheet sheet("C");
+    {
+        Sheet::Bulk load(sheet);
+        load.Enter({0, 0}, "=1+1");
+        load.Enter({0, 1}, "5");
+    }
+    EXPECT_EQ(sheet.Get("A1").kind, Kind::kEmpty);
+    EXPECT_TRUE(sheet.CheckInvariants().empty());
+}
+
+TEST(Bulk, IsEnteringOneByOne) {
+    struct Case {
+        char const * what;
+        std::vector<std::pair<char const *, char const *>> entries;
+    };
+    Case const cases[] = {
+        {"a cycle", {{"A1", "=B1"}, {"B1", "=A1"}, {"C1", "=A1+1"}}},
+        {"a cell that reads itself", {{"A1", "=A1"}, {"B1", "=A1"}}},
+        {"a formula that does not parse", {{"A1", "=(1"}, {"B1", "=A1"}}},
+        {"the same place twice", {{"A1", "1"}, {"B1", "=A1"}, {"A1", "=C1"}, {"C1", "7"}}},
+        {"formulas before their values", {{"A1", "=SUM(B1:B3)"}, {"B1", "=C1*2"}, {"B3", "4"}, {"C1", "3"}}},
+        {"a wrong call", {{"A1", "=ABS(1,2)"}, {"A2", "=A1"}}},
+        {"a value cleared", {{"A1", "1"}, {"B1", "=A1+1"}, {"A1", ""}}},
+    };
+    for (Case const & row : cases) {
+        SCOPED_TRACE(row.what);
+        Sheet single("C"), bulk("C");
+        for (auto const & [place, text] : row.entries) single.Enter(place, text);
+        single.Recalculate();
+        Sheet::Bulk load(bulk);
+        for (auto const & [place, text] : row.entries) load.Enter(*ParsePlace(place), text);
+        load.Commit();
+        for (int column = 0; column < 4; ++column)
+            for (int line = 0; line < 4; ++line) {
+                Place const place{column, line};
+                EXPECT_EQ(bulk.Text(place), single.Text(place)) << NameOf(place);
+                EXPECT_EQ(bulk.EditText(place), single.EditText(place)) << NameOf(place);
+            }
+        EXPECT_TRUE(bulk.CheckInvariants().empty());
+    }
+}
