@@ -13,12 +13,14 @@ TEST(Place, NamesGoBothWays) {
         char const * name;
         Place place;
     };
-    for (Row const & row : {Row{"A1", {0, 0}}, Row{"Z9", {25, 8}}, Row{"AA10", {26, 9}}, Row{"IV65536", {255, 65535}}}) {
+    for (Row const & row : {Row{"A1", {0, 0}}, Row{"Z9", {25, 8}}, Row{"AA10", {26, 9}},
+                            Row{"IV65536", {255, 65535}}}) {
         EXPECT_EQ(NameOf(row.place), row.name);
         EXPECT_EQ(ParsePlace(row.name), row.place);
     }
     EXPECT_EQ(ParsePlace("b7"), (Place{1, 6}));
-    for (char const * bad : {"", "A", "1", "A0", "IW1", "A65537", "A1B", " A1", "A-1", "AAAA1", "A99999999999"})
+    for (char const * bad :
+         {"", "A", "1", "A0", "IW1", "A65537", "A1B", " A1", "A-1", "AAAA1", "A99999999999"})
         EXPECT_FALSE(ParsePlace(bad)) << bad;
 }
 
@@ -44,7 +46,8 @@ TEST(Sheet, PlacesOffTheGridThrow) {
 TEST(Sheet, ShowsTheSameForAPlainNumberAndForACell) {
     Sheet plain("C"), watched("C");
     watched.Enter("B1", "=A1"); // A1 is a cell object from here on
-    for (char const * text : {"1", "1.50", "12%", "1/2/1990", "TRUE", "1E5", "10:30", "-7", "text", ""}) {
+    for (char const * text :
+         {"1", "1.50", "12%", "1/2/1990", "TRUE", "1E5", "10:30", "-7", "text", ""}) {
         plain.Enter("A1", text);
         watched.Enter("A1", text);
         EXPECT_EQ(plain.Text("A1"), watched.Text("A1")) << text;
@@ -184,7 +187,8 @@ TEST(Bulk, IsEnteringOneByOne) {
         {"a cell that reads itself", {{"A1", "=A1"}, {"B1", "=A1"}}},
         {"a formula that does not parse", {{"A1", "=(1"}, {"B1", "=A1"}}},
         {"the same place twice", {{"A1", "1"}, {"B1", "=A1"}, {"A1", "=C1"}, {"C1", "7"}}},
-        {"formulas before their values", {{"A1", "=SUM(B1:B3)"}, {"B1", "=C1*2"}, {"B3", "4"}, {"C1", "3"}}},
+        {"formulas before their values",
+         {{"A1", "=SUM(B1:B3)"}, {"B1", "=C1*2"}, {"B3", "4"}, {"C1", "3"}}},
         {"a wrong call", {{"A1", "=ABS(1,2)"}, {"A2", "=A1"}}},
         {"a value cleared", {{"A1", "1"}, {"B1", "=A1+1"}, {"A1", ""}}},
     };
