@@ -1,10 +1,10 @@
 // Stored bytes: a cell is read from them, shown, calculated and written again. What was written
 // reads back to the same bytes.
 #include "core/CCCellManager.h"
+#include "formula/CCRCRef.h"
 #include "host/Sheet.h"
 #include "platform/CArchive.h"
 #include "platform/Exceptions.h"
-#include "formula/CCRCRef.h"
 
 #include <cstdint>
 #include <cstdlib>

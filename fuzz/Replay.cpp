@@ -14,7 +14,8 @@ int main(int argc, char ** argv) {
         for (auto const & entry : std::filesystem::directory_iterator(argv[i])) {
             std::ifstream file(entry.path(), std::ios::binary);
             std::vector<char> const bytes((std::istreambuf_iterator<char>(file)), {});
-            LLVMFuzzerTestOneInput(reinterpret_cast<std::uint8_t const *>(bytes.data()), bytes.size());
+            LLVMFuzzerTestOneInput(reinterpret_cast<std::uint8_t const *>(bytes.data()),
+                                   bytes.size());
             ++count;
         }
     std::printf("%d inputs\n", count);

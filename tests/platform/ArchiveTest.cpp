@@ -1,28 +1,14 @@
 #include "platform/CArchive.h"
 
 #include "platform/Exceptions.h"
+#include "support/Bytes.h"
 
 #include <functional>
 #include <gtest/gtest.h>
 
+using namespace cells::test;
+
 namespace {
-
-using Bytes = std::vector<uchar>;
-
-Bytes Written(std::function<void(CArchive &)> const & write) {
-    CMemFile file;
-    CArchive ar(&file, CArchive::store);
-    write(ar);
-    ar.Flush();
-    return file.Bytes();
-}
-
-template <typename Read>
-void Reading(Bytes const & bytes, Read && read) {
-    CMemFile file(bytes.data(), bytes.size());
-    CArchive ar(&file, CArchive::load);
-    read(ar);
-}
 
 CArchiveException::Cause CauseOf(std::function<void()> const & work) {
     try {
