@@ -5,6 +5,7 @@
 #include "formula/CCRef3D.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
+#include "formula/FunctionRegistry.h"
 #include "formula/Parser.h"
 #include "formula/Scanners.h"
 #include "host/Engine.h"
@@ -202,7 +203,7 @@ bool Sheet::DefineName(std::string_view name, Area const & area) {
     ushort row;
     bool const isAddress = _EatRC(m_Manager.get(), at, col, row, flags) && *at == 0;
     bool const isWord = !text.IsEmpty() && *internal::EndOfWord(text) == 0;
-    if (!isWord || isAddress) return false;
+    if (!isWord || isAddress || IsFunction(text, kFunction)) return false;
     if (area.first == area.last) return m_Manager->DefineName(text, RefOf(area.first));
     return m_Manager->DefineName(text, CCRegionRef(uchar(area.first.column), ushort(area.first.row),
                                                    uchar(area.last.column), ushort(area.last.row)));

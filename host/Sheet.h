@@ -75,8 +75,8 @@ public:
     void OnChanged(std::function<void(Place)> changed);
     void OnMessage(std::function<void(unsigned int id, std::string const & text)> message);
 
-    // Names for a cell or an area. A name is a letter or "_", then letters, digits and "_", and no
-    // cell's address; false for any other.
+    // Names for a cell or an area. A name is a letter or "_", then letters, digits and "_", and
+    // neither a cell's address nor a function; false for any other.
     bool DefineName(std::string_view name, Area const & area);
     bool RemoveName(std::string_view name);
 

@@ -140,7 +140,7 @@ TEST(Sheet, NamesFollowTheirRedefinition) {
     sheet.Recalculate();
     EXPECT_EQ(sheet.Get("B1").error, 1);
     EXPECT_FALSE(sheet.RemoveName("both"));
-    for (char const * bad : {"", "A1", "1x", "a b", "a-b"})
+    for (char const * bad : {"", "A1", "1x", "a b", "a-b", "Column", "pi"})
         EXPECT_FALSE(sheet.DefineName(bad, {{0, 0}, {0, 0}})) << bad;
 }
 
