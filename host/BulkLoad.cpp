@@ -25,20 +25,6 @@ constexpr Area kWholeGrid{{0, 0}, {kColumns - 1, kRows - 1}};
 
 unsigned KeyOf(Place place) { return unsigned(place.column) << 16 | unsigned(place.row); }
 
-// Whether a part of the formula yields its place only when it is computed.
-bool HasMovingPart(CCFormula const & formula) {
-    std::vector<CCFormula const *> stack{&formula};
-    while (!stack.empty()) {
-        CCFormula const * const node = stack.back();
-        stack.pop_back();
-        if (node->GetType() == kRefOpFormula) return true;
-        if (node->GetType() < kOpFormula) continue;
-        auto const * args = static_cast<CCOpFormula const *>(node)->GetArgs();
-        for (; args; args = args->next) stack.push_back(args->formula);
-    }
-    return false;
-}
-
 // The places of formulas, a sorted column each, from which those that are settled drop out: a
 // search over a region passes each of them once.
 class FormulaPlaces {

@@ -2,6 +2,7 @@
 
 #include "formula/CCFormula.h"
 #include "formula/CCNameRef.h"
+#include "formula/CCOpFormula.h"
 #include "formula/CCRef3D.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
@@ -24,6 +25,19 @@ Area AreaOf(CCRegionRef const & region) {
 }
 
 } // namespace
+
+bool HasMovingPart(CCFormula const & formula) {
+    std::vector<CCFormula const *> stack{&formula};
+    while (!stack.empty()) {
+        CCFormula const * const node = stack.back();
+        stack.pop_back();
+        if (node->GetType() == kRefOpFormula) return true;
+        if (node->GetType() < kOpFormula) continue;
+        auto const * args = static_cast<CCOpFormula const *>(node)->GetArgs();
+        for (; args; args = args->next) stack.push_back(args->formula);
+    }
+    return false;
+}
 
 void GridCell::OnValueChanged(CTX * ctx) {
     if (auto * sheet = static_cast<SheetManager *>(ctx->manager())) sheet->OnCellChanged(At());

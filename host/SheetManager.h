@@ -91,4 +91,7 @@ private:
     std::map<CString, Name> m_Names; // by folded name
 };
 
+// Whether a part of the formula yields its place only when it is computed.
+bool HasMovingPart(CCFormula const & formula);
+
 } // namespace cells::host
