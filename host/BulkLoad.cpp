@@ -6,7 +6,6 @@
 // the order of entry, and each is computed once, behind all that it reads. With a cycle the outcome
 // depends on the order of entry, so then the entries are made one by one.
 #include "formula/CCNameRef.h"
-#include "formula/CCOpFormula.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
 #include "formula/Parser.h"
