@@ -34,11 +34,16 @@ void Sizes(benchmark::internal::Benchmark * bench) {
     bench->Arg(1000)->Arg(8000)->Arg(60000)->Unit(benchmark::kMillisecond);
 }
 
+std::vector<std::string> NumberTexts(int count) {
+    std::vector<std::string> texts;
+    for (int i = 0; i < count; ++i)
+        texts.push_back(std::to_string(i * 7 % 1000) + "." + std::to_string(i % 100));
+    return texts;
+}
+
 void EnterNumbers(benchmark::State & state) {
     int const n = int(state.range(0));
-    std::vector<std::string> texts;
-    for (int i = 0; i < n; ++i)
-        texts.push_back(std::to_string(i * 7 % 1000) + "." + std::to_string(i % 100));
+    std::vector<std::string> const texts = NumberTexts(n);
     std::optional<Sheet> kept;
     for (auto _ : state) {
         Sheet & sheet = Fresh(state, kept);
@@ -50,9 +55,7 @@ BENCHMARK(EnterNumbers)->Apply(Sizes);
 
 void BulkNumbers(benchmark::State & state) {
     int const n = int(state.range(0));
-    std::vector<std::string> texts;
-    for (int i = 0; i < n; ++i)
-        texts.push_back(std::to_string(i * 7 % 1000) + "." + std::to_string(i % 100));
+    std::vector<std::string> const texts = NumberTexts(n);
     std::optional<Sheet> kept;
     for (auto _ : state) {
         Sheet & sheet = Fresh(state, kept);

@@ -268,18 +268,17 @@ std::vector<std::string> Sheet::CheckInvariants() {
     m_Manager->Regions().ForEach([&](CCRegionRef const & region, CCRef * dependent) {
         stored.push_back(PrintRef(ctx, dependent) + " reads " + PrintRef(ctx, &region));
     });
-    // A formula whose place cannot be computed reads, for safety, whatever it mentions.
-    for (std::string const & reader : moving)
-        std::erase_if(stored, [&](std::string const & line) {
-            return line.starts_with(reader) &&
-                   std::find(implied.begin(), implied.end(), line) == implied.end();
-        });
     for (auto * list : {&stored, &implied}) {
         std::sort(list->begin(), list->end());
         list->erase(std::unique(list->begin(), list->end()), list->end());
     }
     std::set_difference(stored.begin(), stored.end(), implied.begin(), implied.end(),
                         std::back_inserter(lines));
+    // A formula whose place cannot be computed reads, for safety, whatever it mentions.
+    std::erase_if(lines, [&](std::string const & line) {
+        return std::any_of(moving.begin(), moving.end(),
+                           [&](std::string const & reader) { return line.starts_with(reader); });
+    });
     for (std::string & line : lines) line = "stored, but no formula says: " + line;
     std::vector<std::string> missing;
     std::set_difference(implied.begin(), implied.end(), stored.begin(), stored.end(),

@@ -88,8 +88,9 @@ public:
     std::vector<std::string> Precedents(Place place);
     std::vector<std::string> Dependents(Place place);
 
-    // Compares the stored dependents with those that the formulas imply, and the queues with what
-    // they should be; each difference is a line. Empty for a sound sheet. For debugging and tests.
+    // Compares the stored dependents with those that the formulas imply, and looks for walks
+    // left open; each difference is a line. What a formula reads beyond need, because its place
+    // cannot be computed, is none. Empty for a sound sheet. For debugging and tests.
     std::vector<std::string> CheckInvariants();
 
     CCCellManager & Manager();
