@@ -25,7 +25,10 @@ constexpr Area kWholeGrid{{0, 0}, {kColumns - 1, kRows - 1}};
 kbt::multilang::CLocaleInfo const & FindLocale(std::string_view tag) {
     StartEngine();
     auto & cache = kbt::globals::global_environment().locales_cache();
-    return tag.empty() ? cache.user() : cache.find(FromUtf8(tag));
+    if (tag.empty()) return cache.user();
+    CString const name = FromUtf8(tag);
+    if (!cache.knows(name)) throw std::invalid_argument("no such locale: " + std::string(tag));
+    return cache.find(name);
 }
 
 CCRCRef RefOf(Place place) { return CCRCRef(uchar(place.column), ushort(place.row)); }

@@ -41,7 +41,8 @@ struct Value {
 
 class CVCELLS_API Sheet {
 public:
-    // The locale of a tag such as "de-DE"; without one, the user's.
+    // The locale of a tag such as "de-DE"; without one, the user's. A language that nobody knows
+    // throws std::invalid_argument.
     explicit Sheet(std::string_view locale = {});
     Sheet(Sheet const &) = delete;
     Sheet & operator=(Sheet const &) = delete;

@@ -154,7 +154,7 @@ int SheetManager::RegisterDependent(CCRef const * ref, CCRef const * dependent) 
         Name & name = m_Names[Folded(static_cast<CCNameRef const *>(ref)->name())];
         bool const known = std::any_of(name.users.begin(), name.users.end(),
                                        [&](auto const & user) { return user->IsEqual(dependent); });
-        if (!known) name.users.emplace_back(dependent->Copy());
+        if (!known) name.users.push_back(std::unique_ptr<CCRef>(dependent->Copy()));
     }
     CCRef const * const target = Target(ref);
     if (!target) return 1;

@@ -3,8 +3,6 @@
 #include "cvcells/Csv.h"
 #include "cvcells/Prompt.h"
 #include "cvcells/Session.h"
-#include "formula/FunctionRegistry.h"
-#include "host/Engine.h"
 #include "platform/Utf.h"
 
 #include <algorithm>
@@ -165,26 +163,6 @@ int TestFiles(std::string const & locale, std::vector<std::string> const & files
     });
     std::cout << expectations << " expectations, " << failures << " failed\n";
     return status || failures ? 1 : 0;
-}
-
-int Functions(std::string const & name) {
-    host::StartEngine();
-    bool found = false;
-    for (int i = 0; i < GetBuiltInFuncSize(); ++i) {
-        CCFunc const & func = *GetBuiltInFunc()[i];
-        CString const local(func.LocalName());
-        CString description, arguments;
-        if (func.kind != kFunction || (!name.empty() && local.CompareNoCase(FromUtf8(name)) != 0))
-            continue;
-        found = true;
-        func.GetFuncString(description, 1);
-        func.GetFuncString(arguments, 2);
-        std::cout << ToUtf8(local) << '(' << ToUtf8(arguments) << ")  " << ToUtf8(description)
-                  << (func.eval ? "" : "  [not computed yet]") << '\n';
-    }
-    if (found) return 0;
-    std::cerr << "cvcells: no function " << name << '\n';
-    return 1;
 }
 
 } // namespace cells::app

@@ -25,7 +25,8 @@ int Eval(std::string const & locale, std::vector<std::string> const & set,
          std::vector<std::string> const & texts);
 int Repl(std::string const & locale, std::string const & file);
 int TestFiles(std::string const & locale, std::vector<std::string> const & files);
-// The function catalogue: one line a function, or all of one.
-int Functions(std::string const & name);
+// The function catalogue in alphabetical order, or one function of it; as lines of text or as the
+// page of the documentation.
+int Functions(std::string const & name, std::string const & format);
 
 } // namespace cells::app

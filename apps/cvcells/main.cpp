@@ -72,10 +72,14 @@ void AddTest(CLI::App & app, std::function<int()> & run) {
 }
 
 void AddFunctions(CLI::App & app, std::function<int()> & run) {
-    auto name = std::make_shared<std::string>();
+    auto name = std::make_shared<std::string>(), format = std::make_shared<std::string>("text");
     CLI::App * functions = app.add_subcommand("functions", "The function catalogue");
     functions->add_option("NAME", *name, "one function only");
-    functions->callback([&run, name] { run = [=] { return cells::app::Functions(*name); }; });
+    functions->add_option("--format", *format, "text or markdown")
+        ->check(CLI::IsMember({"text", "markdown"}))
+        ->capture_default_str();
+    functions->callback(
+        [&run, name, format] { run = [=] { return cells::app::Functions(*name, *format); }; });
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "formula/CCRCRef.h"
 #include "formula/CCRef3D.h"
 #include "formula/CCRefList.h"
+#include "formula/CCRemoteRef.h"
 #include "formula/RefHash.h"
 #include "platform/NodePool.h"
 #include "platform/Resources.h"
@@ -70,7 +71,9 @@ int CCItem::DeleteDependentsRef(cells::CTX *, int index) {
 int CCItem::UpdateDependentsRef(cells::CTX * ctx, CCRef const * old, CCRef const * now) {
     int const slot = FindStored(ctx, old);
     if (slot < 0) return 0;
-    m_Dependents.Replace(slot, now->Copy());
+    Placed copy(now->Copy());
+    m_Dependents.Replace(slot, copy.get());
+    copy.release();
     DropBlock();
     return 1;
 }
@@ -81,7 +84,8 @@ int CCItem::RegisterDependent(cells::CTX * ctx, CCRef const * ref) {
     int const slot = FindStored(ctx, placed.get());
     if (slot >= 0) {
         if (!m_Dependents.At(slot)->IsEqual(placed.get())) {
-            m_Dependents.Replace(slot, placed.release());
+            m_Dependents.Replace(slot, placed.get());
+            placed.release();
             DropBlock();
         }
         return 1;
@@ -118,6 +122,11 @@ int CCItem::UpdateDependent(cells::CTX * ctx, CCRef const * old, CCRef const * n
     return 1;
 }
 
+void CCItem::UpdateArgsOnSheetRename(cells::CTX * ctx, CCRemoteRef const * old,
+                                     CCRemoteRef const * now) {
+    if (now && UpdateDependentsRef(ctx, old, now)) MarkDirty(ctx);
+}
+
 CCRefList * CCItem::BuildDependentsList() const {
     CCRefList * list = nullptr;
     m_Dependents.ForEach([&](CCRef * ref) {
@@ -135,7 +144,11 @@ CCRefList * CCItem::LoadDependents(cells::CTX * ctx) {
 
 void CCItem::BuildDependetsRefFromList(CCRefList * list) {
     for (; list; list = list->m_pNext)
-        if (list->m_pRef) m_Dependents.Add(list->m_pRef->Copy());
+        if (list->m_pRef) {
+            Placed copy(list->m_pRef->Copy());
+            m_Dependents.Add(copy.get());
+            copy.release();
+        }
 }
 
 CCRefList * CCItem::CopyDependentsList() const { return CopyRefList(m_pDependentsList); }
@@ -260,7 +273,7 @@ public:
             }
         }
         if (m_Others.count(ref)) return false;
-        m_Kept.emplace_back(ref->Copy());
+        m_Kept.push_back(std::unique_ptr<CCRef>(ref->Copy()));
         m_Others.insert(m_Kept.back().get());
         return true;
     }

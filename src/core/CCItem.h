@@ -12,6 +12,7 @@
 #include <memory>
 
 class CArchive;
+class CCRemoteRef;
 struct CCRefList;
 
 namespace cells {
@@ -51,6 +52,11 @@ public:
     virtual bool Contain(CCRef const *) const { return false; }
     virtual bool IsEqual(CCItem const * item) const = 0;
     virtual CCRefList * GetPrecedents(cells::CTX *) { return nullptr; }
+
+    // A sheet of another document got another name: a dependent stored under the old one takes the
+    // new one. Nothing is added where none is stored.
+    void UpdateArgsOnSheetRename(cells::CTX * ctx, CCRemoteRef const * old,
+                                 CCRemoteRef const * now);
 
     int HasDependents() const { return !HasNoDependents(); }
     int GetDependentCount() const { return m_Dependents.Count(); }

@@ -5,6 +5,7 @@
 
 #include <bit>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace cells::internal {
@@ -93,20 +94,19 @@ RecalcList::Node RecalcList::First() {
 
 void RecalcList::Reset() {
     m_Nodes.clear();
-    m_Spare.clear();
     m_Index.clear();
-    m_Head = m_Tail = kNone;
+    m_Head = m_Tail = m_Spare = kNone;
     m_nCount = m_nIndexUsed = 0;
 }
 
 void RecalcList::Link(CCRef * ref, std::uint64_t key, Stamp origin, bool expanded) {
     Node node;
-    if (m_Spare.empty()) {
+    if (m_Spare == kNone) {
         node = Node(m_Nodes.size());
         m_Nodes.emplace_back();
     } else {
-        node = m_Spare.back();
-        m_Spare.pop_back();
+        node = m_Spare;
+        m_Spare = At(node).next;
     }
     Stamp const stamp = m_nStamp++;
     At(node) = {ref,   key,      stamp, origin ? origin : stamp, m_Tail, kNone, kNone,
@@ -126,7 +126,9 @@ void RecalcList::AddLast(CCRef const * ref) {
     if (!ref) return;
     Adopt();
     std::uint64_t const key = KeyOf(ref);
-    Link(IsExact(key) ? nullptr : ref->Copy(), key, 0, false);
+    std::unique_ptr<CCRef> copy(IsExact(key) ? nullptr : ref->Copy());
+    Link(copy.get(), key, 0, false);
+    copy.release();
 }
 
 void RecalcList::AddLast(CCRefList const * list) {
@@ -142,7 +144,7 @@ CCRef * RecalcList::Detach(Node node) {
     CCRef * const ref = entry.ref;
     entry.ref = nullptr;
     entry.stamp = 0;
-    m_Spare.push_back(node);
+    entry.next = std::exchange(m_Spare, node);
     if (--m_nCount == 0) Reset();
     return ref;
 }
@@ -259,8 +261,14 @@ RecalcList::Slot * RecalcList::PlaceOf(std::uint64_t key, CCRef const * ref) {
     return nullptr;
 }
 
+// Where memory ends, the queue has no index and is searched node by node.
 void RecalcList::BuildIndex() {
-    m_Index.assign(std::bit_ceil(std::size_t(m_nCount) * 4), {0, kFree});
+    try {
+        m_Index.assign(std::bit_ceil(std::size_t(m_nCount) * 4), {0, kFree});
+    } catch (std::bad_alloc const &) {
+        m_Index.clear();
+        return;
+    }
     m_nIndexUsed = 0;
     for (Node node = m_Head; node != kNone; node = Next(node)) {
         At(node).nextEqual = At(node).lastEqual = kNone;

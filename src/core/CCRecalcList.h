@@ -130,7 +130,7 @@ private:
     Slot * PlaceOf(std::uint64_t key, CCRef const * ref);
 
     std::vector<Entry> m_Nodes;
-    std::vector<Node> m_Spare;
+    Node m_Spare = kNone; // the first node to use again; they hang together by `next`
     Node m_Head = kNone, m_Tail = kNone;
     int m_nCount = 0;
     Stamp m_nStamp = 1;

@@ -42,14 +42,21 @@ void DependentArray::Enter(int slot) {
     ++m_pIndex->used;
 }
 
+// Room in the table for all entries and one more. Where memory ends, nothing has changed.
 void DependentArray::BuildIndex() {
     int const slots = Slots();
-    if (!m_pIndex) m_pIndex = std::make_unique<Index>();
-    m_pIndex->slots = slots;
-    m_pIndex->used = 0;
-    m_pIndex->table.assign(std::bit_ceil(std::size_t(slots) * 4), kFree);
+    auto index = std::make_unique<Index>();
+    index->slots = slots;
+    index->table.assign(std::bit_ceil(std::size_t(slots + 1) * 4), kFree);
+    m_pIndex = std::move(index);
     for (int slot = 0; slot < slots; ++slot)
         if (m_ppDependents[slot]) Enter(slot);
+}
+
+void DependentArray::MakeRoomInIndex() {
+    if (m_pIndex ? std::size_t(m_pIndex->used) * 2 >= m_pIndex->table.size()
+                 : m_nDependents + 1 >= kIndexedFrom)
+        BuildIndex();
 }
 
 void DependentArray::Add(CCRef * ref) {
@@ -60,30 +67,31 @@ void DependentArray::Add(CCRef * ref) {
         if (!grown) throw std::bad_alloc();
         m_ppDependents = static_cast<CCRef **>(grown);
     }
+    MakeRoomInIndex();
     m_ppDependents[slots] = ref;
     if (m_nDependents == m_nDependentsCap) m_nDependentsCap += kGrowth;
     ++m_nDependents;
-    if (m_pIndex) {
-        ++m_pIndex->slots;
-        if (std::size_t(m_pIndex->used) * 2 >= m_pIndex->table.size())
-            BuildIndex();
-        else
-            Enter(slots);
-    } else if (m_nDependents >= kIndexedFrom) {
-        BuildIndex();
-    }
+    if (!m_pIndex) return;
+    ++m_pIndex->slots;
+    Enter(slots);
+}
+
+void DependentArray::Forget(int slot) {
+    int found = -1;
+    if (std::uint32_t * place = PlaceOf(m_ppDependents[slot], found)) *place = kGone;
 }
 
 void DependentArray::Replace(int slot, CCRef * ref) {
+    MakeRoomInIndex();
+    if (m_pIndex) Forget(slot);
     delete std::exchange(m_ppDependents[slot], ref);
-    if (m_pIndex) BuildIndex();
+    if (m_pIndex) Enter(slot);
 }
 
 void DependentArray::Remove(int slot) {
-    CCRef * const ref = m_ppDependents[slot];
+    std::unique_ptr<CCRef> const ref(m_ppDependents[slot]);
     if (m_pIndex) {
-        int found = -1;
-        if (std::uint32_t * place = PlaceOf(ref, found)) *place = kGone;
+        Forget(slot);
         m_ppDependents[slot] = nullptr;
         --m_nDependents;
         if (m_pIndex->slots > 2 * m_nDependents + kIndexedFrom) Squeeze();
@@ -91,7 +99,6 @@ void DependentArray::Remove(int slot) {
         std::copy(m_ppDependents + slot + 1, m_ppDependents + m_nDependents, m_ppDependents + slot);
         --m_nDependents;
     }
-    delete ref;
 }
 
 void DependentArray::Squeeze() {
@@ -102,7 +109,11 @@ void DependentArray::Squeeze() {
     std::size_t const room = std::bit_ceil(std::size_t(std::max(m_nDependents, 1)));
     if (void * fitted = std::realloc(m_ppDependents, room * sizeof(CCRef *)))
         m_ppDependents = static_cast<CCRef **>(fitted);
-    if (m_nDependents >= kIndexedFrom) BuildIndex();
+    try {
+        if (m_nDependents >= kIndexedFrom) BuildIndex();
+    } catch (std::bad_alloc const &) {
+        // Without an index, entries are searched one by one until the next one is added.
+    }
 }
 
 CCRef * const * DependentArray::Entries() {

@@ -31,7 +31,8 @@ public:
     // The slot of an equal entry, or -1. It stays valid until the next change.
     int Find(CCRef const * ref) const;
     CCRef * At(int slot) const { return m_ppDependents[slot]; }
-    void Add(CCRef * ref); // takes it over
+    // Both take the reference over, unless they throw.
+    void Add(CCRef * ref);
     void Replace(int slot, CCRef * ref);
     void Remove(int slot);
     void Clear();
@@ -58,6 +59,8 @@ private:
 
     int Slots() const { return m_pIndex ? m_pIndex->slots : m_nDependents; }
     void BuildIndex();
+    void MakeRoomInIndex();
+    void Forget(int slot);
     void Enter(int slot);
     std::uint32_t * PlaceOf(CCRef const * ref, int & slot) const;
     void Squeeze();

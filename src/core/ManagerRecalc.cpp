@@ -307,7 +307,7 @@ void CCCellManager::DoProcess(int limit) {
         // A reference that comes back more often than there are others stands in a cycle.
         auto visit = visits.find(ref);
         if (visit == visits.end()) {
-            kept.emplace_back(ref->Copy());
+            kept.push_back(std::unique_ptr<CCRef>(ref->Copy()));
             visit = visits.emplace(kept.back().get(), 0).first;
         }
         int const distinct = m_ProcessList.GetCount() + m_RecalcList.GetCount();
@@ -438,7 +438,7 @@ int CCCellManager::WalkForCycle(CCItem const * item, RemoteRefs & remote) {
         std::unique_ptr<CCRef> taken(ref);
         if (met.count(ref)) continue;
         if (RemoteRefs::IsRemote(ref)) {
-            kept.emplace_back(ref->Copy());
+            kept.push_back(std::unique_ptr<CCRef>(ref->Copy()));
             met.insert(kept.back().get());
             remote.Add(taken.release());
             continue;

@@ -88,6 +88,10 @@ int CCConstFormula::CloseRef(cells::CTX *, ushort, CCRef const *) {
 
 CCConstArrayFormula::CCConstArrayFormula(SCCellValueList * list)
     : ConstantFormula(kConstArrayFormula) {
+    struct Owned {
+        SCCellValueList * list;
+        ~Owned() { CellValueListFree(list, 1); }
+    } const owned{list};
     CSize const size = CalcCellValueArraySize(list);
     m_nWidth = size.cx;
     m_nHeight = size.cy;
@@ -101,7 +105,6 @@ CCConstArrayFormula::CCConstArrayFormula(SCCellValueList * list)
             column = 0;
         }
     }
-    CellValueListFree(list, 1);
 }
 
 CCConstArrayFormula::CCConstArrayFormula(CCConstArrayFormula const & other)

@@ -1,6 +1,5 @@
 #include "formula/CCRefFormula.h"
 
-#include "core/CCCell.h"
 #include "core/CCCellManager.h"
 #include "core/Context.h"
 #include "core/Resolve.h"
@@ -160,17 +159,10 @@ void CCRefFormula::OnSheetRename(CString & old, CString & now) {
 
 void CCRefFormula::UpdateArgsOnSheetRename(cells::CTX * ctx, CCRemoteRef const * old,
                                            CCRemoteRef const * now) {
-    // One step along the graph: the formulas that a precedent reads hear of the rename themselves.
-    static bool atPrecedent = false;
-    CCCellManager * manager = ctx->manager();
-    if (!manager || !m_Ref || atPrecedent) return;
+    CCCellManager * const manager = ctx->manager();
+    if (!manager || !m_Ref) return;
     cells::internal::Place const place = cells::internal::Resolve(*manager, m_Ref.get());
-    auto * cell = dynamic_cast<CCCell *>(place.item);
-    CCFormula * formula = cell ? cell->LoadFormula(place.owner->ctx()) : nullptr;
-    if (!formula) return;
-    atPrecedent = true;
-    formula->UpdateArgsOnSheetRename(place.owner->ctx(), old, now);
-    atPrecedent = false;
+    if (place.item) place.item->UpdateArgsOnSheetRename(place.owner->ctx(), old, now);
 }
 
 void SwapFormulaRefs(CCRefFormula * a, CCRefFormula * b) {

@@ -5,6 +5,9 @@
 #include "platform/CodePage.h"
 #include "platform/HeapText.h"
 
+#include <memory>
+#include <new>
+
 namespace {
 
 CCFormula * MakeNode(CCFunc * func, CCFormulaList * args) {
@@ -24,21 +27,26 @@ CCFormula * MakeNode(CCFunc * func, CCFormulaList * args) {
     }
 }
 
-CCFormula * NameFormula(wchar_t * name) {
+std::unique_ptr<CCFormula> NameFormula(wchar_t * name) {
     cells::HeapText const owned(name);
-    return new CCRefFormula(name, 0);
+    return std::make_unique<CCRefFormula>(name, uchar(0));
 }
 
-CCFormula * NameFormula(char const * name) {
-    return new CCRefFormula(cells::FromNarrow(name).GetString(), 0);
+std::unique_ptr<CCFormula> NameFormula(char const * name) {
+    return std::make_unique<CCRefFormula>(cells::FromNarrow(name).GetString(), uchar(0));
 }
 
 } // namespace
 
 CCFormula * ConstructOpFormula(CCFunc * func, CCFormulaList * args) {
-    CCFormula * node = MakeNode(func, args);
-    if (!node) FreeFormulaList(args, 1);
-    return node;
+    try {
+        if (CCFormula * node = MakeNode(func, args)) return node;
+    } catch (std::bad_alloc const &) {
+        FreeFormulaList(args, 1);
+        throw;
+    }
+    FreeFormulaList(args, 1);
+    return nullptr;
 }
 
 CCFormula * ConstructOpFormula(CCFunc * func) {
@@ -58,19 +66,21 @@ CCFormula * ConstructOpFormula(CCFunc * func, CCFormula * a, CCFormula * b, CCFo
 }
 
 CCFormula * ConstructOpFormula(CCFunc * func, wchar_t * name) {
-    return ConstructOpFormula(func, NameFormula(name));
+    return ConstructOpFormula(func, NameFormula(name).release());
 }
 
 CCFormula * ConstructOpFormula(CCFunc * func, wchar_t * first, wchar_t * second) {
-    CCFormula * const a = NameFormula(first);
-    return ConstructOpFormula(func, a, NameFormula(second));
+    cells::HeapText last(second);
+    std::unique_ptr<CCFormula> a = NameFormula(first);
+    std::unique_ptr<CCFormula> b = NameFormula(last.release());
+    return ConstructOpFormula(func, a.release(), b.release());
 }
 
 CCFormula * ConstructOpFormula(CCFunc * func, char const * name) {
-    return ConstructOpFormula(func, NameFormula(name));
+    return ConstructOpFormula(func, NameFormula(name).release());
 }
 
 CCFormula * ConstructOpFormula(CCFunc * func, char const * first, char const * second) {
-    CCFormula * const a = NameFormula(first);
-    return ConstructOpFormula(func, a, NameFormula(second));
+    std::unique_ptr<CCFormula> a = NameFormula(first), b = NameFormula(second);
+    return ConstructOpFormula(func, a.release(), b.release());
 }

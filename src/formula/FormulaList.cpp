@@ -4,6 +4,8 @@
 #include "platform/Digits.h"
 
 #include <algorithm>
+#include <memory>
+#include <new>
 #include <ostream>
 
 bool FormulaListHasItems(CCFormulaList const * list, int count) {
@@ -16,14 +18,33 @@ bool FormulaListHasExactly(CCFormulaList const * list, int count) {
     return count == 0 && !list;
 }
 
-CCFormulaList * FormulaListCreate1Item(CCFormula * a) { return new CCFormulaList{a, nullptr}; }
+namespace {
+
+// A node before the list `next`. Both are freed where memory ends.
+CCFormulaList * Prepend(CCFormula * formula, CCFormulaList * next) {
+    try {
+        return new CCFormulaList{formula, next};
+    } catch (std::bad_alloc const &) {
+        delete formula;
+        FreeFormulaList(next, 1);
+        throw;
+    }
+}
+
+} // namespace
+
+CCFormulaList * FormulaListCreate1Item(CCFormula * a) { return Prepend(a, nullptr); }
 
 CCFormulaList * FormulaListCreate2Item(CCFormula * a, CCFormula * b) {
-    return new CCFormulaList{a, FormulaListCreate1Item(b)};
+    std::unique_ptr<CCFormula> first(a);
+    CCFormulaList * const rest = FormulaListCreate1Item(b);
+    return Prepend(first.release(), rest);
 }
 
 CCFormulaList * FormulaListCreate3Item(CCFormula * a, CCFormula * b, CCFormula * c) {
-    return new CCFormulaList{a, FormulaListCreate2Item(b, c)};
+    std::unique_ptr<CCFormula> first(a);
+    CCFormulaList * const rest = FormulaListCreate2Item(b, c);
+    return Prepend(first.release(), rest);
 }
 
 CCFormulaList * FormulaListAddLast(CCFormulaList ** list, CCFormula * formula) {

@@ -85,7 +85,7 @@ public:
     ~FormulaListBuilder() { FreeFormulaList(m_Head, 1); }
 
     void Add(CCFormula * formula) {
-        *m_End = new CCFormulaList{formula, nullptr};
+        *m_End = FormulaListCreate1Item(formula);
         m_End = &(*m_End)->next;
     }
     CCFormulaList * Release() {

@@ -4,6 +4,9 @@
 // included. There is no error recovery: the parser unwinds and frees what it built. Its stack holds
 // 1024 symbols; a formula that needs more fails like a syntax error, and so does a tree deeper than
 // kMaxFormulaDepth.
+//
+// No exception may pass through the generated parser, since it would not free the stack: an action
+// that fails gives null, which ends the parse.
 
 %define api.pure full
 %define api.prefix {cells_grammar_}
@@ -30,6 +33,8 @@ void cells_grammar_error(cells::internal::ParserState & state, char const * mess
 
 %code {
 #include "formula/GrammarActions.h"
+
+#include <new>
 
 using namespace cells::internal;
 
@@ -67,47 +72,47 @@ formula: expr { state.result.reset($1); }
 expr: or
     ;
 
-or: or OR and   { if (!($$ = Combine(Operator::kOr, $1, $3))) YYABORT; }
+or: or OR and   { if (!($$ = Combine(state, Operator::kOr, $1, $3))) YYABORT; }
   | and
   ;
 
-and: and AND not { if (!($$ = Combine(Operator::kAnd, $1, $3))) YYABORT; }
+and: and AND not { if (!($$ = Combine(state, Operator::kAnd, $1, $3))) YYABORT; }
    | not
    ;
 
-not: NOT not { if (!($$ = Apply(Operator::kNot, $2))) YYABORT; }
+not: NOT not { if (!($$ = Apply(state, Operator::kNot, $2))) YYABORT; }
    | compare
    ;
 
-compare: compare GT add { if (!($$ = Combine(Operator::kGreater, $1, $3))) YYABORT; }
-       | compare LT add { if (!($$ = Combine(Operator::kLess, $1, $3))) YYABORT; }
-       | compare GE add { if (!($$ = Combine(Operator::kGreaterOrEqual, $1, $3))) YYABORT; }
-       | compare LE add { if (!($$ = Combine(Operator::kLessOrEqual, $1, $3))) YYABORT; }
-       | compare NE add { if (!($$ = Combine(Operator::kNotEqual, $1, $3))) YYABORT; }
-       | compare EQ add { if (!($$ = Combine(Operator::kEqual, $1, $3))) YYABORT; }
+compare: compare GT add { if (!($$ = Combine(state, Operator::kGreater, $1, $3))) YYABORT; }
+       | compare LT add { if (!($$ = Combine(state, Operator::kLess, $1, $3))) YYABORT; }
+       | compare GE add { if (!($$ = Combine(state, Operator::kGreaterOrEqual, $1, $3))) YYABORT; }
+       | compare LE add { if (!($$ = Combine(state, Operator::kLessOrEqual, $1, $3))) YYABORT; }
+       | compare NE add { if (!($$ = Combine(state, Operator::kNotEqual, $1, $3))) YYABORT; }
+       | compare EQ add { if (!($$ = Combine(state, Operator::kEqual, $1, $3))) YYABORT; }
        | add
        ;
 
-add: add ADD mul { if (!($$ = Combine(Operator::kAdd, $1, $3))) YYABORT; }
-   | add SUB mul { if (!($$ = Combine(Operator::kSubtract, $1, $3))) YYABORT; }
+add: add ADD mul { if (!($$ = Combine(state, Operator::kAdd, $1, $3))) YYABORT; }
+   | add SUB mul { if (!($$ = Combine(state, Operator::kSubtract, $1, $3))) YYABORT; }
    | mul
    ;
 
-mul: mul MUL pow { if (!($$ = Combine(Operator::kMultiply, $1, $3))) YYABORT; }
-   | mul DIV pow { if (!($$ = Combine(Operator::kDivide, $1, $3))) YYABORT; }
+mul: mul MUL pow { if (!($$ = Combine(state, Operator::kMultiply, $1, $3))) YYABORT; }
+   | mul DIV pow { if (!($$ = Combine(state, Operator::kDivide, $1, $3))) YYABORT; }
    | pow
    ;
 
-pow: pow POW pct { if (!($$ = Combine(Operator::kPower, $1, $3))) YYABORT; }
+pow: pow POW pct { if (!($$ = Combine(state, Operator::kPower, $1, $3))) YYABORT; }
    | pct
    ;
 
-pct: unary PERCENT { if (!($$ = Apply(Operator::kPercent, $1))) YYABORT; }
+pct: unary PERCENT { if (!($$ = Apply(state, Operator::kPercent, $1))) YYABORT; }
    | unary
    ;
 
-unary: SUB unary { if (!($$ = Apply(Operator::kMinusSign, $2))) YYABORT; }
-     | ADD unary { if (!($$ = Apply(Operator::kPlusSign, $2))) YYABORT; }
+unary: SUB unary { if (!($$ = Apply(state, Operator::kMinusSign, $2))) YYABORT; }
+     | ADD unary { if (!($$ = Apply(state, Operator::kPlusSign, $2))) YYABORT; }
      | primary
      ;
 
@@ -116,10 +121,10 @@ primary: '(' expr ')' { $$ = $2; }
        | AT call      { $$ = $2; }
        | refexpr
        | CONST
-       | '{' rows '}' { $$ = MakeArray($2); }
+       | '{' rows '}' { if (!($$ = MakeArray(state, $2))) YYABORT; }
        ;
 
-call: FUNC '(' args ')' { if (!($$ = Call($1, $3))) YYABORT; }
+call: FUNC '(' args ')' { if (!($$ = Call(state, $1, $3))) YYABORT; }
     ;
 
 refexpr: plainref
@@ -130,34 +135,34 @@ plainref: range
         | REF
         ;
 
-range: refitem DOTS refitem  { if (!($$ = Combine(Operator::kRange, $1, $3))) YYABORT; }
-     | refitem COLON refitem { if (!($$ = Combine(Operator::kRange, $1, $3))) YYABORT; }
+range: refitem DOTS refitem  { if (!($$ = Combine(state, Operator::kRange, $1, $3))) YYABORT; }
+     | refitem COLON refitem { if (!($$ = Combine(state, Operator::kRange, $1, $3))) YYABORT; }
      ;
 
 refitem: REF
        | call
        ;
 
-sheetref: sheet plainref { if (!($$ = Combine(Operator::kFullRef, $1, $2))) YYABORT; }
-        | sheet refitem DOTS sheet refitem  { if (!($$ = SheetCorners($1, $2, $4, $5))) YYABORT; }
-        | sheet refitem COLON sheet refitem { if (!($$ = SheetCorners($1, $2, $4, $5))) YYABORT; }
+sheetref: sheet plainref { if (!($$ = Combine(state, Operator::kFullRef, $1, $2))) YYABORT; }
+        | sheet refitem DOTS sheet refitem  { if (!($$ = SheetCorners(state, $1, $2, $4, $5))) YYABORT; }
+        | sheet refitem COLON sheet refitem { if (!($$ = SheetCorners(state, $1, $2, $4, $5))) YYABORT; }
         ;
 
-sheet: NAME BANG            { $$ = Sheet($1); }
-     | NAME COLON NAME BANG { $$ = SheetRun($1, $3); }
+sheet: NAME BANG            { if (!($$ = Sheet(state, $1))) YYABORT; }
+     | NAME COLON NAME BANG { if (!($$ = SheetRun(state, $1, $3))) YYABORT; }
      ;
 
 args: list
     | %empty { $$ = nullptr; }
     ;
 
-list: list SEP expr { $1->Add($3); $$ = $1; }
-    | expr          { $$ = new FormulaListBuilder; $$->Add($1); }
+list: list SEP expr { if (!($$ = AddArgument(state, $1, $3))) YYABORT; }
+    | expr          { if (!($$ = AddArgument(state, nullptr, $1))) YYABORT; }
     ;
 
-rows: rows SEP2 { $1->EndRow(); } item { $1->Add($4); $$ = $1; }
-    | rows SEP item { $1->Add($3); $$ = $1; }
-    | item { $$ = new ArrayBuilder; $$->Add($1); }
+rows: rows SEP2 item { if (!($$ = AddItem(state, $1, $3, true))) YYABORT; }
+    | rows SEP item  { if (!($$ = AddItem(state, $1, $3, false))) YYABORT; }
+    | item           { if (!($$ = AddItem(state, nullptr, $1, false))) YYABORT; }
     ;
 
 item: value
@@ -165,8 +170,8 @@ item: value
     | SUB value { $$ = Negated($2); }
     ;
 
-value: CONST         { $$ = TakeValue($1); }
-     | CONST PERCENT { $$ = AsPercent(TakeValue($1)); }
+value: CONST         { if (!($$ = TakeValue(state, $1))) YYABORT; }
+     | CONST PERCENT { if (!($$ = TakeValue(state, $1))) YYABORT; AsPercent($$); }
      ;
 
 %%
@@ -177,6 +182,7 @@ CCFormula * ParseTree(CTX * ctx, wchar_t const *& text, int mode) {
     ParserState state(ctx, text, mode);
     bool const done = cells_grammar_parse(state) == 0;
     text = state.lexer.Position();
+    if (state.outOfMemory) throw std::bad_alloc();
     return done ? state.result.release() : nullptr;
 }
 

@@ -8,6 +8,7 @@
 #include "formula/OperatorObjects.h"
 
 #include <cstdlib>
+#include <memory>
 
 namespace cells::internal {
 
@@ -15,6 +16,7 @@ struct ParserState {
     ParserState(CTX * ctx, wchar_t const * text, int mode) : lexer(ctx, text, mode) {}
     Lexer lexer;
     std::unique_ptr<CCFormula> result;
+    bool outOfMemory = false; // an action or the lexer failed for want of memory
 };
 
 // The values of a constant array, row after row.
@@ -25,7 +27,10 @@ public:
     ArrayBuilder & operator=(ArrayBuilder const &) = delete;
     ~ArrayBuilder() { CellValueListFree(m_Head, 1); }
 
-    void Add(CCCellValue * value) { Append(CellValueListCreate(value)); }
+    void Add(std::unique_ptr<CCCellValue> value) {
+        Append(CellValueListCreate(value.get()));
+        value.release();
+    }
     void EndRow() { Append(CellValueListCreate(nullptr)); }
     SCCellValueList * Release() {
         SCCellValueList * list = m_Head;
@@ -43,17 +48,24 @@ private:
     SCCellValueList ** m_End = &m_Head;
 };
 
-// Nodes take their parts over. A tree that would be too deep is deleted, and null is given.
-CCFormula * Combine(Operator op, CCFormula * left, CCFormula * right);
-CCFormula * Apply(Operator op, CCFormula * argument);
-CCFormula * Call(CCFunc * func, FormulaListBuilder * args);
-CCFormula * SheetCorners(CCFormula * sheet, CCFormula * ref, CCFormula * sheet2, CCFormula * ref2);
-CCFormula * Sheet(wchar_t * name);
-CCFormula * SheetRun(wchar_t * first, wchar_t * last);
-CCFormula * MakeArray(ArrayBuilder * rows);
+// All take their parts over, also where they give null: for a tree that would be too deep, and
+// without memory.
+CCFormula * Combine(ParserState & state, Operator op, CCFormula * left, CCFormula * right);
+CCFormula * Apply(ParserState & state, Operator op, CCFormula * argument);
+CCFormula * Call(ParserState & state, CCFunc * func, FormulaListBuilder * args);
+CCFormula * SheetCorners(ParserState & state, CCFormula * sheet, CCFormula * ref,
+                         CCFormula * sheet2, CCFormula * ref2);
+CCFormula * Sheet(ParserState & state, wchar_t * name);
+CCFormula * SheetRun(ParserState & state, wchar_t * first, wchar_t * last);
+CCFormula * MakeArray(ParserState & state, ArrayBuilder * rows);
 
-CCCellValue * TakeValue(CCFormula * constant);
+// The first argument or item makes its list.
+FormulaListBuilder * AddArgument(ParserState & state, FormulaListBuilder * list,
+                                 CCFormula * argument);
+ArrayBuilder * AddItem(ParserState & state, ArrayBuilder * rows, CCCellValue * item, bool newRow);
+
+CCCellValue * TakeValue(ParserState & state, CCFormula * constant);
 CCCellValue * Negated(CCCellValue * value);
-CCCellValue * AsPercent(CCCellValue * value);
+void AsPercent(CCCellValue * value);
 
 } // namespace cells::internal

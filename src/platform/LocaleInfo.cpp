@@ -167,6 +167,11 @@ CLocaleInfo const & CLocaleInfosCache::system() {
     return find(FromEnvironment({"LC_ALL", "LANG"}));
 }
 
+bool CLocaleInfosCache::knows(CString const & name) const {
+    CString const tag = NormalizeLocaleName(name);
+    return tag.IsEmpty() || cells::internal::HasLocale(tag);
+}
+
 CLocaleInfo const & CLocaleInfosCache::find(CString const & name) {
     CString const tag = NormalizeLocaleName(name);
     std::unique_ptr<CLocaleInfo> & info = m_Infos[tag];

@@ -114,6 +114,8 @@ public:
     // The locale of a tag such as "de-DE" or "de_DE.UTF-8". An empty name, "C" and "POSIX" mean
     // the invariant facts; so does every tag in a build without ICU.
     CLocaleInfo const & find(CString const & name);
+    // Whether the language of a tag is known, so that its facts are not those of a fallback.
+    bool knows(CString const & name) const;
     // Makes the next user() ask for the locale's name again.
     void forgetUser() { m_User = nullptr; }
 

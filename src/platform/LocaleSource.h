@@ -8,6 +8,9 @@ namespace cells::internal {
 // A new CLocaleInfo for a normalized tag; never null. Unknown tags give what ICU falls back to.
 std::unique_ptr<kbt::multilang::CLocaleInfo> LoadLocale(CString const & tag);
 
+// Whether there are facts of the language of a normalized tag.
+bool HasLocale(CString const & tag);
+
 // The order of texts that belongs to no locale; null in a build without ICU.
 std::unique_ptr<kbt::multilang::Collator> MakeRootCollator();
 

@@ -296,6 +296,19 @@ private:
 
 std::unique_ptr<Collator> MakeRootCollator() { return std::make_unique<IcuCollator>(""); }
 
+bool HasLocale(CString const & tag) {
+    char language[ULOC_LANG_CAPACITY];
+    auto const languageOf = [&](char const * name) {
+        UErrorCode status = U_ZERO_ERROR;
+        uloc_getLanguage(name, language, sizeof language, &status);
+        return std::string(U_SUCCESS(status) ? language : "");
+    };
+    std::string const asked = languageOf(ToUtf8(tag).c_str());
+    for (int32_t i = 0; i < uloc_countAvailable(); ++i)
+        if (languageOf(uloc_getAvailable(i)) == asked) return true;
+    return false;
+}
+
 std::unique_ptr<CLocaleInfo> LoadLocale(CString const & tag) {
     std::string const plain = ToUtf8(tag);
     std::string const name = plain + "@calendar=gregorian;numbers=latn";

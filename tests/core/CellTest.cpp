@@ -145,6 +145,118 @@ TEST(CellFormula, MassFillNeitherTestsForCyclesNorQueues) {
     EXPECT_EQ(host.Make("A1").GetDependentCount(), 1);
 }
 
+// What a host sees of an entry, in order.
+namespace {
+
+struct Recorder : BaseHost {
+    std::string log;
+    void Note(std::string const & what) { log += what + " "; }
+    void SetDirty() override { Note("dirty"); }
+    int BeginSession() override { return Note("begin"), 1; }
+    using BaseHost::EndSession;
+    void EndSession() override { Note("end"); }
+    void ErrorMessage(unsigned int id) override { Note(std::to_string(id)); }
+    struct Cell : MapCell {
+        using MapCell::MapCell;
+        void OnChange(cells::CTX * ctx) override {
+            auto & host = *static_cast<Recorder *>(ctx->manager());
+            host.Note("change" +
+                      std::to_string(host.GetCurProcessCount() + host.GetCurRecalcCount()));
+            CCCell::OnChange(ctx);
+        }
+        void OnValueChanged(cells::CTX * ctx) override {
+            static_cast<Recorder *>(ctx->manager())->Note("told");
+        }
+    };
+    Recorder() {
+        Make("A1");
+        cells[{0, 1}] = std::make_unique<Cell>(uchar(1), ushort(0));
+    }
+};
+
+} // namespace
+
+TEST(CellFormula, EffectsOfAnEntryComeInOneOrder) {
+    Recorder good;
+    good.Enter("B1", L"=A1");
+    // In the session of the entry: registered (dirty), evaluated, queued, then told of the change.
+    EXPECT_EQ(good.log, "begin begin dirty change1 dirty end told end ");
+    Recorder circular;
+    circular.Enter("B1", L"=B1");
+    // Registered and unregistered again, with a message.
+    EXPECT_EQ(circular.log, "begin begin dirty dirty 13033 change0 dirty end told end ");
+    Recorder refused;
+    refused.Make("A1").SetFormat(&refused, Hide());
+    refused.Protect(L"");
+    refused.log.clear();
+    refused.Enter("B1", L"=A1");
+    // The text stands before anything is queued.
+    EXPECT_EQ(refused.log, "begin begin 13037 change0 dirty end told end ");
+}
+
+TEST(CellFormula, AFailedMassFillQueuesTheDependents) {
+    BaseHost host;
+    host.Make("A1").SetFormat(&host, Hide());
+    host.Enter("C1", L"=B1");
+    host.Make("B1");
+    host.Enter("C1", L"=B1");
+    host.Idle();
+    host.Protect(L"");
+    std::unique_ptr<CCFormula> const tree(_ParseFormula(&host, L"A1*3", 0, nullptr));
+    EXPECT_EQ(host.Make("B1").SetFormula1(&host, tree.get()), 0);
+    EXPECT_EQ(host.GetCurProcessCount(), 1);
+    EXPECT_EQ(host.Text("B1"), "=A1 * 3");
+}
+
+TEST(CellFormula, AHiddenPrecedentTurnsAnInvalidatedFormulaIntoText) {
+    BaseHost host;
+    for (char const * name : {"A1", "A2"}) host.Make(name);
+    host.Enter("B1", L"=A1+A2");
+    host.Make("A2").SetFormat(&host, Hide());
+    host.Protect(L"");
+    host.Make("A1").Delete(&host);
+    EXPECT_EQ(host.Text("B1"), "=#VALUE! + A2");
+    EXPECT_FALSE(host.Make("B1").IsFormulaLink());
+    EXPECT_FALSE(host.Make("A2").HasDependents());
+}
+
+TEST(CellFormula, AReferenceToNoCellIsErrorOneUntilThereIsOne) {
+    BaseHost host;
+    host.Enter("B1", L"=A1");
+    EXPECT_EQ(host.Make("B1").GetValue().GetError(), 1);
+    host.Enter("A1", L"4");
+    CCRCRef const b1 = R("B1");
+    host.RecalcCell(&b1);
+    EXPECT_EQ(host.Text("B1"), "4");
+    host.cells.erase({0, 0});
+    host.RecalcCell(&b1);
+    EXPECT_EQ(host.Make("B1").GetValue().GetError(), 1);
+}
+
+TEST(CellFormula, ARangeOverTheOwnCellReadsTheOldValue) {
+    struct Column : BaseHost { // A1:A3 is a region of this host
+        int IsValidRef(CCRef const * ref) override {
+            return ref && (ref->GetType() == kRefRegion || BaseHost::IsValidRef(ref));
+        }
+        CSize GetRefSize(CCRef const * ref) override {
+            return ref->GetType() == kRefRegion ? CSize(1, 3) : CSize(1, 1);
+        }
+        int GetValue(CCRef const * ref, CCCellValue & value, int index) override {
+            if (ref->GetType() != kRefRegion) return BaseHost::GetValue(ref, value, index);
+            CCRCRef const cell(0, ushort(index));
+            return BaseHost::GetValue(&cell, value, 0);
+        }
+    } host;
+    host.Enter("A1", L"1");
+    host.Enter("A2", L"10");
+    host.Enter("A3", L"4");
+    host.Enter("A2", L"=SUM(A1:A3)");
+    EXPECT_EQ(host.Text("A2"), "15");
+    CCRCRef const a2 = R("A2");
+    host.RecalcCell(&a2);
+    EXPECT_EQ(host.Text("A2"), "20");
+}
+
 TEST(CellFormula, BuffersHoldWhatFits) {
     BaseHost host;
     host.Enter("A1", std::wstring(100, L'x'));
@@ -262,7 +374,9 @@ TEST(EditSources, WriteThroughToTheirSource) {
     host.Enter("B1", L"8");
     EXPECT_EQ(host.Text("A1"), "8");
     EXPECT_TRUE(host.Make("B1").IsFormulaLink());
+    int const changes = host.Make("B1").changes;
     EXPECT_EQ(host.Make("B1").Clear(&host, kClearValue), 1);
+    EXPECT_EQ(host.Make("B1").changes, changes + 1);
     EXPECT_TRUE(host.Make("A1").GetValue().IsEmpty());
 }
 

@@ -218,6 +218,62 @@ TEST(Item, FindsItsOwnReferenceWhereverItStands) {
     EXPECT_EQ(host.Make("A1").IsCirc(&host), 1);
 }
 
+TEST(Item, AnOwnFormulaIsFoundAmongOtherDependentsAndBehindAStoredOne) {
+    for (bool const stored : {false, true}) {
+        BaseHost host;
+        host.Make("A1");
+        CCRCRef const a1 = R("A1");
+        if (stored) host.Make("A1").RegisterDependent(&host, &a1);
+        for (char const * name : {"B1", "C1"}) host.Enter(name, L"=A1");
+        host.Enter("A1", L"=A1");
+        EXPECT_EQ(host.Make("A1").GetValue().GetError(), 5);
+        EXPECT_EQ(host.messages, std::vector<unsigned>{13033});
+    }
+}
+
+TEST(Item, AFormulaReadBackRegistersOverItsStoredEntry) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Enter("B1", L"=A1");
+    std::vector<uchar> const bytes = BytesOf(host, host.Make("A1"));
+    BaseHost loaded;
+    CMemFile file(bytes.data(), bytes.size());
+    CArchive ar(&file, CArchive::load);
+    loaded.Make("A1").CCItem::Read(&loaded, ar);
+    loaded.Enter("B1", L"=A1");
+    EXPECT_EQ(loaded.Make("B1").RegisterFormula(&loaded), 1);
+    EXPECT_EQ(loaded.Make("A1").GetDependentCount(), 1);
+    EXPECT_EQ(BytesOf(loaded, loaded.Make("A1")), bytes);
+    EXPECT_EQ(loaded.Make("B1").UnregisterFormula(&loaded), 1);
+    EXPECT_FALSE(loaded.Make("A1").HasDependents());
+}
+
+TEST(Item, ASlotOfTheManagerNamesItemsThatAreNoCells) {
+    struct OtherItem : CCItem {
+        CCRCRef ref{0, 0};
+        CCRef const * GetRef() const override { return &ref; }
+        bool IsEqual(CCItem const * item) const override { return item == this; }
+    };
+    struct ItemHost : BaseHost {
+        OtherItem item;
+        using BaseHost::GetItem;
+        CCItem * GetItem(CCRef const * ref) override {
+            CCRCRef const a1(0, 0);
+            return ref && cells::internal::InnerRef(ref)->IsEqual(&a1) ? &item
+                                                                       : BaseHost::GetItem(ref);
+        }
+    } host;
+    CCRCRef const a1 = R("A1"), b1 = R("B1");
+    wchar_t buffer[4] = L"abc";
+    EXPECT_EQ(host.GetCellFormula(&a1, buffer, sizeof buffer), 0);
+    EXPECT_EQ(host.GetCellValueText(&a1, buffer, sizeof buffer), 0);
+    EXPECT_EQ(host.SetCellText(&a1, L"5"), 0);
+    EXPECT_STREQ(buffer, L"abc");
+    EXPECT_EQ(host.RegisterDependent(&a1, &b1), 1); // what every item can do
+    EXPECT_EQ(host.item.GetDependentCount(), 1);
+    EXPECT_EQ(host.RecalcCell(&a1), 1);
+}
+
 TEST(ItemLists, AddAtTheHeadFindAndRemove) {
     SCItemList * list = nullptr;
     ItemListAdd(list, new CCCellManager::CCDocItem(CCDocumentRef::ECDocRefType(1)));

@@ -215,8 +215,10 @@ TEST(Protection, IsSetAndTakenBackWithTheDialog) {
     host.DoProtectionDialog();
     EXPECT_TRUE(host.IsProtected());
     EXPECT_EQ(host.GetPassword(), L"secret");
+    EXPECT_EQ(host.dirty, 1);
     host.DoProtectionDialog();
     EXPECT_FALSE(host.IsProtected());
+    EXPECT_EQ(host.dirty, 2);
     cells::PlatformServices().askPassword = nullptr;
     host.Protect(nullptr);
     host.DoProtectionDialog(); // no password: the dialog is skipped

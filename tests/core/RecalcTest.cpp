@@ -3,11 +3,13 @@
 #include "formula/CCNameRef.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRemoteRef.h"
+#include "formula/Parser.h"
 #include "support/BaseHost.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <list>
+#include <pthread.h>
 #include <random>
 
 using cells::internal::RecalcList;
@@ -289,6 +291,96 @@ TEST(Recalc, AValueThatNeverEqualsItselfDoesNotLoop) {
     for (int i = 0; i < 100; ++i) host.RecalcCell(&a1);
     EXPECT_EQ(host.Make("A1").changes, changes + 100);
     EXPECT_EQ(CCNumberFormatTable::NumFormats->GetSize(), formats);
+}
+
+TEST(Recalc, TwoRemoteDependentsAreTwoRequestsBehindAWholeFan) {
+    struct Remote : BaseHost {
+        int requests = 0;
+        int DoRemoteInitRecalc(CCRemoteRef const *, int) override { return ++requests; }
+    } host;
+    host.Enter("A1", L"1");
+    CCRemoteRef const peers[] = {{L"doc", L"X1"}, {L"doc", L"X2"}};
+    for (CCRemoteRef const & peer : peers) host.Make("A1").RegisterDependent(&host, &peer);
+    for (int i = 0; i < 100; ++i) host.Enter("B" + std::to_string(i + 1), L"=$A$1");
+    host.Idle();
+    host.requests = 0;
+    host.recalculated.clear();
+    host.Enter("A1", L"2");
+    EXPECT_EQ(host.DoIdle(0), 0); // the local work is done before the peers are told
+    EXPECT_EQ(host.recalculated.size(), 100u);
+    EXPECT_EQ(host.requests, 2);
+}
+
+TEST(Recalc, TransportsThatAnswerNothingAndNoTransportsAreAlike) {
+    struct Silent : BaseHost {
+        int DoTransport(CCRemoteRef const *, CFile &) override { return 0; }
+    } silent;
+    BaseHost none;
+    CCRemoteRef const peer(L"doc", L"X1");
+    CCCellValue value;
+    for (BaseHost * host : {static_cast<BaseHost *>(&silent), &none}) {
+        EXPECT_EQ(host->DoRemoteIsValidRef(&peer), 0);
+        EXPECT_EQ(host->DoRemoteGetValue(&peer, value, 0), 0);
+        EXPECT_EQ(host->DoRemoteRegisterDependent(&peer, &peer), 1);
+        EXPECT_EQ(host->DoRemoteInitRecalc(&peer, 1), 1);
+        EXPECT_EQ(host->DoRemoteOpenRef(&peer), 0);
+    }
+}
+
+TEST(Recalc, AChangeBehindASliceRunsTheRestAndEverythingAgain) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    for (int i = 0; i < 100; ++i) host.Enter("B" + std::to_string(i + 1), L"=$A$1");
+    host.Idle();
+    host.Enter("A1", L"2");
+    EXPECT_EQ(host.DoIdle(0), 1);
+    host.recalculated.clear();
+    host.Enter("A1", L"3");
+    host.Idle();
+    EXPECT_EQ(host.recalculated.size(), 136u); // the 36 that waited, and all 100
+    EXPECT_EQ(host.Text("B100"), "3");
+}
+
+TEST(Recalc, ANewCellThatFeedsARegisteredCycleIsNoPartOfIt) {
+    BaseHost host;
+    for (char const * name : {"A1", "B1", "C1"}) host.Make(name);
+    host.Make("A1").SetText(&host, L"=B1", 1);
+    std::unique_ptr<CCFormula> const tree(_ParseFormula(&host, L"A1+C1", 0, nullptr));
+    host.Make("B1").SetFormula1(&host, tree.get()); // no test for cycles
+    host.Enter("C1", L"=1+1");
+    EXPECT_EQ(host.Make("C1").IsCirc(&host), 0);
+    EXPECT_EQ(host.InitFormulaRecalc(&host.Make("C1")), 1);
+    EXPECT_EQ(host.InitFormulaRecalc(&host.Make("A1")), 0);
+    host.Idle();
+    EXPECT_EQ(host.GetCurProcessCount() + host.GetCurRecalcCount(), 0);
+}
+
+TEST(Recalc, ALongChainFitsASmallStack) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    for (int i = 1; i < 60000; ++i)
+        host.Enter("A" + std::to_string(i + 1), L"=A" + std::to_wstring(i) + L"+1");
+    host.Idle();
+    host.Enter("A1", L"2");
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, 256 * 1024);
+    pthread_t thread;
+    auto const idle = [](void * of) -> void * {
+        static_cast<BaseHost *>(of)->Idle();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, idle, &host), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+    EXPECT_EQ(host.Text("A60000"), "60001");
+}
+
+TEST(Recalc, AReferenceToASheetNumberThatNobodyKnowsIsNotFound) {
+    BaseHost host;
+    host.Enter("A1", L"=1");
+    CCRef3D const nowhere(0xFFFF, 0xFFFF, R("B9").Copy());
+    EXPECT_EQ(host.RecalcCell(&nowhere), 0);
 }
 
 // The literal list of the rules, for comparison.

@@ -4,6 +4,7 @@
 #include "formula/CCRefFormula.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRefOpFormula.h"
+#include "formula/CCRegionRef.h"
 #include "formula/CCRemoteRef.h"
 #include "formula/Clipboard.h"
 #include "formula/FunctionRegistry.h"
@@ -115,6 +116,18 @@ TEST(FormulaParse, ListOfPeculiaritiesThatAreMeantSo) {
     EXPECT_EQ(Parsed(host, L"LOG10(100)")->GetType(), kOpFormula);
     EXPECT_EQ(static_cast<CCOpFormula *>(Parsed(host, L"LOG10(100)").get())->GetFunc()->stringId,
               13061u);
+}
+
+TEST(FormulaParse, LongArgumentListsAreRead) {
+    BaseHost host;
+    std::string list = "1";
+    for (int i = 1; i < 100000; ++i) list += ",1";
+    std::string const text = "SUM(" + list + ")";
+    Tree const tree = Parsed(host, std::wstring(text.begin(), text.end()).c_str());
+    ASSERT_NE(tree, nullptr);
+    CCCellValue value;
+    EvalFormula(&host, value, tree.get(), nullptr);
+    EXPECT_EQ(value.GetNumber(), 100000);
 }
 
 TEST(FormulaParse, StackHolds1024Symbols) {
@@ -332,6 +345,30 @@ TEST(Registry, FindsNames) {
     FreeFormulaList(one, 1);
 }
 
+TEST(Registry, StoredNamesAreWholeNames) {
+    auto const find = [](wchar_t const * name) {
+        return cells::internal::FindEnglishFunction(name, cells::kFunction);
+    };
+    EXPECT_EQ(find(L"LOG10")->stringId, 13061u);
+    EXPECT_EQ(find(L"SUM")->stringId, 13079u);
+    for (wchar_t const * name : {L"YIELD", L"TBILLEQ", L"SUMX", L"", L"LOG1"})
+        EXPECT_EQ(find(name), nullptr) << cells::ToUtf8(CString(name));
+}
+
+TEST(Registry, ARangeNodeReadsTwoOfItsArguments) {
+    BaseHost host;
+    CCFunc * range = cells::internal::OperatorObject(cells::internal::Operator::kRange);
+    auto const cell = [](uchar col) { return new CCRefFormula(col, 0, 0); };
+    Tree const node(ConstructOpFormula(range, FormulaListCreate3Item(cell(0), cell(2), cell(9))));
+    for (char const * name : {"A1", "C1", "J1"}) host.Make(name);
+    EXPECT_EQ(node->Check(&host, nullptr), 0);
+    CCCellValue value;
+    node->Eval(&host, value, nullptr);
+    CCRegionRef const expected(0, 0, 2, 0);
+    ASSERT_TRUE(value.IsRef());
+    EXPECT_TRUE(value.GetRef()->IsEqual(&expected));
+}
+
 TEST(Registry, FieldsOfAFunctionsString) {
     CCFunc const * sum = cells::internal::FindEnglishFunction(L"SUM", cells::kFunction);
     CString field;
@@ -435,6 +472,42 @@ TEST(EvaluationProtocol, OperatorsDeliverOneValueAndMinusOneIsANumber) {
     EXPECT_EQ(tree->NextValue(&host, 1, value, nullptr), 1);
     EXPECT_EQ(value.GetNumber(), -1);
     EXPECT_EQ(tree->NextValue(&host, 1, value, nullptr), 0);
+}
+
+TEST(EvaluationProtocol, AnUnreadableReferenceReplacesWhatTheCallerHad) {
+    BaseHost host;
+    Tree const tree = Parsed(host, L"A1");
+    CCCellValue value;
+    value.Set(L"stale");
+    tree->Eval(&host, value, nullptr);
+    EXPECT_EQ(value.GetError(), 1);
+}
+
+TEST(EvaluationProtocol, ARegionWithoutElementsIsErrorOne) {
+    struct Empty : BaseHost {
+        int IsValidRef(CCRef const *) override { return 1; }
+        CSize GetRefSize(CCRef const *) override { return {0, 0}; }
+    } host;
+    for (wchar_t const * text : {L"A1:A3+1", L"AND(A1:A3)", L"PLUS(A1:A3,1)"}) {
+        CCCellValue value;
+        Tree const tree = Parsed(host, text);
+        EvalFormula(&host, value, tree.get(), nullptr);
+        EXPECT_EQ(value.GetError(), 1) << cells::ToUtf8(CString(text));
+    }
+    EXPECT_EQ(host.GetOpenRefCount(), 0);
+}
+
+TEST(EvaluationProtocol, AHostMayParseInTheMiddleOfAnEvaluation) {
+    struct Parsing : BaseHost {
+        int GetValue(CCRef const * ref, CCCellValue & value, int index) override {
+            for (wchar_t const * text : {L"A1+", L"1+2*(3-SUM(4,5))"})
+                Tree const parsed(_ParseFormula(this, text, 0, nullptr));
+            return BaseHost::GetValue(ref, value, index);
+        }
+    } host;
+    host.Enter("A1", L"5");
+    host.Enter("B1", L"=SUM(A1,IF(A1>1,A1*2,0))");
+    EXPECT_EQ(host.Text("B1"), "15");
 }
 
 TEST(EvaluationProtocol, NullFormulaIsErrorFour) {

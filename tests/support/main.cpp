@@ -1,12 +1,30 @@
 // Starts the engine for all tests: invariant locale, a fixed clock, settings in a folder of their
 // own.
+#include "core/CCCellValue.h"
 #include "core/Context.h"
 #include "platform/Services.h"
 #include "platform/Utf.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <unistd.h>
+
+namespace {
+
+// Values may be printed before the engine starts: hosts have static objects.
+std::wstring const g_printedEarly = [] {
+    std::wostringstream stream;
+    CCCellValue().Print(nullptr, stream, 0);
+    CCCellValue value;
+    value.Set(1.5, uchar(C_NF_GENERAL));
+    value.GetFormat().Print(cells::invariant_LCTX(), stream, 1.5, 0);
+    return stream.str();
+}();
+
+} // namespace
+
+TEST(Library, PrintsBeforeItIsStarted) { EXPECT_EQ(g_printedEarly, L"1.5"); }
 
 int main(int argc, char ** argv) {
     testing::InitGoogleTest(&argc, argv);

@@ -1,0 +1,229 @@
+#include "core/Guards.h"
+#include "formula/CCNameRef.h"
+#include "formula/CCRefList.h"
+#include "formula/CCRefOpFormula.h"
+#include "formula/CCRemoteRef.h"
+#include "formula/Parser.h"
+#include "support/BaseHost.h"
+
+#include <gtest/gtest.h>
+#include <stdexcept>
+
+using cells::test::BaseHost;
+
+namespace {
+
+CCRCRef R(char const * name) { return BaseHost::RefOf(name); }
+
+// Sheets that know each other by name and number.
+struct SheetHost : BaseHost {
+    using Book = std::vector<SheetHost *>;
+    SheetHost(Book & sheets, wchar_t const * sheetName) : book(sheets), name(sheetName) {
+        book.push_back(this);
+    }
+    ~SheetHost() override {
+        for (SheetHost *& sheet : book)
+            if (sheet == this) sheet = nullptr;
+    }
+    CString GetSheetName() const override { return name; }
+    CCCellManager * GetManForNameIndex(ushort index) override {
+        return index >= 1 && index <= book.size() ? book[index - 1u] : nullptr;
+    }
+    using CCCellManager::GetNameIndex;
+    ushort GetNameIndex(wchar_t const * asked) override {
+        for (std::size_t i = 0; i < book.size(); ++i)
+            if (book[i] && book[i]->name.CompareNoCase(CString(asked)) == 0) return ushort(i + 1);
+        return 0;
+    }
+    ushort GetNameIndex(CCNameRef const * ref) override { return GetNameIndex(ref->name()); }
+    int IsValidRef(CCRef const * ref) override {
+        return ref && (ref->GetType() == kRefName || ref->GetType() == kRefCell ||
+                       BaseHost::IsValidRef(ref));
+    }
+    Book & book;
+    CString name;
+};
+
+struct TwoSheets {
+    SheetHost::Book book;
+    SheetHost one{book, L"One"};
+    std::unique_ptr<SheetHost> two = std::make_unique<SheetHost>(book, L"Two");
+};
+
+int DependentsOf(BaseHost & host, char const * name) { return host.Make(name).GetDependentCount(); }
+
+} // namespace
+
+TEST(TwoSheets, AChangeReachesTheFormulaOfAnotherSheet) {
+    TwoSheets sheets;
+    sheets.two->Enter("A1", L"5");
+    sheets.one.Make("A1");
+    sheets.one.Enter("B1", L"=Two!A1*2");
+    EXPECT_EQ(sheets.one.Text("B1"), "10");
+    sheets.two->Enter("A1", L"6");
+    sheets.two->Idle();
+    EXPECT_EQ(sheets.one.Text("B1"), "12");
+}
+
+TEST(TwoSheets, QuestionsAboutAnotherSheetAreAnsweredInItsContext) {
+    struct Asked : SheetHost {
+        using SheetHost::SheetHost;
+        int IsSingleValue(CCRef const * ref) override {
+            ++asked;
+            if (fails) throw std::runtime_error("no answer");
+            return SheetHost::IsSingleValue(ref);
+        }
+        int asked = 0;
+        bool fails = false;
+    };
+    SheetHost::Book book;
+    SheetHost one(book, L"One");
+    Asked two(book, L"Two");
+    two.Make("A1");
+    CCRef3D const place(2, 2, new CCNameRef(L"name")); // a cell is single by itself
+    place.IsSingleValue(&one);
+    EXPECT_EQ(two.asked, 1);
+    two.fails = true;
+    EXPECT_THROW(place.IsSingleValue(&one), std::runtime_error);
+    EXPECT_EQ(one.manager(), &one);
+}
+
+TEST(TwoSheets, ADependentOnASheetThatIsGoneIsPassedOver) {
+    TwoSheets sheets;
+    sheets.one.Enter("A1", L"1");
+    sheets.two->Make("A1");
+    sheets.two->Enter("B1", L"=One!A1");
+    EXPECT_EQ(DependentsOf(sheets.one, "A1"), 1);
+    sheets.two.reset();
+    sheets.one.Enter("A1", L"2");
+    sheets.one.Idle();
+    EXPECT_EQ(sheets.one.GetCurProcessCount() + sheets.one.GetCurRecalcCount(), 0);
+}
+
+TEST(TwoSheets, ADeletedCellTakesOnlyItsOwnPlaceOutOfAFormulaElsewhere) {
+    TwoSheets sheets;
+    sheets.two->Enter("A1", L"5");
+    sheets.one.Enter("A1", L"1");
+    sheets.one.Enter("C1", L"=1");
+    sheets.one.Enter("B1", L"=A1+Two!A1+C1");
+    EXPECT_EQ(sheets.one.Text("B1"), "7");
+    int const dirty = sheets.one.dirty;
+    EXPECT_EQ(sheets.two->Make("A1").Delete(sheets.two.get()), 1);
+    EXPECT_EQ(sheets.one.EditText("B1"), "=A1 + #VALUE! + C1");
+    EXPECT_GT(sheets.one.dirty, dirty);
+    EXPECT_EQ(DependentsOf(*sheets.two, "A1"), 0);
+    EXPECT_EQ(DependentsOf(sheets.one, "A1"), 1);
+}
+
+TEST(TwoSheets, AMovedFormulaIsTheOnlyDependent) {
+    TwoSheets sheets;
+    sheets.two->Enter("A1", L"5");
+    sheets.one.Make("A1");
+    sheets.one.Enter("B1", L"=Two!A1");
+    CCRCRef const b2 = R("B2");
+    sheets.one.Make("B1").Move(&sheets.one, &b2, nullptr);
+    EXPECT_EQ(DependentsOf(*sheets.two, "A1"), 1);
+    cells::internal::RefListHolder const list(
+        sheets.two->Make("A1").LoadDependents(sheets.two.get()));
+    EXPECT_EQ(BaseHost::NameOf(list.list->m_pRef), "B2");
+}
+
+TEST(TwoSheets, FormulasFollowANewSheetName) {
+    TwoSheets sheets;
+    sheets.two->Enter("A1", L"5");
+    sheets.one.Make("A1");
+    sheets.one.Enter("B1", L"=Two!A1+1");
+    sheets.two->name = L"Second";
+    sheets.two->FireEvent(CCSheetRenameEvent(L"Two", L"Second"));
+    EXPECT_EQ(sheets.one.EditText("B1"), "=Second ! A1 + 1");
+    sheets.two->Enter("A1", L"6");
+    sheets.two->Idle();
+    EXPECT_EQ(sheets.one.Text("B1"), "7");
+    sheets.one.Enter("B1", L""); // a formula that is gone does not listen any more
+    EXPECT_TRUE(sheets.two->GetListenersOf(CCSheetRenameEvent(L"", L"")).empty());
+}
+
+TEST(TwoSheets, ADestroyedSheetIsForgotten) {
+    TwoSheets sheets;
+    sheets.two->Enter("A1", L"5");
+    sheets.one.Make("A1");
+    sheets.one.Enter("B1", L"=Two!A1+1");
+    SheetHost * const gone = sheets.two.get();
+    sheets.book[1] = nullptr;
+    gone->FireEvent(CCDestroySheetEvent());
+    sheets.two.reset();
+    CCRCRef const b1 = R("B1");
+    sheets.one.RecalcCell(&b1);
+    EXPECT_TRUE(sheets.one.messages.empty());
+    EXPECT_EQ(sheets.one.EditText("B1"), "=Two ! A1 + 1");
+}
+
+TEST(TwoSheets, FormulaAndSheetMayGoInEitherOrder) {
+    for (bool const formulaFirst : {true, false}) {
+        TwoSheets sheets;
+        sheets.two->Make("A1");
+        sheets.one.Make("A1");
+        std::unique_ptr<CCFormula> tree(_ParseFormula(&sheets.one, L"Two!A1", 0, nullptr));
+        CCRCRef const b1 = R("B1");
+        ASSERT_EQ(tree->RegisterDependents(&sheets.one, &b1), 1);
+        EXPECT_EQ(sheets.two->GetListenersOf(CCDestroySheetEvent()).size(), 1u);
+        if (formulaFirst) {
+            tree.reset();
+            EXPECT_TRUE(sheets.two->GetListenersOf(CCDestroySheetEvent()).empty());
+        }
+        sheets.two.reset();
+    }
+}
+
+TEST(TwoSheets, ACopiedTreeListensForItself) {
+    TwoSheets sheets;
+    sheets.two->Make("A1");
+    sheets.one.Make("A1");
+    std::unique_ptr<CCFormula> const tree(_ParseFormula(&sheets.one, L"Two!A1", 0, nullptr));
+    CCRCRef const b1 = R("B1");
+    tree->RegisterDependents(&sheets.one, &b1);
+    {
+        std::unique_ptr<CCFormula> const copy(tree->Copy());
+        EXPECT_EQ(sheets.two->GetListenersOf(CCDestroySheetEvent()).size(), 2u);
+    }
+    EXPECT_EQ(sheets.two->GetListenersOf(CCDestroySheetEvent()).size(), 1u);
+}
+
+TEST(TwoSheets, ASumOverARunOfSheetsReadsEachAndClosesThem) {
+    SheetHost::Book book;
+    SheetHost s1(book, L"One"), s2(book, L"Two"), s3(book, L"Three");
+    double number = 1;
+    for (SheetHost * sheet : book) {
+        sheet->Make("A1");
+        CCCellValue value;
+        value.Set(number, uchar(C_NF_GENERAL));
+        CCRCRef const a1 = R("A1");
+        sheet->SetValue(&a1, value);
+        number *= 2;
+    }
+    s1.Enter("B1", L"=SUM(One:Three!A1)");
+    EXPECT_EQ(s1.Text("B1"), "7");
+    for (SheetHost * sheet : book) {
+        EXPECT_EQ(sheet->GetOpenRefCount(), 0);
+        EXPECT_EQ(DependentsOf(*sheet, "A1"), 1);
+    }
+    s1.Enter("B1", L"");
+    for (SheetHost * sheet : book) EXPECT_EQ(DependentsOf(*sheet, "A1"), 0);
+}
+
+TEST(TwoSheets, ASheetLinkOfAnotherDocumentTakesItsNewNameInTheDependents) {
+    BaseHost host;
+    host.Make("A1");
+    CCRemoteRef const old(L"doc", L"Old!B1"), now(L"doc", L"New!B1"), other(L"doc", L"B9");
+    host.Make("A1").RegisterDependent(&host, &old);
+    std::unique_ptr<CCFormula> const tree(_ParseFormula(&host, L"A1+1", 0, nullptr));
+    int const dirty = host.dirty;
+    tree->UpdateArgsOnSheetRename(&host, &other, &now); // not stored: nothing is added
+    EXPECT_EQ(host.dirty, dirty);
+    tree->UpdateArgsOnSheetRename(&host, &old, &now);
+    EXPECT_EQ(host.dirty, dirty + 1);
+    cells::internal::RefListHolder const list(host.Make("A1").LoadDependents(&host));
+    ASSERT_NE(list.list, nullptr);
+    EXPECT_TRUE(list.list->m_pRef->IsEqual(&now));
+    EXPECT_EQ(list.list->m_pNext, nullptr);
+}
