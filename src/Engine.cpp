@@ -1,6 +1,7 @@
 // Start and stop of the library.
 #include "core/Context.h"
 #include "core/Events.h"
+#include "format/CompiledFormat.h"
 #include "format/International.h"
 #include "format/LTStrings.h"
 #include "formula/FunctionRegistry.h"
@@ -8,6 +9,7 @@
 #include "platform/Services.h"
 
 void CVCellInit() {
+    cells::internal::OpenFormatCache();
     InitInternationalSettings();
     InitBuiltinFunctions();
     SetModuleProfile(cells::PlatformServices().profileKey, L"Calvera Cells");
@@ -17,5 +19,6 @@ void CVCellInit() {
 
 void CVCellExit() {
     ReleaseLTStrings();
+    cells::internal::ReleaseFormatCache();
     cells::internal::ReleaseOrphanedEvents();
 }

@@ -147,6 +147,11 @@ int CCCellFormat::IsSame(CCCellFormat const & other) const {
            m_nFlags == other.m_nFlags;
 }
 
+cells::internal::FormatKey CCCellFormat::Key() const {
+    return {std::uint64_t(m_nSetMask) << 8 | m_nFlags,
+            std::uint64_t(std::uint32_t(m_nNumberFormat))};
+}
+
 void CCCellFormat::InitDefault() {
     CCNumberFormat general;
     general.SetDefault(cells::invariant_LCTX(), C_NF_GENERAL);

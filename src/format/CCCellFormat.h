@@ -123,6 +123,9 @@ public:
     void substract(CCCellFormat const & other, CCCellFormat & out) const;
     void flattern(CCCellFormat const & other, CCCellFormat & out) const;
 
+    // What IsSame compares.
+    cells::internal::FormatKey Key() const;
+
     // The seven-byte form: set mask, number format index, flags.
     void FillBuff(uchar * buffer) const;
     void ReadBuff(uchar const * buffer);

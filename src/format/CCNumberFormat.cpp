@@ -1,5 +1,7 @@
 #include "format/CCNumberFormat.h"
 
+#include "format/CExcelNumberFormat.h"
+
 #include <algorithm>
 
 // One settable field: its mask bit and where its bits lie. Each stands under its own bit; the data
@@ -85,9 +87,21 @@ void CCNumberFormat::SetDefault(cells::LCTX * lctx, uchar type) {
     }
 }
 
+CString CCNumberFormat::getFormatString() const {
+    return m_Compiled ? m_Compiled->GetText() : CString();
+}
+
+cells::internal::FormatKey CCNumberFormat::Key() const {
+    return {std::uint64_t(m_nSetMask) << 48 | std::uint64_t(m_nData) << 32 |
+                std::uint64_t(m_nType) << 24 | std::uint64_t(m_nOptionsA) << 16 |
+                std::uint64_t(m_nOptionsB) << 8 | std::uint64_t(m_bCustom),
+            m_bCustom ? reinterpret_cast<std::uintptr_t>(m_Compiled.Get()) : 0};
+}
+
 void CCNumberFormat::setCustomFormat(CString const & text) {
+    m_Compiled = cells::internal::CompiledFormat::Of(text);
     m_bCustom = true;
-    m_strFormat = text;
+    m_nType = m_Compiled->GetType();
 }
 
 void CCNumberFormat::SetType(uchar type) {
@@ -146,7 +160,7 @@ void CCNumberFormat::ReadBuff(uchar const * buffer) {
 }
 
 bool CCNumberFormat::PackPlain(std::uint32_t & packed) const {
-    if (m_bCustom || m_nData != 0 || m_nOptionsB != 0) return false;
+    if (m_Compiled || m_nData != 0 || m_nOptionsB != 0) return false;
     packed = std::uint32_t(m_nSetMask) << 16 | std::uint32_t(m_nOptionsA) << 8 | m_nType;
     return true;
 }
@@ -173,8 +187,10 @@ void CCNumberFormat::CopyField(Field const & field, CCNumberFormat const & sourc
 }
 
 void CCNumberFormat::TakeCustom(CCNumberFormat const & source) {
-    m_bCustom = false;
-    if (source.m_bCustom) setCustomFormat(source.m_strFormat);
+    m_bCustom = source.m_bCustom;
+    if (!m_bCustom) return;
+    m_Compiled = source.m_Compiled;
+    m_nType = m_Compiled->GetType();
 }
 
 void CCNumberFormat::set(CCNumberFormat const & other) {
@@ -249,9 +265,12 @@ bool CCNumberFormat::Agrees(CCNumberFormat const & other, unsigned short fields)
     });
 }
 
-bool CCNumberFormat::IsEqual(cells::LCTX *, CCNumberFormat const & other) const {
-    if (m_bCustom || other.m_bCustom)
-        return m_bCustom && other.m_bCustom && m_strFormat == other.m_strFormat;
+bool CCNumberFormat::IsEqual(cells::LCTX * lctx, CCNumberFormat const & other) const {
+    if (m_bCustom && other.m_bCustom)
+        return m_Compiled.Get() == other.m_Compiled.Get() ||
+               getFormatString() == other.getFormatString();
+    if (m_bCustom) return getFormatString() == other.EquivalentText(lctx);
+    if (other.m_bCustom) return EquivalentText(lctx) == other.getFormatString();
     bool const sameFields = m_nSetMask == other.m_nSetMask && m_nData == other.m_nData &&
                             m_nOptionsA == other.m_nOptionsA && m_nOptionsB == other.m_nOptionsB;
     if (sameFields && m_nType == other.m_nType && m_nType <= C_NF_BOOL) return true;

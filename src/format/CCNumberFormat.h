@@ -9,6 +9,8 @@
 // ones are older; their results keep exact values that callers store (GetCommas is 0x10 or 0).
 #pragma once
 
+#include "format/CompiledFormat.h"
+#include "format/FormatKey.h"
 #include "format/LocaleContext.h"
 #include "platform/CString.h"
 
@@ -66,7 +68,7 @@ public:
         m_nOptionsA = other.m_nOptionsA;
         m_nOptionsB = other.m_nOptionsB;
         m_bCustom = other.m_bCustom;
-        if (m_bCustom) m_strFormat = other.m_strFormat;
+        if (m_bCustom) m_Compiled = other.m_Compiled;
         return *this;
     }
     ~CCNumberFormat() = default;
@@ -155,8 +157,12 @@ public:
         return m_nSetMask & other.m_nSetMask;
     }
     bool isCustomFormat() const { return m_bCustom; }
-    CString const & getFormatString() const { return m_strFormat; }
+    // The custom text; it stays when the format is custom no more.
+    CString getFormatString() const;
+    // Shows numbers by a custom text from now on; the type becomes that which the text shows.
     void setCustomFormat(CString const & text);
+    // Stores the custom text that is equivalent to a plain record. Null is the invariant locale.
+    void convertToFormatString(cells::LCTX * lctx);
 
     // The older layer.
     uchar GetType() const { return m_nType; }
@@ -213,6 +219,9 @@ public:
     void merge(CCNumberFormat const & other, unsigned short mask);
     // Keeps in `out` the common fields in which this record differs from `other`.
     void substract(CCNumberFormat const & other, CCNumberFormat & out) const;
+
+    // All that the record holds, whether its mask shows it or not.
+    cells::internal::FormatKey Key() const;
 
     // Whether both show numbers alike. Types above C_NF_BOOL are unequal even to themselves.
     bool IsEqual(cells::LCTX * lctx, CCNumberFormat const & other) const;
@@ -275,6 +284,7 @@ private:
     void CopyField(Field const & field, CCNumberFormat const & source);
     bool Agrees(CCNumberFormat const & other, unsigned short fields) const;
     void TakeCustom(CCNumberFormat const & source);
+    CString EquivalentText(cells::LCTX * lctx) const;
 
     // Printing a fraction holds the precision at 0 for a moment and leaves it marked as set.
     mutable unsigned short m_nSetMask = kNumberFormatType | kNumberFormatCommas |
@@ -285,5 +295,5 @@ private:
     mutable uchar m_nOptionsA = 0; // precision, commas, negBr, negRed, ltStringMode
     uchar m_nOptionsB = 0;         // timeRange, timeSeconds, time, monthType, yearType, mdOrder
     bool m_bCustom = false;
-    CString m_strFormat;
+    cells::internal::CompiledFormat m_Compiled; // of the custom text
 };

@@ -6,11 +6,13 @@
 #include "format/CCCellFormat.h"
 
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace cells::internal {
 
-// A table of owned records. `Same` tells when two records are one entry.
+// A table of owned records. `Same` tells when two records are one entry. Comparison may be costly,
+// so the table remembers what it found for an exact record as long as it only grows.
 template <typename Record, bool (*Same)(Record const &, Record const &)>
 class FormatTable {
 public:
@@ -26,6 +28,7 @@ public:
     // Hands out the record, which is the caller's; null out of range.
     Record * RemoveAt(int index) {
         if (!IsInside(index)) return nullptr;
+        m_Found.clear();
         Record * record = m_Records[std::size_t(index)].release();
         m_Records.erase(m_Records.begin() + index);
         return record;
@@ -37,8 +40,13 @@ public:
     }
     // The first entry with the same content, or -1.
     int Find(Record const & record) const {
-        for (int i = 0; i < GetSize(); ++i)
-            if (Same(*m_Records[std::size_t(i)], record)) return i;
+        auto const known = m_Found.find(record.Key());
+        if (known != m_Found.end()) return known->second.index;
+        for (int i = 0; i < GetSize(); ++i) {
+            if (!Same(*m_Records[std::size_t(i)], record)) continue;
+            m_Found.emplace(record.Key(), Known{record, i});
+            return i;
+        }
         return -1;
     }
     int Add(Record const & record) {
@@ -53,13 +61,21 @@ public:
         for (int i = 0, size = other.GetSize(); i < size; ++i) Append(*other.GetAt(i));
     }
     void InsertAt(int index, Record const & record) {
+        m_Found.clear();
         m_Records.insert(m_Records.begin() + index, std::make_unique<Record>(record));
     }
 
 private:
     bool IsInside(int index) const { return index >= 0 && index < GetSize(); }
 
+    // A record stays alive beside its key, which may hold addresses of what it owns.
+    struct Known {
+        Record record;
+        int index;
+    };
+
     std::vector<std::unique_ptr<Record>> m_Records;
+    mutable std::unordered_map<FormatKey, Known, FormatKeyHash> m_Found;
 };
 
 inline bool SameNumberFormat(CCNumberFormat const & a, CCNumberFormat const & b) {

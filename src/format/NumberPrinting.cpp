@@ -1,5 +1,7 @@
 // The Print family of CCNumberFormat: one double as text, by the facts of a locale context.
 #include "format/CCNumberFormat.h"
+
+#include "format/CExcelNumberFormat.h"
 #include "format/DateSerial.h"
 #include "format/LTStrings.h"
 #include "format/Numbers.h"
@@ -87,6 +89,7 @@ constexpr wchar_t kYearMark = 0x5E74, kDayMark = 0x65E5;
 void CCNumberFormat::Print(cells::LCTX * lctx, std::wostream & stream, double value,
                            int raw) const {
     if (std::fabs(value) < kPrintedAsZero) value = 0.0;
+    if (m_bCustom && !raw) return WriteText(stream, m_Compiled->Print(lctx, value));
     switch (m_nType) {
     case C_NF_GENERAL:
         return PrintGeneral(lctx, stream, value, raw);

@@ -5,7 +5,8 @@
 
 void CCNumberFormat::Write(CArchive & ar) const {
     ar << m_nType << m_nOptionsA << m_nOptionsB << std::uint16_t(m_nData)
-       << std::uint16_t(m_nSetMask) << uchar(m_bCustom) << (m_bCustom ? m_strFormat : CString());
+       << std::uint16_t(m_nSetMask) << uchar(m_bCustom)
+       << (m_bCustom ? getFormatString() : CString());
 }
 
 void CCNumberFormat::Read(CArchive & ar) {
