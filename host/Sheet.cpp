@@ -122,14 +122,6 @@ void Sheet::Clear(Place place) {
     m_Manager->ClearCell(&ref, kClearValue);
 }
 
-void Sheet::SetFormat(Place place, int formatClass, std::optional<int> decimals) {
-    Require(place);
-    CCCellFormat format;
-    format.SetNFType(uchar(formatClass));
-    if (decimals) format.SetNFPrecision(*decimals);
-    m_Manager->MakeCell(place).SetFormat(m_Manager.get(), format);
-}
-
 std::string Sheet::Text(Place place) const {
     Require(place);
     std::wostream & stream = Buffer().Restart();

@@ -22,12 +22,23 @@
 #include <vector>
 
 class CCCellManager;
+class CCNumberFormat;
+class CCCellFormat;
 
 namespace cells::host {
 
 class SheetManager;
 
 enum class Kind { kEmpty, kNumber, kText, kError };
+
+enum class CellFlag { kLocked, kHidden, kHideErrors, kHideZeros };
+
+struct FindOptions {
+    enum class In { kValues, kFormulas, kBoth } in = In::kValues;
+    bool caseSensitive = false;
+    bool wholeWord = false;
+    bool valuesOfFormulas = true; // a formula counts by what it shows, too
+};
 
 // What a cell holds.
 struct Value {
@@ -55,8 +66,28 @@ public:
     // Empties a cell: its value and its formula.
     void Clear(Place place);
 
-    // Shows the numbers of a cell in a format class (see Value), with so many decimals when told.
-    void SetFormat(Place place, int formatClass, std::optional<int> decimals = {});
+    // Formats stay with their places, occupied or not. A number format is a name (general,
+    // number:2, currency, percent:1, fraction, scientific:3, time, date, logical, hex, oct, bin) or
+    // a custom text such as "#,##0.00"; docs/number-formats.md tells all. A name with decimals out
+    // of range throws std::invalid_argument. On a protected sheet an area with a locked cell stays
+    // as it is: a message and false.
+    bool SetNumberFormat(Area const & area, std::string_view format);
+    bool SetNumberFormat(Area const & area, CCNumberFormat const & format);
+    // The number format of what a cell shows, as such a text.
+    std::string NumberFormat(Place place) const;
+    bool SetFlag(Area const & area, CellFlag flag, bool on = true);
+    bool ClearFormat(Area const & area); // number formats and flags
+
+    // Protection makes locked cells refuse every edit (a message each) and hidden cells show
+    // nothing. False for a wrong password, which leaves the sheet protected.
+    void Protect(std::string_view password = {});
+    bool Unprotect(std::string_view password = {});
+    bool IsProtected() const;
+
+    // The occupied places whose shown text, or whose formula, holds the text; row by row.
+    std::vector<Place> Find(std::string_view text, FindOptions const & options = {});
+    // Replaces in all of them, as if the new text were typed; the number of cells that took it.
+    int Replace(std::string_view text, std::string_view by, FindOptions const & options = {});
 
     std::string Text(Place place) const; // as the cell shows it
     std::string Text(std::string_view place) const { return Text(At(place)); }
@@ -115,6 +146,8 @@ public:
 private:
     static Place At(std::string_view place);
     static void Require(Place place);
+    bool Refuses(Area const & area);
+    bool Format(Area const & area, CCCellFormat const & format);
 
     std::unique_ptr<SheetManager> m_Manager;
     std::function<bool(int, int)> m_Progress;

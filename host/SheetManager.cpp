@@ -76,6 +76,14 @@ CCRef const * SheetManager::Target(CCRef const * ref) const {
     }
 }
 
+GridCell & SheetManager::MakeCell(Place place) {
+    if (m_Formats.IsEmpty() || m_Grid.FindCell(place)) return m_Grid.MakeCell(place);
+    GridCell & cell = m_Grid.MakeCell(place);
+    CCCellFormat const format = m_Formats.FormatAt(place);
+    if (!format.IsEmpty()) cell.SetFormat(this, format);
+    return cell;
+}
+
 CCItem * SheetManager::GetItem(CCRef const * ref) {
     CCRef const * const target = Target(ref);
     if (!target || target->Kind() != kRefCell) return nullptr;
@@ -83,7 +91,7 @@ CCItem * SheetManager::GetItem(CCRef const * ref) {
     if (GridCell * cell = m_Grid.FindCell(place)) return cell;
     double number;
     std::uint32_t format;
-    return m_Grid.FindNumber(place, number, format) ? &m_Grid.MakeCell(place) : nullptr;
+    return m_Grid.FindNumber(place, number, format) ? &MakeCell(place) : nullptr;
 }
 
 CSize SheetManager::GetRefSize(CCRef const * ref) {
@@ -142,6 +150,7 @@ bool SheetManager::TryPutNumber(Place place, CCCellValue const & value) {
     if (!value.IsNumber() || type == C_NF_NUMBER || type == C_NF_CURRENCY) return false;
     if (!value.GetFormat().PackPlain(format) || m_Grid.FindCell(place)) return false;
     if (!m_Regions.IsEmpty() && IsWatched(place)) return false;
+    if (!m_Formats.IsEmpty() && m_Formats.Covers(place)) return false;
     m_Grid.PutNumber(place, value.GetNumber(), format);
     SetDirty();
     OnCellChanged(place);
@@ -160,7 +169,7 @@ int SheetManager::RegisterDependent(CCRef const * ref, CCRef const * dependent) 
     if (!target) return 1;
     std::unique_ptr<CCRef> const placed(internal::MakeDependentRef(this, dependent));
     if (target->GetType() == kRefCell)
-        return m_Grid.MakeCell(PlaceOf(target)).RegisterDependent(this, placed.get());
+        return MakeCell(PlaceOf(target)).RegisterDependent(this, placed.get());
     if (m_Regions.Register(RegionOf(target), placed.get()) && GetDirtyMarking()) SetDirty();
     return 1;
 }

@@ -3,6 +3,7 @@
 
 #include "core/CCCellManager.h"
 #include "core/RegionIndex.h"
+#include "host/AreaFormats.h"
 #include "host/Grid.h"
 #include "host/Place.h"
 
@@ -26,7 +27,16 @@ public:
     // The grid.
     Grid & Cells() { return m_Grid; }
     Grid const & Cells() const { return m_Grid; }
-    GridCell & MakeCell(Place place) { return m_Grid.MakeCell(place); }
+    // The cell object at a place; a new one has the format of its area.
+    GridCell & MakeCell(Place place);
+    AreaFormats & Formats() { return m_Formats; }
+    // Calls visit(cell) for every occupied place of the area, with a cell object each.
+    template <typename Visit>
+    void ForEachMadeCell(Area const & area, Visit && visit) {
+        std::vector<Place> places;
+        m_Grid.ForEach(area, [&](Place place) { places.push_back(place); });
+        for (Place place : places) visit(MakeCell(place));
+    }
     bool IsWatched(Place place) const {
         return m_Regions.Holds(uchar(place.column), ushort(place.row));
     }
@@ -88,6 +98,7 @@ private:
     LCTX m_Locale;
     Grid m_Grid;
     RegionIndex m_Regions;
+    AreaFormats m_Formats;
     std::map<CString, Name> m_Names; // by folded name
 };
 

@@ -47,6 +47,15 @@ void EnterAssignment(Sheet & sheet, std::string const & assignment) {
     sheet.Enter(*place, assignment.substr(equals + 1));
 }
 
+// "B2:B9=#,##0.00": a number format for an area.
+void FormatAssignment(Sheet & sheet, std::string const & assignment) {
+    std::size_t const equals = assignment.find('=');
+    auto const area = host::ParseArea(assignment.substr(0, std::min(equals, assignment.size())));
+    if (equals == std::string::npos || !area)
+        throw InputError("--number-format " + assignment + ": expected AREA=FORMAT");
+    sheet.SetNumberFormat(*area, assignment.substr(equals + 1));
+}
+
 TextFormat InputFormatOf(CalcOptions const & options) {
     if (options.inputFormat.empty()) return FormatOf(options.file);
     return options.inputFormat == "tsv" ? TextFormat::kTsv : TextFormat::kCsv;
@@ -82,6 +91,7 @@ int Calc(CalcOptions const & options) {
         sheet.OnProgress([&](int done, int total) { return progress.Tick(done, total); });
         LoadText(sheet, options.file, ReadFile(options.file), InputFormatOf(options));
         for (std::string const & assignment : options.set) EnterAssignment(sheet, assignment);
+        for (std::string const & format : options.formats) FormatAssignment(sheet, format);
         sheet.Recalculate();
         Show const show = options.show == "formulas" ? Show::kFormulas : Show::kValues;
         WriteFile(options.output, Render(sheet, ShownArea(sheet, options.range),
@@ -91,11 +101,11 @@ int Calc(CalcOptions const & options) {
 }
 
 // Each text has a cell of its own below and beyond whatever is set.
-int Eval(std::string const & locale, std::vector<std::string> const & set,
-         std::vector<std::string> const & texts) {
+int Eval(EvalOptions const & options) {
     return RunGuarded(std::cerr, [&] {
-        Sheet sheet(locale);
-        for (std::string const & assignment : set) EnterAssignment(sheet, assignment);
+        Sheet sheet(options.locale);
+        std::vector<std::string> const & texts = options.texts;
+        for (std::string const & assignment : options.set) EnterAssignment(sheet, assignment);
         int const column = sheet.UsedArea() ? sheet.UsedArea()->last.column + 1 : 0;
         if (column >= host::kColumns || texts.size() > std::size_t(host::kRows))
             throw InputError("no room beyond the used part of the sheet");
@@ -107,6 +117,7 @@ int Eval(std::string const & locale, std::vector<std::string> const & set,
             Place const place{column, row++};
             message.clear();
             sheet.Enter(place, text);
+            if (!options.format.empty()) sheet.SetNumberFormat({place, place}, options.format);
             sheet.Recalculate();
             std::cout << sheet.Text(place) << '\n';
             if (message.empty()) continue;

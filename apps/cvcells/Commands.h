@@ -16,13 +16,21 @@ struct CalcOptions {
     std::string show = "values";
     std::string range;
     std::string locale;
-    std::vector<std::string> set; // CELL=TEXT, entered after the load
+    std::vector<std::string> set;     // CELL=TEXT, entered after the load
+    std::vector<std::string> formats; // AREA=FORMAT
     std::string output = "-";
 };
 
 int Calc(CalcOptions const & options);
-int Eval(std::string const & locale, std::vector<std::string> const & set,
-         std::vector<std::string> const & texts);
+struct EvalOptions {
+    std::string locale;
+    std::vector<std::string> set, texts;
+    std::string format; // a number format for all results; empty: none
+};
+
+int Eval(EvalOptions const & options);
+// The built-in custom formats of a locale, with an example each.
+int Formats(std::string const & locale);
 int Repl(std::string const & locale, std::string const & file);
 int TestFiles(std::string const & locale, std::vector<std::string> const & files);
 // The function catalogue in alphabetical order, or one function of it; as lines of text or as the

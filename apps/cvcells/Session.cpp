@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cstdio>
 #include <ostream>
+#include <stdexcept>
 
 namespace cells::app {
 namespace {
@@ -32,6 +33,15 @@ std::string TakeWord(std::string & text) {
     std::string const word = text.substr(0, end);
     text = Trimmed(text.substr(end));
     return word;
+}
+
+// Cuts off the first word, or the text between quotes that stands there.
+std::string TakeText(std::string & text) {
+    std::size_t const end = text.empty() || text[0] != '"' ? std::string::npos : text.find('"', 1);
+    if (end == std::string::npos) return TakeWord(text);
+    std::string const quoted = text.substr(1, end - 1);
+    text = Trimmed(text.substr(end + 1));
+    return quoted;
 }
 
 Place RequirePlace(std::string const & text) {
@@ -77,10 +87,15 @@ std::string Joined(std::vector<std::string> const & words) {
 } // namespace
 
 Session::Command const Session::kCommands[] = {
-    {"?", &Session::Explain},       {"clear", &Session::Clear},      {"format", &Session::Format},
-    {"name", &Session::DefineName}, {"locale", &Session::SetLocale}, {"load", &Session::Load},
-    {"save", &Session::Save},       {"idle", &Session::Idle},        {"help", &Session::Help},
-    {"expect", &Session::Expect},
+    {"?", &Session::Explain},        {"clear", &Session::Clear},
+    {"format", &Session::Format},    {"name", &Session::DefineName},
+    {"lock", &Session::Lock},        {"unlock", &Session::Unlock},
+    {"hide", &Session::Hide},        {"unhide", &Session::Unhide},
+    {"protect", &Session::Protect},  {"unprotect", &Session::Unprotect},
+    {"find", &Session::Find},        {"replace", &Session::Replace},
+    {"locale", &Session::SetLocale}, {"load", &Session::Load},
+    {"save", &Session::Save},        {"idle", &Session::Idle},
+    {"help", &Session::Help},        {"expect", &Session::Expect},
 };
 
 std::string const & Session::HelpText() {
@@ -89,8 +104,14 @@ std::string const & Session::HelpText() {
         "CELL, CELL:CELL       show values\n"
         "? CELL                formula, kind, value, format class, precedents and dependents\n"
         "clear CELL            empty a cell\n"
-        "format CELL CLASS [N] show numbers as general, fixed, currency, percent, fraction,\n"
-        "                      scientific, time, date or logical, with N decimals\n"
+        "format AREA FORMAT    show numbers as general, number:2, currency, percent:1, fraction,\n"
+        "                      scientific:3, time, date, logical, hex, oct, bin or by a custom\n"
+        "                      format such as #,##0.00; none takes all formats away\n"
+        "lock AREA, unlock AREA, hide AREA, unhide AREA\n"
+        "protect [PASSWORD], unprotect [PASSWORD]\n"
+        "                      locked cells keep their contents, hidden ones show nothing\n"
+        "find TEXT             the cells that show the text\n"
+        "replace TEXT TEXT     the first by the second in all cells; quotes hold blanks\n"
         "name NAME AREA        give a cell or an area a name\n"
         "locale TAG            start an empty sheet in another locale, such as de-DE\n"
         "load FILE, save FILE  comma or tab separated text, by extension\n"
@@ -98,6 +119,7 @@ std::string const & Session::HelpText() {
         "expect CELL TEXT      the cell shows the text; also: expect value CELL NUMBER,\n"
         "                      expect text CELL TEXT, expect error N CELL, expect empty CELL,\n"
         "                      expect formula CELL TEXT, expect class N CELL,\n"
+        "                      expect format CELL TEXT,\n"
         "                      expect message N, expect no message\n"
         "# ...                 a comment\n"
         "help, quit\n";
@@ -182,6 +204,7 @@ void Session::Explain(std::string const & rest) {
         m_Out << "  class       " << value.formatClass << ' '
               << (known ? kClasses[value.formatClass] : "") << '\n';
     }
+    m_Out << "  format      " << m_Sheet->NumberFormat(place) << '\n';
     m_Out << "  reads       " << Joined(m_Sheet->Precedents(place)) << '\n';
     m_Out << "  is read by  " << Joined(m_Sheet->Dependents(place)) << '\n';
 }
@@ -193,16 +216,48 @@ void Session::Clear(std::string const & rest) {
 }
 
 void Session::Format(std::string const & rest) {
+    std::string format = rest;
+    Area const area = RequireArea(TakeWord(format));
+    m_Messages.clear();
+    try {
+        if (format == "none")
+            m_Sheet->ClearFormat(area);
+        else
+            m_Sheet->SetNumberFormat(area, format);
+    } catch (std::invalid_argument const & failure) {
+        throw CommandError(failure.what());
+    }
+    Edited();
+}
+
+void Session::SetFlag(std::string const & rest, host::CellFlag flag, bool on) {
+    m_Messages.clear();
+    m_Sheet->SetFlag(RequireArea(rest), flag, on);
+    Edited();
+}
+
+void Session::Lock(std::string const & rest) { SetFlag(rest, host::CellFlag::kLocked, true); }
+void Session::Unlock(std::string const & rest) { SetFlag(rest, host::CellFlag::kLocked, false); }
+void Session::Hide(std::string const & rest) { SetFlag(rest, host::CellFlag::kHidden, true); }
+void Session::Unhide(std::string const & rest) { SetFlag(rest, host::CellFlag::kHidden, false); }
+
+void Session::Protect(std::string const & rest) { m_Sheet->Protect(rest); }
+
+void Session::Unprotect(std::string const & rest) {
+    if (!m_Sheet->Unprotect(rest)) throw CommandError("wrong password");
+}
+
+void Session::Find(std::string const & rest) {
+    for (Place place : m_Sheet->Find(rest))
+        m_Out << host::NameOf(place) << " = " << m_Sheet->Text(place) << '\n';
+}
+
+void Session::Replace(std::string const & rest) {
     std::string words = rest;
-    Place const place = RequirePlace(TakeWord(words));
-    std::string const name = TakeWord(words);
-    auto const * const found = std::find(std::begin(kClasses), std::end(kClasses), name);
-    if (found == std::end(kClasses)) throw CommandError("no such format class: " + name);
-    std::optional<int> decimals;
-    if (!words.empty()) decimals = RequireNumber<int>(words);
-    if (decimals && (*decimals < 0 || *decimals > 15))
-        throw CommandError("decimals go from 0 to 15");
-    m_Sheet->SetFormat(place, int(found - kClasses), decimals);
+    std::string const text = TakeText(words), by = TakeText(words);
+    if (text.empty()) throw CommandError("replace needs the text to look for and the new one");
+    m_Messages.clear();
+    m_Sheet->Replace(text, by);
     Edited();
 }
 
@@ -262,6 +317,9 @@ void Session::Expect(std::string const & rest) {
     } else if (what == "formula") {
         std::string const found =
             m_Sheet->Formula(RequirePlace(TakeWord(words))).value_or("no formula");
+        require(found == words, found);
+    } else if (what == "format") {
+        std::string const found = m_Sheet->NumberFormat(RequirePlace(TakeWord(words)));
         require(found == words, found);
     } else if (what == "class") {
         int const number = RequireNumber<int>(TakeWord(words));

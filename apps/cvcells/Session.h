@@ -55,6 +55,15 @@ private:
     void Clear(std::string const & rest);
     void Format(std::string const & rest);
     void DefineName(std::string const & rest);
+    void SetFlag(std::string const & rest, host::CellFlag flag, bool on);
+    void Lock(std::string const & rest);
+    void Unlock(std::string const & rest);
+    void Hide(std::string const & rest);
+    void Unhide(std::string const & rest);
+    void Protect(std::string const & rest);
+    void Unprotect(std::string const & rest);
+    void Find(std::string const & rest);
+    void Replace(std::string const & rest);
     void SetLocale(std::string const & rest);
     void Load(std::string const & rest);
     void Save(std::string const & rest);

@@ -27,26 +27,33 @@ void AddCalc(CLI::App & app, std::function<int()> & run) {
                      "a locale tag, such as de-DE; the user's otherwise");
     calc->add_option("--set", options->set, "CELL=TEXT, entered after the load")
         ->allow_extra_args(false);
+    calc->add_option("--number-format", options->formats,
+                     "AREA=FORMAT, such as B2:B9=#,##0.00 or C1=percent:1")
+        ->allow_extra_args(false);
     calc->add_option("-o,--output", options->output, "the file to write; - is standard output")
         ->capture_default_str();
     calc->callback([&run, options] { run = [options] { return cells::app::Calc(*options); }; });
 }
 
 void AddEval(CLI::App & app, std::function<int()> & run) {
-    struct Options {
-        std::string locale;
-        std::vector<std::string> set, texts;
-    };
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<cells::app::EvalOptions>();
     CLI::App * eval =
         app.add_subcommand("eval", "Enter each text into a cell and print what the cell shows");
     eval->add_option("TEXT", options->texts, "what a user would type, such as =1+2")->required();
     eval->add_option("--set", options->set, "CELL=TEXT, entered before")->allow_extra_args(false);
     eval->add_option("--locale", options->locale,
                      "a locale tag, such as de-DE; the user's otherwise");
-    eval->callback([&run, options] {
-        run = [options] { return cells::app::Eval(options->locale, options->set, options->texts); };
-    });
+    eval->add_option("--format-string", options->format,
+                     "a number format for the results: a name or a custom text");
+    eval->callback([&run, options] { run = [options] { return cells::app::Eval(*options); }; });
+}
+
+void AddFormats(CLI::App & app, std::function<int()> & run) {
+    auto locale = std::make_shared<std::string>();
+    CLI::App * formats =
+        app.add_subcommand("formats", "The built-in number formats, with an example each");
+    formats->add_option("--locale", *locale, "a locale tag, such as de-DE; the user's otherwise");
+    formats->callback([&run, locale] { run = [locale] { return cells::app::Formats(*locale); }; });
 }
 
 void AddRepl(CLI::App & app, std::function<int()> & run) {
@@ -92,6 +99,7 @@ int main(int argc, char ** argv) {
     std::function<int()> run;
     AddCalc(app, run);
     AddEval(app, run);
+    AddFormats(app, run);
     AddRepl(app, run);
     AddTest(app, run);
     AddFunctions(app, run);

@@ -54,7 +54,7 @@ void Work(Sheet & sheet) {
     sheet.Enter("C4", "={1,2;3,4}+MAX(A1:A20)");
     sheet.Enter("C5", "=C5");
     sheet.Enter("C5", "=((1");
-    sheet.SetFormat({2, 0}, 2, 2);
+    sheet.SetNumberFormat(*cells::host::ParseArea("C1:D9"), "$0.00;-0.00");
     sheet.Recalculate();
     sheet.Enter("A1", "11");
     sheet.Recalculate();
@@ -64,7 +64,7 @@ bool IsRight(Sheet & sheet) {
     // 1 to 20 with 11 for 1 is 220; half of it again makes 330.
     return sheet.Text("C1") == "$330.00" && sheet.Text("C2") == "high!" &&
            sheet.Text("C3") == "'a text that is longer than a short one" &&
-           sheet.Text("C4") == "30" && sheet.Text("C5") == "=((1" &&
+           sheet.Text("C4") == "$30.00" && sheet.Text("C5") == "=((1" &&
            sheet.CheckInvariants().empty();
 }
 

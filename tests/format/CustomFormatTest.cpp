@@ -3,8 +3,9 @@
 #include "format/CExcelNumberFormat.h"
 #include "format/DateSerial.h"
 #include "format/FormatTables.h"
+#include "format/International.h"
 #include "format/LTStrings.h"
-#include "platform/Digits.h"
+#include "platform/Services.h"
 #include "platform/Utf.h"
 
 #include <gtest/gtest.h>
@@ -378,3 +379,44 @@ TEST(FormatAlgebra, HasItsLaws) {
         RC_ASSERT(merged.GetSetMask() == a.GetSetMask()); // without a mask only the type comes over
     }));
 }
+
+#if CVCELLS_WITH_ICU
+
+// The built-in formats follow the user's locale.
+TEST(BuiltInFormats, TakeCurrencyAndSeparatorsAsText) {
+    struct {
+        wchar_t const * tag;
+        int index;
+        char const * text;
+        double value;
+        char const * printed;
+    } const rows[] = {
+        {L"C", 5, "$#,##0;($#,##0)", -5, "($5)"},
+        {L"C", 8, "$#,##0.00;[Red]($#,##0.00)", -5, "($5.00)"},
+        {L"C", 12, "#\" \"?/?", 1.5, "1 1/2"},
+        {L"C", 22, "M/d/yyyy h:mm", 46085 + 13.75 / 24, "3/5/2026 13:45"},
+        {L"C", 49, "[h]:mm:ss", 1.5, "36:00:00"},
+        {L"C", 30, "Unknown", 5, "Unknown"},
+        {L"de-CH", 5, "\"CHF\" #,##0;\"CHF\"-#,##0", 5, "CHF 5"},
+        {L"de-CH", 5, "\"CHF\" #,##0;\"CHF\"-#,##0", -5, "CHF-5"},
+        {L"de-DE", 7, "#,##0.00 \u20AC;-#,##0.00 \u20AC", -1234.5, "-1.234,50 \u20AC"},
+        {L"de-DE", 14, "dd.MM.yyyy", 46085, "05.03.2026"},
+        {L"da-DK", 20, "h\\.mm", 13.75 / 24, "13.45"},
+        {L"da-DK", 5, "#,##0 \"kr.\";-#,##0 \"kr.\"", 5, "5 kr."},
+        {L"sv-SE", 14, "yyyy-MM-dd", 46085, "2026-03-05"},
+    };
+    auto & hook = cells::PlatformServices().localeName;
+    auto const before = hook;
+    for (auto const & row : rows) {
+        hook = [&] { return CString(row.tag); };
+        InitInternationalSettings();
+        SCOPED_TRACE(cells::ToUtf8(CString(row.tag)) + " " + std::to_string(row.index));
+        EXPECT_EQ(cells::ToUtf8(getBuiltInNumberFormat(row.index)), row.text);
+        EXPECT_EQ(Printed(Custom(getBuiltInNumberFormat(row.index)), row.value, cells::user_LCTX()),
+                  row.printed);
+    }
+    hook = before;
+    InitInternationalSettings();
+}
+
+#endif

@@ -147,10 +147,10 @@ TEST(Sheet, NamesFollowTheirRedefinition) {
 TEST(Sheet, FormatsShowTheNumberTheirWay) {
     Sheet sheet("C");
     sheet.Enter("A1", "0.125");
-    sheet.SetFormat({0, 0}, 3, 1);
+    sheet.SetNumberFormat(*cells::host::ParseArea("A1"), "percent:1");
     EXPECT_EQ(sheet.Text("A1"), "12.5%");
     EXPECT_EQ(sheet.Get("A1").number, 0.125);
-    sheet.SetFormat({0, 0}, 1, 2);
+    sheet.SetNumberFormat(*cells::host::ParseArea("A1"), "number:2");
     EXPECT_EQ(sheet.Text("A1"), "0.13");
 }
 

@@ -1,0 +1,50 @@
+// The examples of the documentation, run.
+#include "host/Sheet.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+using cells::host::Sheet;
+
+namespace {
+
+// The cells of a row of a table; none for any other line. Backquotes are taken off.
+std::vector<std::string> TableCells(std::string const & line) {
+    std::vector<std::string> cells;
+    if (line.empty() || line.front() != '|') return cells;
+    for (std::size_t start = 2; start < line.size();) {
+        std::size_t const end = line.find(" |", start);
+        if (end == std::string::npos) return {};
+        std::string cell = line.substr(start, end - start);
+        if (cell.size() >= 2 && cell.front() == '`' && cell.back() == '`')
+            cell = cell.substr(1, cell.size() - 2);
+        cells.push_back(cell);
+        start = end + 3;
+    }
+    return cells;
+}
+
+} // namespace
+
+TEST(NumberFormatsPage, ShowsWhatTheEngineShows) {
+    std::ifstream page(CVCELLS_TESTS_FOLDER "/../docs/number-formats.md");
+    ASSERT_TRUE(page);
+    int examples = 0;
+    bool inExamples = false;
+    for (std::string line; std::getline(page, line);) {
+        std::vector<std::string> const cells = TableCells(line);
+        if (line.rfind("|-", 0) == 0) continue;
+        if (cells.empty()) inExamples = false;
+        if (inExamples && cells.size() == 3) {
+            Sheet sheet("C");
+            sheet.SetNumberFormat(*cells::host::ParseArea("A1"), cells[0]);
+            sheet.Enter("A1", cells[1]);
+            EXPECT_EQ(sheet.Text("A1"), cells[2]) << line;
+            ++examples;
+        }
+        if (cells == std::vector<std::string>{"Format", "Number", "Shows"}) inExamples = true;
+    }
+    EXPECT_GT(examples, 45);
+}
