@@ -79,6 +79,14 @@ TEST(IcuLocales, GiveTheirFacts) {
         {L"sv-SE", ',', 0xA0, ';', '\\', 3, 8, L"yyyy-MM-dd", 1, 0, 46},
         {L"ja-JP", '.', ',', ',', ';', 0, 1, L"yyyy/MM/dd", 1, 0, 81},
         {L"de-CH", '.', 0x2019, ',', ';', 2, 2, L"dd.MM.yyyy", 0, 2, 41},
+        {L"en-GB", '.', ',', ',', ';', 0, 1, L"dd/MM/yyyy", 0, 2, 44},
+        {L"pl-PL", ',', 0xA0, ';', '\\', 3, 8, L"d.MM.yyyy", 0, 2, 48},
+        {L"cs-CZ", ',', 0xA0, ';', '\\', 3, 8, L"dd.MM.yyyy", 0, 2, 420},
+        {L"hi-IN", '.', ',', ',', ';', 0, 1, L"d/M/yyyy", 0, 2, 91},
+        {L"ar-EG", '.', ',', ',', ';', 3, 8, L"d/M/yyyy", 0, 2, 20},
+        {L"pt-BR", ',', '.', ';', '\\', 2, 9, L"dd/MM/yyyy", 0, 2, 55},
+        {L"bg-BG", ',', 0xA0, ';', '\\', 3, 8, L"d.MM.yyyy", 0, 2, 359},
+        {L"invariant", '.', ',', ',', ';', 0, 0, L"M/d/yyyy", 1, 1, 1},
     };
     for (LocaleRow const & row : rows) {
         cells::LCTX const l = Context(row.tag);
