@@ -150,20 +150,28 @@ bool TakeSign(cells::LCTX * lctx, wchar_t const *& text, bool & negative) {
     return negative || _StrIIComp(lctx, text, lctx->positiveSign());
 }
 
+bool TakeExactly(wchar_t const *& text, wchar_t const * word) {
+    wchar_t const * at = text;
+    for (; *word; ++word, ++at)
+        if (*at != *word) return false;
+    text = at;
+    return true;
+}
+
 // Sign, currency and number in any order, each once; currency and number are needed.
 bool TakeMoney(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value, int signs) {
-    CString const currency(lctx->currencyString());
+    wchar_t const * const currency = lctx->currencyString();
+    if (!*currency) return false;
     wchar_t const * at = text;
-    bool sign = !signs, negative = false, money = currency.IsEmpty(), number = false;
+    bool sign = !signs, negative = false, money = false, number = false;
     CCCellValue found;
     for (;;) {
         wchar_t const * next = at;
         _EatWhite(lctx, next);
         if (!sign && TakeSign(lctx, next, negative)) {
             sign = true;
-        } else if (!money && CString(next, currency.GetLength()) == currency) {
+        } else if (!money && TakeExactly(next, currency)) {
             money = true;
-            next += currency.GetLength();
         } else if (!number && _EatNumberValue(lctx, next, found, 1)) {
             number = true;
         } else {
@@ -171,7 +179,7 @@ bool TakeMoney(cells::LCTX * lctx, wchar_t const *& text, CCCellValue & value, i
         }
         at = next;
     }
-    if (!money || !number || currency.IsEmpty()) return false;
+    if (!money || !number) return false;
     found.Set(negative ? -found.GetNumber() : found.GetNumber(), uchar(C_NF_CURRENCY));
     value.Set(found);
     text = at;
