@@ -71,6 +71,44 @@ void Grid::ReadPage(Page const & page, std::uint64_t rows, NumberSink & sink) {
     sink.Take(numbers, count);
 }
 
+std::optional<Place> Grid::FindNumberIn(Area const & area, double number) const {
+    std::optional<Place> found;
+    ForEachBand(area, [&](int pageRow) {
+        if (found) return;
+        std::uint64_t const rows = RowsIn(area, pageRow);
+        for (int column = area.first.column; column <= area.last.column; ++column) {
+            Page const * const page = FindPage(column, pageRow);
+            if (!page) continue;
+            // Only a place before the best one of this band can take over.
+            for (std::uint64_t left = (page->numberMask | page->cellMask) & rows; left;
+                 left &= left - 1) {
+                int const slot = std::countr_zero(left);
+                if (found && pageRow + slot >= found->row) break;
+                double value;
+                if (!NumberAt(*page, std::size_t(slot), value) || value != number) continue;
+                found = Place{column, pageRow + slot};
+                break;
+            }
+        }
+    });
+    return found;
+}
+
+std::size_t Grid::CountValues(Area const & area) const {
+    std::size_t count = 0;
+    ForEachBand(area, [&](int pageRow) {
+        std::uint64_t const rows = RowsIn(area, pageRow);
+        for (int column = area.first.column; column <= area.last.column; ++column) {
+            Page const * const page = FindPage(column, pageRow);
+            if (!page) continue;
+            count += std::size_t(std::popcount(page->numberMask & rows));
+            for (std::uint64_t left = page->cellMask & rows; left; left &= left - 1)
+                count += !(*page->cells)[std::size_t(std::countr_zero(left))]->IsValueEmpty();
+        }
+    });
+    return count;
+}
+
 void Grid::ReadColumn(Area const & area, NumberSink & sink) const {
     ForEachBand(area, [&](int pageRow) {
         ReadPage(*FindPage(area.first.column, pageRow), RowsIn(area, pageRow), sink);

@@ -15,6 +15,7 @@
 #include <bit>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace cells::host {
 
@@ -65,6 +66,11 @@ public:
 
     // Gives every number of the area to the sink, row by row.
     void ReadNumbers(Area const & area, NumberSink & sink) const;
+
+    // The first place of the area, row by row, whose number is this one.
+    std::optional<Place> FindNumberIn(Area const & area, double number) const;
+    // How many places of the area hold a value.
+    std::size_t CountValues(Area const & area) const;
 
     // Calls visit(place) for every place with a number or a cell object, row by row.
     template <typename Visit>

@@ -144,6 +144,21 @@ int SheetManager::ReadNumbers(CCRef const * ref, NumberSink & sink) {
     return 1;
 }
 
+int SheetManager::FindNumber(CCRef const * ref, double number, CCCellValue & value) {
+    CCRef const * const target = Target(ref);
+    if (!target || target->GetType() != kRefRegion) return 0;
+    auto const place = m_Grid.FindNumberIn(AreaOf(RegionOf(target)), number);
+    if (place) ReadPlace(*place, value);
+    return place.has_value();
+}
+
+int SheetManager::CountOccupied(CCRef const * ref, double & count) {
+    CCRef const * const target = Target(ref);
+    if (!target || target->GetType() != kRefRegion) return 0;
+    count = double(m_Grid.CountValues(AreaOf(RegionOf(target))));
+    return 1;
+}
+
 bool SheetManager::TryPutNumber(Place place, CCCellValue const & value) {
     std::uint32_t format;
     uchar const type = value.GetFormat().GetType();

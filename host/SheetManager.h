@@ -83,6 +83,8 @@ public:
     CCRefList * LoadDependencies(CCRef const * ref) override;
     int ReadsCellsDirectly() const override { return 1; }
     int ReadNumbers(CCRef const * ref, NumberSink & sink) override;
+    int FindNumber(CCRef const * ref, double number, CCCellValue & value) override;
+    int CountOccupied(CCRef const * ref, double & count) override;
 
 private:
     struct Name {

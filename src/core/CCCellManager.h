@@ -195,6 +195,10 @@ public:
     // Gives the numbers of a range to the sink, in walking order, and skips everything else: what
     // a walk over the values would find. 0 when the host does not serve the range in this way.
     virtual int ReadNumbers(CCRef const *, cells::NumberSink &) { return 0; }
+    // The first cell of a range, in walking order, whose number is exactly this one; and how many
+    // of its cells are not blank. 0 when the host does not serve the range in this way.
+    virtual int FindNumber(CCRef const *, double, CCCellValue &) { return 0; }
+    virtual int CountOccupied(CCRef const *, double &) { return 0; }
 
     int GetCurRecalcCount() const { return m_RecalcList.GetCount(); }
     int GetCurProcessCount() const { return m_ProcessList.GetCount(); }

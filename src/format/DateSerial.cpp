@@ -4,6 +4,7 @@
 #include "platform/Digits.h"
 
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
@@ -60,14 +61,15 @@ double DateToDouble(int day, int month, int year) {
 }
 
 void DoubleToDate(double serial, int & day, int & month, int & year) {
-    int v = cells::ToInt32(std::floor(std::fabs(serial)));
-    int const s = v == 0 ? 0 : 1;
-    year = 4 * ((v - s) / kDaysInFourYears + 475) + (v - s) % kDaysInFourYears / 365;
-    v -= (year - cells::kFirstYear) * 365;
+    // Wider than what it holds, so that numbers beyond the calendar overflow nowhere.
+    std::int64_t v = cells::ToInt32(std::floor(std::fabs(serial)));
+    std::int64_t const s = v == 0 ? 0 : 1;
+    year = int(4 * ((v - s) / kDaysInFourYears + 475) + (v - s) % kDaysInFourYears / 365);
+    v -= (std::int64_t(year) - cells::kFirstYear) * 365;
     if (year > cells::kFirstYear) v -= (year - cells::kFirstYear - 1) / 4 + 1;
     month = 12;
     while (month > 1 && v < MonthStart(month, year)) --month;
-    day = v - MonthStart(month, year) + 1;
+    day = int(v - MonthStart(month, year) + 1);
 }
 
 double TimeToDouble(int hour, int minute, int second, int mode) {

@@ -2,7 +2,10 @@
 #pragma once
 
 #include "core/CCCellValue.h"
+#include "formula/CCFunc.h"
 #include "formula/FormulaList.h"
+
+#include <utility>
 
 namespace cells::internal {
 
@@ -21,6 +24,43 @@ bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count,
 // Writes the error of a status, or the number in its class; classes 1 to 4 show whole numbers
 // without decimals and others with the locale's.
 void SetStatusResult(CTX * ctx, Status status, CCCellValue & result, double number, uchar type);
+
+// What a function of numbers gives: a number, or why there is none.
+struct Outcome {
+    Outcome(double n) : number(n) {}
+    Outcome(Status s) : status(s) {}
+    double number = 0;
+    Status status = Status::kDone;
+};
+
+// The eval function of `Compute`, an Outcome of one or more doubles: each argument must be a
+// number, else the call is error 3.
+template <auto Compute>
+struct NumberFunction;
+
+template <typename... Numbers, Outcome (*Compute)(Numbers...)>
+struct NumberFunction<Compute> {
+    static void Eval(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                     CCRef const * current) {
+        double x[sizeof...(Numbers)];
+        if (!GetNumbers(ctx, result, x, int(sizeof...(Numbers)), args, current))
+            return result.Set(errValue);
+        Outcome const outcome = Call(x, std::index_sequence_for<Numbers...>());
+        SetStatusResult(ctx, outcome.status, result, outcome.number, C_NF_GENERAL);
+    }
+
+private:
+    template <std::size_t... I>
+    static Outcome Call(double const * x, std::index_sequence<I...>) {
+        return Compute(x[I]...);
+    }
+};
+
+template <auto Compute>
+constexpr EvalFn OfNumbers = &NumberFunction<Compute>::Eval;
+
+// Steps of a loop that a cell's number drives; a call that needs more is error 3.
+constexpr int kStepBudget = 100'000'000;
 
 inline void SetTruth(CCCellValue & result, bool truth) {
     result.Set(truth ? 1.0 : 0.0, uchar(C_NF_BOOL));

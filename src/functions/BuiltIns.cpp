@@ -41,8 +41,9 @@ struct Functions {
 
     Functions() {
         for (FunctionFamily const & family :
-             {Mathematics(), Trigonometry(), Logic(), Statistics(), DatesAndTimes(), Texts(),
-              Finance(), Lookup(), Information(), RemoteData(), DocumentFacts()})
+             {Mathematics(), Integers(), Sums(), Trigonometry(), Logic(), Statistics(),
+              OrderStatistics(), Regression(), Distributions(), DatesAndTimes(), Texts(), Finance(),
+              Lookup(), Information(), RemoteData(), DocumentFacts()})
             for (std::size_t i = 0; i < family.count; ++i) Add(family.rows[i], family.category);
     }
 
@@ -62,6 +63,12 @@ wchar_t const * EnglishString(unsigned int id) {
     return found == All().strings.end() ? nullptr : found->second.c_str();
 }
 
+Functions::Entry const * FindEntry(unsigned int id) {
+    for (Functions::Entry const & entry : All().entries)
+        if (entry.row->id == id) return &entry;
+    return nullptr;
+}
+
 void SeedFromClock() {
     LocalTime const now = Now();
     SeedRandom(unsigned(now.second +
@@ -70,6 +77,17 @@ void SeedFromClock() {
 }
 
 } // namespace
+
+CCFunc * FindFunctionObject(unsigned int id) {
+    Functions::Entry const * const entry = FindEntry(id);
+    return entry ? entry->func.get() : nullptr;
+}
+
+FunctionRow const * FindFunctionRow(unsigned int id) {
+    Functions::Entry const * const entry = FindEntry(id);
+    return entry ? entry->row : nullptr;
+}
+
 } // namespace cells::internal
 
 void InitBuiltinFunctions() {

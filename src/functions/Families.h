@@ -11,10 +11,27 @@
 namespace cells::internal {
 
 struct FunctionRow {
+    // A name whose body has not come yet.
+    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, wchar_t const * d)
+        : id(i), name(n), arguments(a), description(d) {}
+    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, wchar_t const * d,
+                          CheckFn c, EvalFn e, EFuncType t = kPlainFunc, ChoiceFn ch = nullptr,
+                          bool r = true)
+        : id(i), name(n), arguments(a), description(d), check(c), eval(e), type(t), choice(ch),
+          reachable(r) {}
+    // With an example and what a cell shows for it.
+    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, wchar_t const * d,
+                          wchar_t const * x, wchar_t const * s, CheckFn c, EvalFn e,
+                          EFuncType t = kPlainFunc, ChoiceFn ch = nullptr)
+        : id(i), name(n), arguments(a), description(d), example(x), shows(s), check(c), eval(e),
+          type(t), choice(ch) {}
+
     unsigned int id; // its string resource
     wchar_t const * name;
     wchar_t const * arguments;   // separated by "; "; "..." marks a repeated one
     wchar_t const * description; // one line
+    wchar_t const * example = nullptr;
+    wchar_t const * shows = nullptr;
     CheckFn check = nullptr;
     EvalFn eval = nullptr;
     EFuncType type = kPlainFunc;
@@ -22,23 +39,34 @@ struct FunctionRow {
     bool reachable = true;     // false: the object exists, but no name leads to it
 };
 
+// The object of a function by its string resource, also of one that no name leads to; null for no
+// function.
+CVCELLS_API CCFunc * FindFunctionObject(unsigned int id);
+// The row of a function, or null.
+CVCELLS_API FunctionRow const * FindFunctionRow(unsigned int id);
+
 struct FunctionFamily {
     uchar category;
     FunctionRow const * rows;
     std::size_t count;
 };
 
-FunctionFamily Mathematics();   // 1
-FunctionFamily Trigonometry();  // 2
-FunctionFamily Logic();         // 3
-FunctionFamily Statistics();    // 4
-FunctionFamily DatesAndTimes(); // 5
-FunctionFamily Texts();         // 6
-FunctionFamily Finance();       // 7
-FunctionFamily Lookup();        // 8
-FunctionFamily Information();   // 9
-FunctionFamily RemoteData();    // 10
-FunctionFamily DocumentFacts(); // 11
+FunctionFamily Mathematics();     // 1
+FunctionFamily Integers();        // 1
+FunctionFamily Sums();            // 1
+FunctionFamily Trigonometry();    // 2
+FunctionFamily Logic();           // 3
+FunctionFamily Statistics();      // 4
+FunctionFamily OrderStatistics(); // 4
+FunctionFamily Regression();      // 4
+FunctionFamily Distributions();   // 4
+FunctionFamily DatesAndTimes();   // 5
+FunctionFamily Texts();           // 6
+FunctionFamily Finance();         // 7
+FunctionFamily Lookup();          // 8
+FunctionFamily Information();     // 9
+FunctionFamily RemoteData();      // 10
+FunctionFamily DocumentFacts();   // 11
 
 template <std::size_t N>
 FunctionFamily MakeFamily(uchar category, FunctionRow const (&rows)[N]) {

@@ -135,6 +135,33 @@ Status ListStats(CTX * ctx, CCFormulaList const * args, CCRef const * current,
     return Status::kDone;
 }
 
+Status FirstArgStats(CTX * ctx, CCFormulaList const * args, CCRef const * current,
+                     NumberStats & stats) {
+    StatsSink sink;
+    if (!args) return Status::kDone;
+    Status const status = ForEachNumberOf(ctx, args->formula, current, sink);
+    stats = sink.stats;
+    return status;
+}
+
+Status PairStats(CTX * ctx, CCFormula * first, CCFormula * second, CCRef const * current,
+                 PairSums & sums) {
+    auto const numberOf = [](CCCellValue const & value) {
+        return value.IsNumber() ? value.GetNumber() : 0.0;
+    };
+    return TryEachPair(ctx, first, second, current, Status::kBadReference,
+                       [&](CCCellValue const & x, CCCellValue const & y) {
+                           double const a = numberOf(x), b = numberOf(y);
+                           sums.n += 1;
+                           sums.sa += a;
+                           sums.saa += a * a;
+                           sums.sb += b;
+                           sums.sbb += b * b;
+                           sums.sab += a * b;
+                           return Status::kDone;
+                       });
+}
+
 Status CollectDoubles(CTX * ctx, CCFormulaList const * args, CCRef const * current,
                       std::vector<double> & out) {
     out.clear();

@@ -1,18 +1,146 @@
-// Descriptive statistics and distributions.
+// Means, spreads, extremes and counts.
+#include "core/CCCellManager.h"
+#include "core/Context.h"
+#include "formula/CCRefFormula.h"
+#include "functions/Criteria.h"
 #include "functions/Families.h"
 #include "functions/Operators.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
 
+#include <cmath>
+
 namespace cells::internal {
 namespace {
 
-void EvalAverage(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
-                 CCRef const * current) {
+// What a formula over count, sum and sum of squares gives.
+using StatsFormula = Outcome (*)(NumberStats const & s);
+
+template <StatsFormula Formula>
+void OfStats(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     NumberStats stats;
     Status const status = ListStats(ctx, args, current, stats);
-    SetStatusResult(ctx, status, result, stats.count == 0 ? 0 : stats.sum / stats.count,
-                    C_NF_GENERAL);
+    Outcome const outcome = status == Status::kDone ? Formula(stats) : Outcome(status);
+    SetStatusResult(ctx, outcome.status, result, outcome.number, C_NF_GENERAL);
+}
+
+// The spreads differ in their formulas, in how few numbers they take and in what they guard. Each
+// has its own body, since their roundings differ too.
+
+Outcome Average(NumberStats const & s) { return s.count == 0 ? 0 : s.sum / s.count; }
+
+Outcome Count(NumberStats const & s) { return s.count; }
+
+Outcome Variance(NumberStats const & s) {
+    if (s.count < 2) return Status::kDivisionByZero;
+    return (s.sumSquares - s.sum * s.sum / s.count) / (s.count - 1);
+}
+
+// A single number is refused, although the formula would give 0.
+Outcome VarianceP(NumberStats const & s) {
+    if (s.count < 2) return Status::kDivisionByZero;
+    return (s.count * s.sumSquares - s.sum * s.sum) / (s.count * s.count);
+}
+
+Outcome Std(NumberStats const & s) {
+    if (s.count < 2) return Status::kDivisionByZero;
+    double const variance = (s.sumSquares - s.sum * s.sum / s.count) / (s.count - 1);
+    if (variance < 0) return Status::kBadValue;
+    return std::sqrt(variance);
+}
+
+Outcome StDev(NumberStats const & s) {
+    if (s.count < 2) return Status::kDivisionByZero;
+    return std::sqrt((s.count * s.sumSquares - s.sum * s.sum) / ((s.count - 1) * s.count));
+}
+
+Outcome StDevP(NumberStats const & s) {
+    if (s.count == 0) return Status::kDivisionByZero;
+    return std::sqrt((s.count * s.sumSquares - s.sum * s.sum) / (s.count * s.count));
+}
+
+Outcome DevSq(NumberStats const & s) {
+    if (s.count == 0) return Status::kDivisionByZero;
+    return s.sumSquares - s.sum * s.sum / s.count;
+}
+
+// A text or error that the first walk skipped ends the second.
+void EvalAveDev(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                CCRef const * current) {
+    NumberStats stats;
+    Status status = ListStats(ctx, args, current, stats);
+    double const n = stats.count, mean = n == 0 ? 0 : stats.sum / n;
+    double total = 0;
+    if (status == Status::kDone)
+        status = TryEachNumber(ctx, args, current, [&](double x) {
+            total += std::fabs(x - mean);
+            return Status::kDone;
+        });
+    SetStatusResult(ctx, status, result, n == 0 ? 0 : total / n, C_NF_GENERAL);
+}
+
+// The sum of the powers of the deviations, in units of the standard deviation.
+struct MomentSink final : NumberSink {
+    MomentSink(double m, double s, int p) : mean(m), deviation(s), power(p) {}
+    double mean, deviation;
+    int power;
+    double total = 0;
+    void Take(double const * numbers, std::size_t count) override {
+        for (std::size_t i = 0; i < count; ++i)
+            total += std::pow((numbers[i] - mean) / deviation, power);
+    }
+};
+
+void EvalSkew(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    NumberStats s;
+    Status status = ListStats(ctx, args, current, s);
+    double const n = s.count;
+    if (status == Status::kDone && n < 3) status = Status::kBadValue;
+    if (status != Status::kDone) return SetStatusResult(ctx, status, result, 0, C_NF_GENERAL);
+    MomentSink sink(s.sum / n, std::sqrt((s.sumSquares - s.sum * s.sum / n) / (n - 1)), 3);
+    status = ForEachNumber(ctx, args, current, sink);
+    SetStatusResult(ctx, status, result, sink.total * (n / ((n - 2) * (n - 1))), C_NF_GENERAL);
+}
+
+void EvalKurt(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    NumberStats s;
+    Status status = ListStats(ctx, args, current, s);
+    double const n = s.count;
+    if (status == Status::kDone && n < 4) status = Status::kBadValue;
+    if (status != Status::kDone) return SetStatusResult(ctx, status, result, 0, C_NF_GENERAL);
+    double const deviation = std::sqrt((n * s.sumSquares - s.sum * s.sum) / ((n - 1) * n));
+    MomentSink sink(s.sum / n, deviation, 4);
+    status = ForEachNumber(ctx, args, current, sink);
+    double const kurtosis = sink.total * n * (n + 1) / ((n - 2) * (n - 1) * (n - 3)) -
+                            3 * ((n - 1) * (n - 1)) / ((n - 2) * (n - 3));
+    SetStatusResult(ctx, status, result, kurtosis, C_NF_GENERAL);
+}
+
+// The product is kept as it is and may overflow.
+void EvalGeoMean(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                 CCRef const * current) {
+    double product = 1, n = 0;
+    Status status = TryEachNumber(ctx, args, current, [&](double x) {
+        if (!(x > 0)) return Status::kBadValue;
+        product *= x;
+        ++n;
+        return Status::kDone;
+    });
+    if (status == Status::kDone && n == 0) status = Status::kBadValue;
+    SetStatusResult(ctx, status, result, std::pow(product, 1 / n), C_NF_GENERAL);
+}
+
+void EvalHarMean(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                 CCRef const * current) {
+    double sum = 0, n = 0;
+    Status const status = TryEachNumber(ctx, args, current, [&](double x) {
+        if (x == 0) return Status::kDivisionByZero;
+        if (!(x > 0)) return Status::kBadValue;
+        sum += 1 / x;
+        ++n;
+        return Status::kDone;
+    });
+    SetStatusResult(ctx, status, result, n == 0 ? 0 : n / sum, C_NF_GENERAL);
 }
 
 // Whether `value` beats the winner so far: a number beats a text, and within a kind the better one.
@@ -24,105 +152,121 @@ bool Beats(CCCellValue const & value, CCCellValue const & winner) {
     return Code == kGreater ? order > 0 : order < 0;
 }
 
+// The best number of a walk.
+template <int Code>
+struct WinnerSink final : NumberSink {
+    double best = 0;
+    bool any = false;
+    void Take(double const * numbers, std::size_t count) override {
+        double winner = best;
+        std::size_t i = 0;
+        if (!any && count > 0) winner = numbers[i++];
+        any = any || count > 0;
+        for (; i < count; ++i)
+            if (Code == kGreater ? numbers[i] > winner : numbers[i] < winner) winner = numbers[i];
+        best = winner;
+    }
+};
+
+// A range that the host reads in bulk: its best number first, then the cell that holds it first,
+// which gives the format. False where there is no such way or no number.
+template <int Code>
+bool FindWinner(CTX * ctx, CCFormula const * formula, CCCellValue & value) {
+    CCRef const * const ref = formula->GetType() == kRefFormula
+                                  ? static_cast<CCRefFormula const *>(formula)->GetRef()
+                                  : nullptr;
+    CCCellManager * const manager = ctx->manager();
+    WinnerSink<Code> sink;
+    return ref && manager && ref->GetType() == kRefRegion && manager->ReadNumbers(ref, sink) &&
+           sink.any && manager->FindNumber(ref, sink.best, value);
+}
+
 // MAX and MIN keep the winner as a value, with its format.
 template <int Code>
 void EvalWinner(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                 CCRef const * current) {
-    CCCellValue winner;
-    bool const done = ForEachValue(ctx, args, current, [&](CCCellValue const & value) {
-        if ((value.IsNumber() || value.IsText()) && Beats<Code>(value, winner)) winner.Set(value);
-    });
-    if (!done) return result.Set(errRef);
+    CCCellValue winner, value;
+    auto const compete = [&](CCCellValue const & candidate) {
+        bool const counts = candidate.IsNumber() || candidate.IsText();
+        if (counts && Beats<Code>(candidate, winner)) winner.Set(candidate);
+    };
+    for (; args; args = args->next) {
+        if (FindWinner<Code>(ctx, args->formula, value)) {
+            compete(value);
+            continue;
+        }
+        CCFormulaList const only{args->formula, nullptr};
+        if (!ForEachValue(ctx, &only, current, compete)) return result.Set(errRef);
+    }
     if (winner.IsEmpty())
         result.Set(0.0, uchar(C_NF_GENERAL));
     else
         result.Set(winner);
 }
 
+// Everything but blanks, text and errors too.
 void EvalCount(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     double count = 0;
-    bool const done = ForEachValue(ctx, args, current,
-                                   [&](CCCellValue const & value) { count += !value.IsEmpty(); });
-    SetStatusResult(ctx, done ? Status::kDone : Status::kBadReference, result, count, C_NF_GENERAL);
+    for (; args; args = args->next) {
+        CCRef const * const ref = args->formula->GetType() == kRefFormula
+                                      ? static_cast<CCRefFormula *>(args->formula)->GetRef()
+                                      : nullptr;
+        double occupied;
+        if (ref && ctx->manager() && ctx->manager()->CountOccupied(ref, occupied)) {
+            count += occupied;
+            continue;
+        }
+        CCFormulaList const only{args->formula, nullptr};
+        bool const done = ForEachValue(
+            ctx, &only, current, [&](CCCellValue const & value) { count += !value.IsEmpty(); });
+        if (!done) return result.Set(errRef);
+    }
+    result.Set(count, uchar(C_NF_GENERAL));
 }
 
-void EvalCountNumbers(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
-                      CCRef const * current) {
-    NumberStats stats;
-    Status const status = ListStats(ctx, args, current, stats);
-    SetStatusResult(ctx, status, result, stats.count, C_NF_GENERAL);
+int CountIfShape(CTX * ctx, CCFormulaList const * args, CCRef const * current) {
+    if (!FormulaListHasItems(args, 2)) return 0;
+    while (args->next) args = args->next;
+    return AreSingle(ctx, args, current, 1);
 }
 
 constexpr FunctionRow kRows[] = {
-    {13102, L"AVEDEV", L"value...", L"Mean distance of numbers from their mean."},
-    {13103, L"AVERAGE", L"value...", L"Mean of the numbers, 0 when there is none.", AtLeast<0>,
-     EvalAverage},
-    {13104, L"AVG", L"value...", L"Mean of the numbers, the same as AVERAGE.", AtLeast<0>,
-     EvalAverage},
-    {13105, L"BINOMDIST", L"successes; trials; probability; cumulative",
-     L"Binomial probability, single or cumulative."},
-    {13106, L"COMB", L"items; chosen", L"Number of ways to choose without regard to order."},
-    {13107, L"CORREL", L"range 1; range 2",
-     L"Correlation from the covariance and the two variances."},
-    {13108, L"COUNT", L"value...", L"Number of values that are not blank.", AtLeast<0>, EvalCount},
-    {13109, L"COUNTN", L"value...", L"Number of values that are numbers.", AtLeast<0>,
-     EvalCountNumbers},
-    {13110, L"COVAR", L"range 1; range 2", L"Covariance of two ranges."},
-    {13111, L"DEVSQ", L"value...", L"Sum of squared distances from the mean."},
-    {13112, L"EXPONDIST", L"x; lambda; cumulative",
-     L"Exponential distribution, density or cumulative."},
-    {13113, L"FISHER", L"number", L"Fisher transformation."},
-    {13114, L"FISHERINV", L"number", L"Inverse of the Fisher transformation."},
-    {13115, L"FORECAST", L"x; known y; known x", L"Value at x on the line of best fit."},
-    {13116, L"GAMMADIST", L"x; alpha; beta", L"Gamma distribution, density."},
-    {13117, L"GAMMALN", L"number", L"Natural logarithm of the gamma function."},
-    {13118, L"GEOMEAN", L"value...", L"Geometric mean of positive numbers."},
-    {13119, L"HARMEAN", L"value...", L"Harmonic mean of positive numbers."},
-    {13120, L"HYPGEOMDIST", L"sample hits; sample size; hits; size",
-     L"Hypergeometric probability."},
-    {13121, L"INTERCEPT", L"known y; known x", L"Where the line of best fit meets the y axis."},
-    {13122, L"KURT", L"value...", L"Kurtosis of at least four numbers."},
-    {13123, L"LARGE", L"rank; value...", L"The number of a given rank counted from the largest."},
+    {13102, L"AVEDEV", L"value...", L"Mean distance of numbers from their mean.",
+     L"AVEDEV(2,4,6,8)", L"2", AtLeast<1>, EvalAveDev},
+    {13103, L"AVERAGE", L"value...", L"Mean of the numbers, 0 when there is none.",
+     L"AVERAGE(1,2,6)", L"3", AtLeast<0>, OfStats<Average>},
+    {13104, L"AVG", L"value...", L"Mean of the numbers, the same as AVERAGE.", L"AVG(1,2,6)", L"3",
+     AtLeast<0>, OfStats<Average>},
+    {13108, L"COUNT", L"value...", L"Number of values that are not blank.", L"COUNT(1,\"a\",1/0)",
+     L"3", AtLeast<0>, EvalCount},
+    {13109, L"COUNTN", L"value...", L"Number of values that are numbers.", L"COUNTN(1,\"a\",1/0)",
+     L"1", AtLeast<0>, OfStats<Count>},
+    {13111, L"DEVSQ", L"value...", L"Sum of squared distances from the mean.", L"DEVSQ(1,2,3)",
+     L"2", AtLeast<0>, OfStats<DevSq>},
+    {13118, L"GEOMEAN", L"value...", L"Geometric mean of positive numbers.", L"GEOMEAN(4,9)", L"6",
+     AtLeast<0>, EvalGeoMean},
+    {13119, L"HARMEAN", L"value...", L"Harmonic mean of positive numbers.", L"HARMEAN(2,6)", L"3",
+     AtLeast<0>, EvalHarMean},
+    {13122, L"KURT", L"value...", L"Kurtosis of at least four numbers.", L"KURT(1,2,3,4)", L"-1.2",
+     AtLeast<1>, EvalKurt},
     {13124, L"MAX", L"value...", L"Largest number, or last text when there is no number.",
-     AtLeast<1>, EvalWinner<kGreater>},
-    {13125, L"MEDIAN", L"value...", L"Middle number, or mean of the two middle ones."},
+     L"MAX(1,7,3)", L"7", AtLeast<1>, EvalWinner<kGreater>},
     {13126, L"MIN", L"value...", L"Smallest number, or first text when there is no number.",
-     AtLeast<1>, EvalWinner<kLess>},
-    {13127, L"MODE", L"value...", L"Most frequent number."},
-    {13128, L"NEGBINOMDIST", L"failures; successes; probability",
-     L"Negative binomial probability."},
-    {13129, L"NORMDIST", L"x; mean; deviation", L"Normal distribution, density."},
-    {13130, L"NORMSDIST", L"x", L"Standard normal distribution, density (not reachable by name).",
-     nullptr, nullptr, kPlainFunc, nullptr, false},
-    {13131, L"PEARSON", L"range 1; range 2", L"Pearson correlation of two ranges."},
-    {13132, L"PERCENTILE", L"share; range", L"Value below which a share of the numbers lies."},
-    {13133, L"PERCENTRANK", L"x; range", L"Rank of a value as a share of the numbers."},
-    {13134, L"PERM", L"items; chosen", L"Number of ordered arrangements."},
-    {13135, L"POISSON", L"x; mean; cumulative", L"Poisson probability, single or cumulative."},
-    {13136, L"PROB", L"values; probabilities; low; high",
-     L"Probability that a value lies between two limits."},
-    {13137, L"QUARTILE", L"quarter; range",
-     L"Minimum, quartile, median or maximum, by a number from 0 to 4."},
-    {13138, L"RANK", L"x; range; order", L"Position of a number among numbers."},
-    {13139, L"RSQ", L"range 1; range 2", L"Square of the Pearson correlation."},
-    {13140, L"SKEW", L"value...", L"Skewness of at least three numbers."},
-    {13141, L"SLOPE", L"known y; known x", L"Slope of the line of best fit."},
-    {13142, L"SMALL", L"rank; value...", L"The number of a given rank counted from the smallest."},
-    {13143, L"STANDARDIZE", L"x; mean; deviation", L"Distance from the mean in deviations."},
-    {13144, L"STD", L"value...", L"Standard deviation of a sample."},
-    {13145, L"STDEV", L"value...",
-     L"Standard deviation of a sample, by another rounding than STD."},
-    {13146, L"STDEVP", L"value...", L"Standard deviation of a whole population."},
-    {13147, L"STEYX", L"known y; known x", L"Standard error of the line of best fit."},
-    {13148, L"VAR", L"value...", L"Variance of a sample."},
-    {13149, L"VARP", L"value...", L"Variance of a population of at least two numbers."},
-    {13150, L"WAVG", L"values; weights", L"Weighted mean."},
-    {13151, L"WEIBULL", L"x; alpha; beta; cumulative",
-     L"Weibull distribution, density or cumulative."},
-    {13152, L"ZTEST", L"range; mean; deviation",
-     L"One minus the normal density of a mean (not reachable by name).", nullptr, nullptr,
-     kPlainFunc, nullptr, false},
-    {13290, L"COUNTIF", L"range...; criterion", L"Number of values that meet a criterion."},
+     L"MIN(4,2,3)", L"2", AtLeast<1>, EvalWinner<kLess>},
+    {13140, L"SKEW", L"value...", L"Skewness of at least three numbers.", L"SKEW(1,2,3)", L"0",
+     AtLeast<1>, EvalSkew},
+    {13144, L"STD", L"value...", L"Standard deviation of a sample.", L"STD(2,4,6)", L"2",
+     AtLeast<1>, OfStats<Std>},
+    {13145, L"STDEV", L"value...", L"Standard deviation of a sample, by another rounding than STD.",
+     L"STDEV(2,4,6)", L"2", AtLeast<0>, OfStats<StDev>},
+    {13146, L"STDEVP", L"value...", L"Standard deviation of a whole population.", L"STDEVP(2,4)",
+     L"1", AtLeast<0>, OfStats<StDevP>},
+    {13148, L"VAR", L"value...", L"Variance of a sample.", L"VAR(2,4,6)", L"4", AtLeast<1>,
+     OfStats<Variance>},
+    {13149, L"VARP", L"value...", L"Variance of a population of at least two numbers.",
+     L"VARP(2,4)", L"1", AtLeast<1>, OfStats<VarianceP>},
+    {13290, L"COUNTIF", L"range...; criterion", L"Number of values that meet a criterion.",
+     L"COUNTIF({1,2,3},\">1\")", L"2", CountIfShape, EvalCountIf},
 };
 
 } // namespace

@@ -48,3 +48,19 @@ TEST(NumberFormatsPage, ShowsWhatTheEngineShows) {
     }
     EXPECT_GT(examples, 45);
 }
+
+TEST(FunctionsPage, ShowsWhatTheEngineShows) {
+    std::ifstream page(CVCELLS_TESTS_FOLDER "/../docs/functions.md");
+    ASSERT_TRUE(page);
+    int examples = 0;
+    for (std::string line; std::getline(page, line);) {
+        std::vector<std::string> const cells = TableCells(line);
+        if (cells.size() != 4 || cells[2].empty() || cells[2][0] != '=') continue;
+        Sheet sheet("C");
+        sheet.Enter("A1", cells[2]);
+        sheet.Recalculate();
+        EXPECT_EQ(sheet.Text("A1"), cells[3]) << line;
+        ++examples;
+    }
+    EXPECT_GT(examples, 110);
+}
