@@ -1,54 +1,11 @@
-#include "host/Sheet.h"
-
-#include <gtest/gtest.h>
-#include <ostream>
+#include "functions/FormulaCases.h"
 
 using cells::host::Kind;
 using cells::host::Sheet;
-using cells::host::Value;
 
-namespace {
+class Formula : public FormulaCases {};
 
-struct Case {
-    char const * formula;
-    char const * shown;
-    int formatClass = -1; // of a number; -1 where it is none or does not matter
-};
-
-void PrintTo(Case const & row, std::ostream * out) { *out << row.formula; }
-
-// A1:A3 are 1, 2, 3; B1 is "a", B2 is "b", B3 is empty; C1 is error 2, C2 a date, C3 empty;
-// D1 is 12%, D2 is the text "7", D3 is FALSE.
-void Fill(Sheet & sheet) {
-    sheet.Enter("A1", "1");
-    sheet.Enter("A2", "2");
-    sheet.Enter("A3", "3");
-    sheet.Enter("B1", "a");
-    sheet.Enter("B2", "b");
-    sheet.Enter("C1", "=1/0");
-    sheet.Enter("C2", "2/1/1950");
-    sheet.Enter("D1", "12%");
-    sheet.Enter("D2", "'7");
-    sheet.Enter("D3", "=1=2");
-    sheet.Recalculate();
-}
-
-class Formula : public testing::TestWithParam<Case> {};
-
-} // namespace
-
-TEST_P(Formula, Gives) {
-    Sheet sheet("C");
-    Fill(sheet);
-    sheet.Enter("F9", GetParam().formula);
-    sheet.Recalculate();
-    EXPECT_TRUE(sheet.Formula({5, 8})) << "the formula was not taken";
-    EXPECT_EQ(sheet.Text("F9"), GetParam().shown);
-    if (GetParam().formatClass >= 0) {
-        EXPECT_EQ(sheet.Get("F9").kind, Kind::kNumber);
-        EXPECT_EQ(sheet.Get("F9").formatClass, GetParam().formatClass);
-    }
-}
+TEST_P(Formula, Gives) { Run(); }
 
 INSTANTIATE_TEST_SUITE_P(
     Arithmetic, Formula,
