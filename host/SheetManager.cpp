@@ -112,9 +112,8 @@ void SheetManager::ReadPlace(Place place, CCCellValue & value) const {
     double number;
     std::uint32_t packed;
     if (m_Grid.FindNumber(place, number, packed)) {
-        CCNumberFormat format;
-        format.UnpackPlain(packed);
-        value.Set(number, format);
+        value.Set(number);
+        value.GetFormat().UnpackPlain(packed);
     } else if (GridCell const * cell = m_Grid.FindCell(place)) {
         value.Set(cell->CCCell::GetValue());
     } else {
@@ -123,15 +122,17 @@ void SheetManager::ReadPlace(Place place, CCCellValue & value) const {
 }
 
 int SheetManager::GetValue(CCRef const * ref, CCCellValue & value, int index) {
-    CCRef const * const target = ref->Kind() == kRefCell ? ref : Target(ref);
+    bool const direct = ref->Kind() == kRefCell || ref->Kind() == kRefRegion;
+    CCRef const * const target = direct ? ref : Target(ref);
     if (!target || index < 0) return 0;
     if (target->Kind() == kRefCell) {
         if (index == 0) ReadPlace(PlaceOf(target), value);
         return index == 0;
     }
     CCRegionRef const & region = RegionOf(target);
-    int const width = region.right - region.left + 1;
-    Place const place{region.left + index % width, region.top + index / width};
+    unsigned const at = unsigned(index), width = unsigned(region.right - region.left + 1);
+    unsigned const row = width == 1 ? at : at / width;
+    Place const place{region.left + int(at - row * width), region.top + int(row)};
     if (place.row > region.bottom) return 0;
     ReadPlace(place, value);
     return 1;

@@ -222,6 +222,7 @@ public:
     using CCBaseListener::IsEqual;
 
     // Between the parts of the engine.
+    int SkipValue(ushort handle); // as NextValue, without reading
     cells::internal::ManagerSerial GetSerial() const { return m_nSerial; }
     unsigned long long GetOpenStamp() const { return m_nOpenStamp; }
     void CloseOpenedSince(unsigned long long stamp);

@@ -78,6 +78,13 @@ int CCCellManager::NextValue(ushort handle, CCCellValue & value) {
     return 1;
 }
 
+int CCCellManager::SkipValue(ushort handle) {
+    SCOpenRef * const slot = OpenSlot(handle);
+    if (!slot || slot->m_nPos >= ElementsOf(slot->m_Size)) return 0;
+    ++slot->m_nPos;
+    return 1;
+}
+
 int CCCellManager::CloseRef(ushort handle) {
     SCOpenRef * const slot = OpenSlot(handle);
     if (!slot) return 0;

@@ -165,15 +165,6 @@ bool CCNumberFormat::PackPlain(std::uint32_t & packed) const {
     return true;
 }
 
-void CCNumberFormat::UnpackPlain(std::uint32_t packed) {
-    m_nSetMask = static_cast<unsigned short>(packed >> 16);
-    m_nOptionsA = uchar(packed >> 8);
-    m_nType = uchar(packed);
-    m_nOptionsB = 0;
-    m_nData = 0;
-    m_bCustom = false;
-}
-
 bool CCNumberFormat::SameField(Field const & field, CCNumberFormat const & other) const {
     return ((m_nOptionsA ^ other.m_nOptionsA) & field.optionsA) == 0 &&
            ((m_nOptionsB ^ other.m_nOptionsB) & field.optionsB) == 0 &&

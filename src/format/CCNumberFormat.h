@@ -206,7 +206,14 @@ public:
     // Four bytes that hold a format without date and time options, strings and custom text; false
     // for any other. For hosts that keep many plain numbers.
     bool PackPlain(std::uint32_t & packed) const;
-    void UnpackPlain(std::uint32_t packed);
+    void UnpackPlain(std::uint32_t packed) {
+        m_nSetMask = static_cast<unsigned short>(packed >> 16);
+        m_nOptionsA = uchar(packed >> 8);
+        m_nType = uchar(packed);
+        m_nOptionsB = 0;
+        m_nData = 0;
+        m_bCustom = false;
+    }
 
     // The set algebra. set overlays this record with the fields that `other` has; the type always
     // counts as had.

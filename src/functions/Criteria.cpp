@@ -68,6 +68,25 @@ struct MatchingSum final : NumberSink {
     }
 };
 
+// Adds the values that stand beside those that match; the others are not read.
+Status AddBeside(CTX * ctx, CCFormula * tested, CCFormula * added, CCRef const * current,
+                 Criterion const & criterion, CCCellValue & total) {
+    ValueWalk a(ctx, tested, current), b(ctx, added, current);
+    CSize sizeA, sizeB;
+    if (!a.IsOpen() || !b.IsOpen() || !a.Size(sizeA) || !b.Size(sizeB) || sizeA != sizeB)
+        return Status::kBadReference;
+    CCCellValue value;
+    while (a.Next(value)) {
+        if (!criterion.Matches(value)) {
+            b.Skip();
+            continue;
+        }
+        b.Next(value);
+        EvalCellValue(kAdd, total, value);
+    }
+    return Status::kDone;
+}
+
 } // namespace
 
 Criterion::Criterion(CTX * ctx, CCCellValue const & value) {
@@ -126,11 +145,7 @@ void EvalSumIf(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRe
     CCCellValue total;
     Status status;
     if (sums) {
-        status = TryEachPair(ctx, args->formula, sums->formula, current, Status::kBadReference,
-                             [&](CCCellValue const & tested, CCCellValue const & added) {
-                                 if (criterion.Matches(tested)) EvalCellValue(kAdd, total, added);
-                                 return Status::kDone;
-                             });
+        status = AddBeside(ctx, args->formula, sums->formula, current, criterion, total);
     } else if (criterion.IsNumeric()) {
         MatchingSum sink(criterion);
         status = ForEachNumberOf(ctx, args->formula, current, sink);

@@ -18,9 +18,9 @@ ValueWalk::Kind ValueWalk::KindOf(CTX * ctx, CCFormula * formula) {
     case kRefFormula: {
         CCRef const * const ref = static_cast<CCRefFormula *>(formula)->GetRef();
         CCCellManager const * const manager = ctx->manager();
-        bool const direct =
-            ref && ref->Kind() == kRefCell && manager && manager->ReadsCellsDirectly();
-        return direct ? Kind::kCell : Kind::kWalk;
+        if (!ref || !manager) return Kind::kWalk;
+        if (ref->Kind() == kRefRegion) return Kind::kRegion;
+        return ref->Kind() == kRefCell && manager->ReadsCellsDirectly() ? Kind::kCell : Kind::kWalk;
     }
     default:
         return Kind::kWalk;
@@ -29,15 +29,24 @@ ValueWalk::Kind ValueWalk::KindOf(CTX * ctx, CCFormula * formula) {
 
 ValueWalk::ValueWalk(CTX * ctx, CCFormula * formula, CCRef const * current)
     : m_Ctx(ctx), m_Formula(formula), m_Current(current), m_Kind(KindOf(ctx, formula)) {
-    if (m_Kind != Kind::kWalk) return;
-    m_Handle = formula->OpenRef(ctx, current);
+    if (m_Kind == Kind::kRegion) {
+        m_Manager = ctx->manager();
+        m_Handle = m_Manager->OpenRef(static_cast<CCRefFormula *>(formula)->GetRef());
+    } else if (m_Kind == Kind::kWalk) {
+        m_Handle = formula->OpenRef(ctx, current);
+    } else {
+        return;
+    }
     if (!m_Handle) m_Kind = Kind::kFailed;
 }
 
 ValueWalk::~ValueWalk() {
     if (!m_Handle) return;
     try {
-        m_Formula->CloseRef(m_Ctx, m_Handle, m_Current);
+        if (m_Manager)
+            m_Manager->CloseRef(m_Handle);
+        else
+            m_Formula->CloseRef(m_Ctx, m_Handle, m_Current);
     } catch (...) {
         // The walk is over; what the host could not close it keeps.
     }
@@ -45,6 +54,8 @@ ValueWalk::~ValueWalk() {
 
 bool ValueWalk::Next(CCCellValue & value) {
     switch (m_Kind) {
+    case Kind::kRegion:
+        return m_Manager->NextValue(m_Handle, value) != 0;
     case Kind::kWalk:
         return m_Formula->NextValue(m_Ctx, m_Handle, value, m_Current) != 0;
     case Kind::kConstant:
@@ -66,7 +77,14 @@ bool ValueWalk::Next(CCCellValue & value) {
     return true;
 }
 
+bool ValueWalk::Skip() {
+    if (m_Kind == Kind::kRegion) return m_Manager->SkipValue(m_Handle) != 0;
+    CCCellValue value;
+    return Next(value);
+}
+
 bool ValueWalk::Size(CSize & size) {
+    if (m_Kind == Kind::kRegion) return m_Manager->RefSize(m_Handle, size) != 0;
     if (m_Kind == Kind::kWalk) return m_Formula->RefSize(m_Ctx, m_Handle, size, m_Current) != 0;
     size = CSize(1, 1);
     return IsOpen();

@@ -6,6 +6,8 @@
 
 #include <vector>
 
+class CCCellManager;
+
 namespace cells::internal {
 
 // The values of one argument in order. The walk is closed with the object.
@@ -14,8 +16,8 @@ namespace cells::internal {
 //     if (!walk.IsOpen()) return result.Set(errRef);
 //     while (walk.Next(value)) ...
 //
-// A constant, an operator or (where the host allows it) a single cell is read at once, without the
-// calls of the protocol; what is delivered is the same.
+// A constant, an operator or (where the host allows it) a single cell is read at once, and a region
+// by its manager, without the calls of the protocol between; what is delivered is the same.
 class ValueWalk {
 public:
     ValueWalk(CTX * ctx, CCFormula * formula, CCRef const * current);
@@ -25,17 +27,20 @@ public:
 
     bool IsOpen() const { return m_Kind != Kind::kFailed; }
     bool Next(CCCellValue & value);
+    // Passes the next value over, where that needs no reading.
+    bool Skip();
     // Width and height; only while open.
     bool Size(CSize & size);
 
 private:
-    enum class Kind { kFailed, kWalk, kConstant, kOperator, kCell, kDone };
+    enum class Kind { kFailed, kWalk, kRegion, kConstant, kOperator, kCell, kDone };
     static Kind KindOf(CTX * ctx, CCFormula * formula);
 
     CTX * m_Ctx;
     CCFormula * m_Formula;
     CCRef const * m_Current;
     Kind m_Kind;
+    CCCellManager * m_Manager = nullptr; // of a region
     ushort m_Handle = 0;
 };
 

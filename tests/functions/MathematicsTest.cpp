@@ -1,5 +1,7 @@
+#include "formula/FunctionRegistry.h"
 #include "functions/FormulaCases.h"
 #include "platform/Random.h"
+#include "platform/Utf.h"
 
 #include <chrono>
 #include <cmath>
@@ -177,4 +179,29 @@ TEST(Hazards, HugeArgumentsEndSoon) {
         sheet.Recalculate();
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+}
+
+// Arguments that no cell can hold reach functions from within formulas.
+TEST(Hazards, EveryFunctionTakesNumbersThatAreNotFinite) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "1");
+    char const * const specials[] = {"COTAN(0)", "-COTAN(0)", "(COTAN(0)-COTAN(0))",
+                                     "1E300",    "-1E300",    "4.9E-324",
+                                     "\"x\"",    "B1:B2"};
+    for (int i = 0; i < GetBuiltInFuncSize(); ++i) {
+        CCFunc const & func = *GetBuiltInFunc()[i];
+        if (func.kind != cells::kFunction || !func.eval) continue;
+        std::string const name = cells::ToUtf8(CString(func.LocalName()));
+        for (int count = 1; count <= 5; ++count)
+            for (char const * special : specials)
+                for (int place = 0; place < count; ++place) {
+                    std::string args;
+                    for (int at = 0; at < count; ++at)
+                        args += std::string(at ? "," : "") + (at == place ? special : "2");
+                    sheet.Enter("C1", "=" + name + "(" + args + ")");
+                    sheet.Enter("C1", "=" + name + "(" + args + ")+A1");
+                }
+    }
+    sheet.Recalculate();
+    EXPECT_TRUE(sheet.CheckInvariants().empty());
 }
