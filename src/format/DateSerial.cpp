@@ -37,7 +37,7 @@ void UpdateYear(int & year) {
 }
 
 bool CheckDate(double serial) {
-    if (!(std::fabs(serial) < 1e6)) return false;
+    if (!(serial >= 0 && serial < 1e6)) return false;
     int day, month, year;
     DoubleToDate(serial, day, month, year);
     return CheckDate(day, month, year, cells::kLastYear, cells::kFirstYear);
@@ -61,8 +61,10 @@ double DateToDouble(int day, int month, int year) {
 }
 
 void DoubleToDate(double serial, int & day, int & month, int & year) {
-    // Wider than what it holds, so that numbers beyond the calendar overflow nowhere.
-    std::int64_t v = cells::ToInt32(std::floor(std::fabs(serial)));
+    double const magnitude = std::floor(std::fabs(serial));
+    day = month = year = 0;
+    if (!(magnitude < 2147483648.0)) return; // beyond every calendar
+    std::int64_t v = std::int64_t(magnitude);
     std::int64_t const s = v == 0 ? 0 : 1;
     year = int(4 * ((v - s) / kDaysInFourYears + 475) + (v - s) % kDaysInFourYears / 365);
     v -= (std::int64_t(year) - cells::kFirstYear) * 365;
@@ -124,4 +126,13 @@ ATL::COleDateTime DoubleToOleDateTime(double serial) {
     double const seconds = hour * 3600.0 + minute * 60.0 + second;
     date.m_dt += date.m_dt < 0 ? -seconds / 86400 : seconds / 86400;
     return date;
+}
+
+int GetWeekDay(double serial) {
+    constexpr double kNoSuchDay = 59; // 29 February 1900
+    double const day = std::floor(serial);
+    if (!(std::fabs(day) < 2147483648.0) || day == kNoSuchDay) return -1;
+    // Serial 0 was a Monday, serial 60 a Thursday.
+    std::int64_t const shifted = std::int64_t(day) + (day < kNoSuchDay ? 1 : 0);
+    return int(((shifted % 7) + 7) % 7);
 }

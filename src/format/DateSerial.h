@@ -34,6 +34,10 @@ CVCELLS_API double TimeToDouble(int hour, int minute, int second, int mode);
 // The fraction of the magnitude, rounded to the nearest second; hour 24 is possible.
 CVCELLS_API void DoubleToTime(double serial, int & hour, int & minute, int & second);
 
+// The day of the week in the real calendar, Sunday being 0; -1 for 29 February 1900, which it does
+// not have, and for what is no day.
+CVCELLS_API int GetWeekDay(double serial);
+
 CVCELLS_API void GetCurrentDate(int & day, int & month, int & year);
 CVCELLS_API void GetCurrTime(int & hour, int & minute, int & second);
 CVCELLS_API double GetCurrentDateTime();

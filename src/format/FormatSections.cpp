@@ -1,6 +1,7 @@
 // What each section of a custom format appends.
 #include "format/CCNumberFormat.h"
 #include "format/CFormatSection.h"
+#include "format/DateSerial.h"
 #include "platform/Digits.h"
 
 #include <algorithm>
@@ -25,22 +26,12 @@ void AppendNumber(CString & output, long long number, std::size_t digits = 1) {
 
 constexpr double kLargestCount = 9e15; // hours beyond it are counted no further
 
-// Sunday is 0. Day and month may be any of the engine's calendar.
-int WeekDay(int year, int month, int day) {
-    // Zeller's congruence, "Die Grundaufgaben der Kalenderrechnung".
-    if (month < 3) {
-        month += 12;
-        --year;
-    }
-    int const weekday =
-        (day + 13 * (month + 1) / 5 + year + year / 4 - year / 100 + year / 400) % 7;
-    return (weekday + 6 + 7) % 7; // the congruence counts from Saturday
-}
-
-// A text of the locale that has one item for each day, Monday first.
+// A text of the locale that has one item for each day, Monday first. 29 February 1900 has the name
+// of the day behind it.
 wchar_t const * DayName(CFormatState const & state, unsigned int first) {
-    int const sundayFirst = WeekDay(state.year, state.month, state.day);
-    return state.lctx->info(first + unsigned(sundayFirst + 6) % 7);
+    double const serial = std::floor(std::fabs(state.value));
+    int const weekDay = GetWeekDay(serial) < 0 ? GetWeekDay(serial + 1) : GetWeekDay(serial);
+    return state.lctx->info(first + unsigned(weekDay + 6) % 7);
 }
 
 // The best rational for x > 0 with a denominator of at most `limit`: the last convergent of its

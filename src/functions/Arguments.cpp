@@ -4,6 +4,7 @@
 #include "formula/Dereference.h"
 
 #include <cmath>
+#include <sstream>
 
 namespace cells::internal {
 
@@ -24,6 +25,22 @@ bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count,
         out[i] = result.GetNumber();
     }
     return true;
+}
+
+bool ToTextArg(CTX * ctx, CCCellValue const & value, CString & text) {
+    if (value.IsError()) return false;
+    text = value.GetTextString();
+    if (!value.IsNumber()) return true;
+    std::wostringstream stream;
+    value.Print(ctx, stream, 0);
+    text = CString(std::wstring_view(stream.str()));
+    return true;
+}
+
+bool GetText(CTX * ctx, CCCellValue & result, CString & text, CCFormulaList const * args,
+             CCRef const * current) {
+    EvalArg(ctx, result, args, current);
+    return ToTextArg(ctx, result, text);
 }
 
 void SetStatusResult(CTX * ctx, Status status, CCCellValue & result, double number, uchar type) {

@@ -21,6 +21,12 @@ bool EvalArg(CTX * ctx, CCCellValue & value, CCFormulaList const * args, CCRef c
 bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count,
                 CCFormulaList const * args, CCRef const * current);
 
+// What a value shows, under its own format; false for an error, which stays in the value.
+bool ToTextArg(CTX * ctx, CCCellValue const & value, CString & text);
+// The first item as a text; an error, which stays in `result`, gives false.
+bool GetText(CTX * ctx, CCCellValue & result, CString & text, CCFormulaList const * args,
+             CCRef const * current);
+
 // Writes the error of a status, or the number in its class; classes 1 to 4 show whole numbers
 // without decimals and others with the locale's.
 void SetStatusResult(CTX * ctx, Status status, CCCellValue & result, double number, uchar type);

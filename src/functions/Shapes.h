@@ -32,6 +32,18 @@ int Between(CTX *, CCFormulaList const * args, CCRef const *) {
     return FormulaListHasItems(args, M) && !FormulaListHasItems(args, N + 1);
 }
 
+// From M to N single values.
+template <int M, int N>
+int SinglesBetween(CTX * ctx, CCFormulaList const * args, CCRef const * current) {
+    return Between<M, N>(ctx, args, current) && AreSingle(ctx, args, current, N);
+}
+
+// At least N arguments, the first two single values.
+template <int N>
+int FirstTwoSingle(CTX * ctx, CCFormulaList const * args, CCRef const * current) {
+    return FormulaListHasItems(args, N) && AreSingle(ctx, args, current, 2);
+}
+
 // At least N arguments, the first a single value.
 template <int N>
 int FirstSingle(CTX * ctx, CCFormulaList const * args, CCRef const * current) {
