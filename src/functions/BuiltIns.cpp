@@ -43,7 +43,7 @@ struct Functions {
         for (FunctionFamily const & family :
              {Mathematics(), Integers(), Sums(), Trigonometry(), Logic(), Statistics(),
               OrderStatistics(), Regression(), Distributions(), DatesAndTimes(), Texts(), Finance(),
-              Lookup(), Information(), RemoteData(), DocumentFacts()})
+              Securities(), Lookup(), Information(), RemoteData(), DocumentFacts()})
             for (std::size_t i = 0; i < family.count; ++i) Add(family.rows[i], family.category);
     }
 

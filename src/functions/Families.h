@@ -63,6 +63,7 @@ FunctionFamily Distributions();   // 4
 FunctionFamily DatesAndTimes();   // 5
 FunctionFamily Texts();           // 6
 FunctionFamily Finance();         // 7
+FunctionFamily Securities();      // 7
 FunctionFamily Lookup();          // 8
 FunctionFamily Information();     // 9
 FunctionFamily RemoteData();      // 10

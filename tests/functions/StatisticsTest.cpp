@@ -1,10 +1,10 @@
 #include "core/CCCellValue.h"
-#include "formula/CCOpFormula.h"
 #include "formula/Parser.h"
 #include "functions/Arguments.h"
 #include "functions/Families.h"
 #include "functions/FormulaCases.h"
 #include "functions/Ranges.h"
+#include "functions/UnnamedFunctions.h"
 #include "support/BaseHost.h"
 
 #include <algorithm>
@@ -252,26 +252,14 @@ TEST(BulkReads, GiveWhatTheWalkGives) {
     }
 }
 
-// Functions that no name leads to.
 TEST(UnnamedFunctions, ComputeThroughTheirObjects) {
-    cells::test::BaseHost host;
-    auto const eval = [&](unsigned id, wchar_t const * args) {
-        std::unique_ptr<CCFormula> const list(
-            _ParseFormula(&host, (std::wstring(L"SUM(") + args + L")").c_str(), 0, nullptr));
-        auto const & call = *static_cast<CCOpFormula *>(list.get());
-        CCFunc const & func = *cells::internal::FindFunctionObject(id);
-        EXPECT_TRUE(func.check(&host, call.GetArgs(), nullptr));
-        CCCellValue value;
-        func.eval(&host, value, call.GetArgs(), nullptr);
-        return value.IsError() ? -double(value.GetError()) : value.GetNumber();
-    };
-    EXPECT_NEAR(eval(13130, L"0"), 0.398942280401433, 1e-15);
-    EXPECT_EQ(eval(13130, L"\"x\""), -3);
-    EXPECT_NEAR(eval(13152, L"{3,5},2"), 0.62451794322659, 1e-14);
-    EXPECT_NEAR(eval(13152, L"{3,5},2,1"), 0.85323733682626, 1e-14);
-    EXPECT_EQ(eval(13152, L"{3,5},2,1E9"), eval(13152, L"{3,5},2,1"));
-    EXPECT_NEAR(eval(13152, L"{3},2"), 1 - 0.398942280401433, 1e-15); // no deviation: z is 0
-    EXPECT_EQ(eval(13152, L"{\"x\"},2"), -3);
+    EXPECT_NEAR(EvalUnnamed(13130, L"0"), 0.398942280401433, 1e-15);
+    EXPECT_EQ(EvalUnnamed(13130, L"\"x\""), -3);
+    EXPECT_NEAR(EvalUnnamed(13152, L"{3,5},2"), 0.62451794322659, 1e-14);
+    EXPECT_NEAR(EvalUnnamed(13152, L"{3,5},2,1"), 0.85323733682626, 1e-14);
+    EXPECT_EQ(EvalUnnamed(13152, L"{3,5},2,1E9"), EvalUnnamed(13152, L"{3,5},2,1"));
+    EXPECT_NEAR(EvalUnnamed(13152, L"{3},2"), 1 - 0.398942280401433, 1e-15); // no deviation: z is 0
+    EXPECT_EQ(EvalUnnamed(13152, L"{\"x\"},2"), -3);
     EXPECT_EQ(cells::internal::FindFunctionObject(1), nullptr);
 }
 
