@@ -21,7 +21,7 @@ std::unique_ptr<CCFunc> NewFunction(FunctionRow const & row) {
     case kRemoteFunc:
         return std::make_unique<CCRemoteFunc>();
     case kDocumentFunc:
-        return std::make_unique<CCDocumentFunc>();
+        return std::make_unique<CCDocumentFunc>(row.property);
     case kRefFunc:
         return std::make_unique<CCRefFunc>();
     default:
@@ -43,7 +43,7 @@ struct Functions {
         for (FunctionFamily const & family :
              {Mathematics(), Integers(), Sums(), Trigonometry(), Logic(), Statistics(),
               OrderStatistics(), Regression(), Distributions(), DatesAndTimes(), Texts(), Finance(),
-              Securities(), Lookup(), Information(), RemoteData(), DocumentFacts()})
+              Securities(), Lookup(), References(), Information(), RemoteData(), DocumentFacts()})
             for (std::size_t i = 0; i < family.count; ++i) Add(family.rows[i], family.category);
     }
 

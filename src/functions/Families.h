@@ -4,6 +4,7 @@
 // its body, and what the catalogue says of it. Adding a function is adding a row (and its body).
 #pragma once
 
+#include "formula/CCDocumentRef.h"
 #include "formula/CCFunc.h"
 
 #include <cstddef>
@@ -26,6 +27,13 @@ struct FunctionRow {
         : id(i), name(n), arguments(a), description(d), example(x), shows(s), check(c), eval(e),
           type(t), choice(ch) {}
 
+    // A property of the document, with an example.
+    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, wchar_t const * d,
+                          wchar_t const * x, wchar_t const * s, CheckFn c, EvalFn e, DocumentFn p)
+        : FunctionRow(i, n, a, d, x, s, c, e, kDocumentFunc) {
+        property = p;
+    }
+
     unsigned int id; // its string resource
     wchar_t const * name;
     wchar_t const * arguments;   // separated by "; "; "..." marks a repeated one
@@ -35,8 +43,9 @@ struct FunctionRow {
     CheckFn check = nullptr;
     EvalFn eval = nullptr;
     EFuncType type = kPlainFunc;
-    ChoiceFn choice = nullptr; // of type kChooseFunc
-    bool reachable = true;     // false: the object exists, but no name leads to it
+    ChoiceFn choice = nullptr;     // of type kChooseFunc
+    DocumentFn property = nullptr; // of type kDocumentFunc
+    bool reachable = true;         // false: the object exists, but no name leads to it
 };
 
 // The object of a function by its string resource, also of one that no name leads to; null for no
@@ -65,9 +74,17 @@ FunctionFamily Texts();           // 6
 FunctionFamily Finance();         // 7
 FunctionFamily Securities();      // 7
 FunctionFamily Lookup();          // 8
+FunctionFamily References();      // 8
 FunctionFamily Information();     // 9
 FunctionFamily RemoteData();      // 10
 FunctionFamily DocumentFacts();   // 11
+
+// Names property `Number` of the document, whatever the arguments.
+template <int Number>
+int DocumentProperty(CTX *, CCDocumentRef & document, CCFormulaList const *, CCRef const *) {
+    document.docType = CCDocumentRef::ECDocRefType(Number);
+    return 1;
+}
 
 template <std::size_t N>
 FunctionFamily MakeFamily(uchar category, FunctionRow const (&rows)[N]) {

@@ -1,33 +1,305 @@
-// Lookup and reference.
+// Lookup: a value by its place, or a place by its value.
+//
+// A key of another type than the value is no match and no order; it is stepped over.
+#include "core/Context.h"
+#include "core/ValueCompare.h"
+#include "formula/CCRCRef.h"
+#include "formula/CCRef3D.h"
+#include "formula/CCRefFormula.h"
+#include "formula/CCRegionRef.h"
+#include "formula/CCRemoteRef.h"
+#include "formula/Scanners.h"
 #include "functions/Families.h"
+#include "functions/Ranges.h"
+#include "functions/ReferenceArguments.h"
+#include "functions/Shapes.h"
+
+#include <cmath>
+#include <cwchar>
+#include <sstream>
 
 namespace cells::internal {
 namespace {
 
+// Same type and same content. Texts collate as equal only where they are identical.
+bool AreSame(CCCellValue const & a, CCCellValue const & b) {
+    if (a.GetType() != b.GetType()) return false;
+    if (a.IsNumber()) return a.GetNumber() == b.GetNumber();
+    return !a.IsText() || std::wcscmp(a.GetText(), b.GetText()) == 0;
+}
+
+void SetPosition(CCCellValue & result, double position) {
+    result.Set(position, uchar(C_NF_GENERAL));
+}
+
+// The first value of an argument; false with an error in `result`.
+bool FirstValue(CTX * ctx, CCCellValue & result, CCFormula * formula, CCRef const * current,
+                CCCellValue & value) {
+    ValueWalk walk(ctx, formula, current);
+    if (walk.IsOpen() && walk.Next(value)) return true;
+    result.Set(walk.IsOpen() ? errValue : errRef);
+    return false;
+}
+
+// The result that stands in step with the first key equal to the value; error 3 for none.
+void FindResult(CTX * ctx, CCCellValue & result, CCCellValue const & value, CCFormula * keyRange,
+                CCFormula * resultRange, CCRef const * current) {
+    ValueWalk keys(ctx, keyRange, current), results(ctx, resultRange, current);
+    if (!keys.IsOpen() || !results.IsOpen()) return result.Set(errRef);
+    CCCellValue key;
+    while (keys.Next(key)) {
+        if (AreSame(value, key)) {
+            if (!results.Next(result)) break;
+            return;
+        }
+        if (!results.Skip()) break;
+    }
+    result.Set(errValue);
+}
+
+// Tables
+
+// The region that a reference names, and the reference rebuilt around another region: on its sheets
+// or in its document.
+class Table {
+public:
+    // False with an error in `result`.
+    bool Read(CTX * ctx, CCCellValue & result, CCFormula const & formula, CCRef const * current) {
+        int const type = formula.GetType();
+        if (type != kRefFormula && type != kRefOpFormula && type != kRemoteOpFormula)
+            return Fail(result, errValue);
+        m_Outer = ReferenceOf(ctx, formula, current);
+        if (!m_Outer) return Fail(result, errRef);
+        std::unique_ptr<CCRef> inner;
+        if (m_Outer->GetType() == kRefRemote) {
+            CString const & item = static_cast<CCRemoteRef const &>(*m_Outer).item();
+            wchar_t const * text = item.GetString();
+            CCRef * scanned = nullptr;
+            uchar flags = 0;
+            if (!_EatRef(ctx, text, scanned, flags)) return Fail(result, errValue);
+            inner.reset(scanned);
+        } else if (m_Outer->GetType() == kRefSheets) {
+            CCRef const * const ref = static_cast<CCRef3D const &>(*m_Outer).ref;
+            inner.reset(ref ? ref->Copy() : nullptr);
+        } else {
+            inner.reset(m_Outer->Copy());
+        }
+        inner = ResolveName(ctx, std::move(inner));
+        if (inner && inner->GetType() == kRefCell) {
+            auto const & cell = static_cast<CCRCRef const &>(*inner);
+            m_Region.Set(CRect(cell.col, cell.row, cell.col, cell.row));
+        } else if (inner && inner->GetType() == kRefRegion) {
+            m_Region.Set(static_cast<CCRegionRef const &>(*inner));
+        } else {
+            return Fail(result, errRef);
+        }
+        return true;
+    }
+
+    CCRegionRef const & Region() const { return m_Region; }
+
+    CCRefFormula With(CTX * ctx, CCRegionRef const & region) const {
+        if (m_Outer->GetType() == kRefSheets) {
+            CCRef3D sheets(static_cast<CCRef3D const &>(*m_Outer));
+            delete sheets.ref;
+            sheets.ref = region.Copy();
+            return CCRefFormula(&sheets, 0);
+        }
+        if (m_Outer->GetType() == kRefRemote) {
+            std::wostringstream text;
+            region.Print(ctx, text, 0);
+            CCRemoteRef const remote(static_cast<CCRemoteRef const &>(*m_Outer).document(),
+                                     text.str().c_str());
+            return CCRefFormula(&remote, 0);
+        }
+        return CCRefFormula(&region, 0);
+    }
+
+private:
+    static bool Fail(CCCellValue & result, CellError error) {
+        result.Set(error);
+        return false;
+    }
+
+    std::unique_ptr<CCRef> m_Outer;
+    CCRegionRef m_Region;
+};
+
+template <bool Vertical>
+void EvalTableLookup(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                     CCRef const * current) {
+    CCCellValue value;
+    if (!FirstValue(ctx, result, args->formula, current, value)) return;
+    double number;
+    if (!GetNumbers(ctx, result, &number, 1, args->next->next, current))
+        return result.Set(errValue);
+    double const step = std::trunc(number) - 1;
+    if (!(step >= 0)) return result.Set(errValue);
+    Table table;
+    if (!table.Read(ctx, result, *args->next->formula, current)) return;
+    CCRegionRef keys(table.Region()), results(table.Region());
+    if (step > (Vertical ? keys.right - keys.left : keys.bottom - keys.top))
+        return result.Set(errValue);
+    if (Vertical) {
+        keys.right = keys.left;
+        results.left = results.right = uchar(results.left + step);
+    } else {
+        keys.bottom = keys.top;
+        results.top = results.bottom = ushort(results.top + step);
+    }
+    CCRefFormula keyRange = table.With(ctx, keys), resultRange = table.With(ctx, results);
+    FindResult(ctx, result, value, &keyRange, &resultRange, current);
+}
+
+// Keys and results
+
+// Sorted keys: the result beside the last one not above the value, which must have one above it or
+// be equal to it.
+void EvalLookup(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                CCRef const * current) {
+    CCCellValue value, key, stepped;
+    if (!FirstValue(ctx, result, args->formula, current, value)) return;
+    ValueWalk keys(ctx, args->next->formula, current),
+        results(ctx, args->next->next->formula, current);
+    if (!keys.IsOpen() || !results.IsOpen()) return result.Set(errRef);
+    result.Set(errNA);
+    int compared = 0;
+    while (keys.Next(key)) {
+        bool const isSameType = key.GetType() == value.GetType();
+        if (isSameType) {
+            compared = CompareEQTypeValues(value, key, 1);
+            if (compared < 0) break;
+        }
+        if (!results.Next(stepped)) break;
+        if (isSameType) result = stepped;
+    }
+    if (compared > 0) result.Set(errNA);
+}
+
+void EvalLookupEx(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                  CCRef const * current) {
+    CCCellValue value;
+    if (!FirstValue(ctx, result, args->formula, current, value)) return;
+    FindResult(ctx, result, value, args->next->formula, args->next->next->formula, current);
+}
+
+// Positions
+
+void EvalMatch(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    CCCellValue value, key;
+    if (!FirstValue(ctx, result, args->formula, current, value)) return;
+    double type = 1;
+    CCFormulaList const * const last = args->next->next;
+    if (last && !GetNumbers(ctx, result, &type, 1, last, current)) return result.Set(errValue);
+    type = std::trunc(type);
+    ValueWalk keys(ctx, args->next->formula, current);
+    if (!keys.IsOpen()) return result.Set(errRef);
+    result.Set(errNA);
+    for (double i = 1; keys.Next(key); ++i) {
+        if (key.GetType() != value.GetType()) continue;
+        int const compared = CompareEQTypeValues(value, key, 0);
+        if (compared * type < 0) {
+            if (i == 1) return result.Set(errNA);
+            return SetPosition(result, i - 1);
+        }
+        if (compared != 0) continue;
+        SetPosition(result, i);
+        if (type <= 0) return;
+    }
+}
+
+void EvalFind(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    CCCellValue value;
+    if (!FirstValue(ctx, result, args->formula, current, value)) return;
+    double position = 0, found = 0;
+    bool isAbove = false;
+    Status const status = TryEachValue(ctx, args->next, current, [&](CCCellValue const & key) {
+        ++position;
+        if (key.GetType() != value.GetType()) return Status::kDone;
+        isAbove = CompareEQTypeValues(value, key, 1) < 0;
+        if (!isAbove) found = position;
+        return isAbove ? Status::kBadValue : Status::kDone;
+    });
+    SetStatusResult(ctx, isAbove ? Status::kDone : status, result, found, C_NF_GENERAL);
+}
+
+void EvalFindEx(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                CCRef const * current) {
+    CCCellValue value, key;
+    if (!FirstValue(ctx, result, args->formula, current, value)) return;
+    double position = 0;
+    for (CCFormulaList const * arg = args->next; arg; arg = arg->next) {
+        ValueWalk walk(ctx, arg->formula, current);
+        if (!walk.IsOpen()) return result.Set(errRef);
+        while (walk.Next(key)) {
+            ++position;
+            if (AreSame(value, key)) return SetPosition(result, position);
+        }
+    }
+    result.Set(errValue);
+}
+
+// There is no form with a row and a column.
+void EvalIndex(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    double number;
+    if (!GetNumbers(ctx, result, &number, 1, args, current)) return result.Set(errValue);
+    double left = std::floor(number);
+    if (!(left > 0)) return result.Set(errValue);
+    for (CCFormulaList const * arg = args->next; arg; arg = arg->next) {
+        ValueWalk walk(ctx, arg->formula, current);
+        if (!walk.IsOpen()) return result.Set(errRef);
+        while (left > 1 && walk.Skip()) --left;
+        if (left == 1 && walk.Next(result)) return;
+    }
+    result.Set(errValue);
+}
+
+// The argument that the index picks; gives an error number.
+int ChooseItem(CTX * ctx, CCFormula *& choice, CCFormulaList const * args, CCRef const * current) {
+    choice = nullptr;
+    if (!args) return errLegacy;
+    CCCellValue index;
+    EvalArg(ctx, index, args, current);
+    if (!index.IsNumber() || !(index.GetNumber() >= 1)) return errValue;
+    CCFormulaList const * item = args->next;
+    for (double place = std::trunc(index.GetNumber()); item && place > 1; --place)
+        item = item->next;
+    if (!item) return errValue;
+    choice = item->formula;
+    return 0;
+}
+
+void EvalChoose(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                CCRef const * current) {
+    CCFormula * choice;
+    int status = ChooseItem(ctx, choice, args, current);
+    if (!status) status = choice->Check(ctx, current); // it may not have been live when checked
+    if (status) return result.Set(status);
+    CCFormulaList const item(choice, nullptr);
+    EvalArg(ctx, result, &item, current);
+}
+
 constexpr FunctionRow kRows[] = {
-    {13236, L"ADDRESS", L"row; column; kind; sheet", L"Text of a cell address."},
-    {13237, L"AREAS", L"reference...", L"Number of references among the arguments."},
-    {13238, L"CHOOSE", L"index; value...", L"Value picked by a number.", nullptr, nullptr,
-     kChooseFunc},
-    {13239, L"COLUMNS", L"range", L"Number of columns of a range."},
+    {13238, L"CHOOSE", L"index; value...", L"Value picked by a number.", L"CHOOSE(2,5,6,7)", L"6",
+     FirstSingle<2>, EvalChoose, kChooseFunc, ChooseItem},
     {13240, L"FIND", L"value; value...",
-     L"Position in sorted values of the last one not above a value, or 0."},
-    {13241, L"INDEX", L"number; value...", L"Value at a place, counted through all values."},
+     L"Position in sorted values of the last one not above a value, or 0.", L"FIND(2.5,{1,2,3})",
+     L"2", FirstSingle<2>, EvalFind},
+    {13241, L"INDEX", L"number; value...", L"Value at a place, counted through all values.",
+     L"INDEX(2,5,6,7)", L"6", FirstSingle<2>, EvalIndex},
     {13242, L"LOOKUP", L"value; keys; results",
-     L"Result beside the last sorted key not above a value."},
-    {13243, L"ROWS", L"range", L"Number of rows of a range."},
-    {13274, L"COLUMN", L"reference", L"Column number of a reference or of the cell itself.",
-     nullptr, nullptr, kDocumentFunc},
-    {13275, L"ROW", L"reference", L"Row number of a reference or of the cell itself.", nullptr,
-     nullptr, kDocumentFunc},
-    {13285, L"FINDEX", L"value; value...", L"Position of the first value that is equal."},
-    {13286, L"LOOKUPEX", L"value; keys; results", L"Result beside the first equal key."},
-    {13291, L"INDIRECT", L"text; style", L"Reference written as text.", nullptr, nullptr, kRefFunc},
-    {13292, L"OFFSET", L"reference; rows; columns; width; height", L"Reference moved and extended.",
-     nullptr, nullptr, kRefFunc},
-    {13293, L"VLOOKUP", L"value; table; column", L"Value in the row whose first cell is equal."},
-    {13294, L"HLOOKUP", L"value; table; row", L"Value in the column whose first cell is equal."},
-    {13305, L"MATCH", L"value; range; type", L"Position of a value in a range."},
+     L"Result beside the last sorted key not above a value.", L"LOOKUP(2.5,{1,2,3},{10,20,30})",
+     L"20", FirstSingle<3>, EvalLookup},
+    {13285, L"FINDEX", L"value; value...", L"Position of the first value that is equal.",
+     L"FINDEX(2,{3,2,1})", L"2", FirstSingle<2>, EvalFindEx},
+    {13286, L"LOOKUPEX", L"value; keys; results", L"Result beside the first equal key.",
+     L"LOOKUPEX(2,{3,2,1},{10,20,30})", L"20", FirstOfExactly<3>, EvalLookupEx},
+    {13293, L"VLOOKUP", L"value; table; column", L"Value in the row whose first cell is equal.",
+     L"VLOOKUP(1,B1:C2,3)", L"#VALUE!", FirstSingle<3>, EvalTableLookup<true>},
+    {13294, L"HLOOKUP", L"value; table; row", L"Value in the column whose first cell is equal.",
+     L"HLOOKUP(1,B1:C2,3)", L"#VALUE!", FirstSingle<3>, EvalTableLookup<false>},
+    {13305, L"MATCH", L"value; range; type", L"Position of a value in a range.",
+     L"MATCH(2,{1,2,2,3},0)", L"2", Between<2, 3>, EvalMatch},
 };
 
 } // namespace

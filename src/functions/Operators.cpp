@@ -11,6 +11,7 @@
 #include "formula/OperatorObjects.h"
 #include "functions/OperatorTable.h"
 #include "functions/Ranges.h"
+#include "functions/ReferenceArguments.h"
 #include "functions/Shapes.h"
 
 #include <memory>
@@ -84,16 +85,11 @@ using OwnedRef = std::unique_ptr<CCRef>;
 // The reference that an argument is, or yields; null with an error in `result`.
 OwnedRef RefArgument(CTX * ctx, CCCellValue & result, CCFormula const & formula,
                      CCRef const * current) {
-    if (formula.GetType() == kRefFormula) {
-        CCRef const * const ref = static_cast<CCRefFormula const &>(formula).GetRef();
-        if (ref) return OwnedRef(ref->Copy());
-    } else if (formula.GetType() == kRefOpFormula) {
-        CCCellValue value;
-        formula.Eval(ctx, value, current);
-        if (value.GetRef()) return OwnedRef(value.GetRef()->Copy());
-    }
-    result.Set(errRef);
-    return nullptr;
+    OwnedRef ref;
+    if (formula.GetType() == kRefFormula || formula.GetType() == kRefOpFormula)
+        ref = ReferenceOf(ctx, formula, current);
+    if (!ref) result.Set(errRef);
+    return ref;
 }
 
 // A corner of a range: a cell, or a name that stands for one.
@@ -101,11 +97,7 @@ OwnedRef CornerArgument(CTX * ctx, CCCellValue & result, CCFormula const & formu
                         CCRef const * current) {
     OwnedRef ref = RefArgument(ctx, result, formula, current);
     if (!ref) return nullptr;
-    if (ref->GetType() == kRefName) {
-        CCCellManager * const manager = ctx->manager();
-        ref.reset(manager ? manager->TranslateNameRef(static_cast<CCNameRef *>(ref.get()))
-                          : nullptr);
-    }
+    ref = ResolveName(ctx, std::move(ref));
     if (ref && ref->GetType() == kRefCell) return ref;
     result.Set(errValue);
     return nullptr;

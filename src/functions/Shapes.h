@@ -44,6 +44,12 @@ int FirstTwoSingle(CTX * ctx, CCFormulaList const * args, CCRef const * current)
     return FormulaListHasItems(args, N) && AreSingle(ctx, args, current, 2);
 }
 
+// Exactly N arguments, the first a single value.
+template <int N>
+int FirstOfExactly(CTX * ctx, CCFormulaList const * args, CCRef const * current) {
+    return FormulaListHasExactly(args, N) && AreSingle(ctx, args, current, 1);
+}
+
 // At least N arguments, the first a single value.
 template <int N>
 int FirstSingle(CTX * ctx, CCFormulaList const * args, CCRef const * current) {

@@ -1,7 +1,7 @@
 // Formulas over a small sheet, and what a cell shows for them.
 //
 // A1:A3 are 1, 2, 3; B1 is "a", B2 is "b", B3 is empty; C1 is error 2, C2 a date, C3 empty;
-// D1 is 12%, D2 is the text "7", D3 is FALSE. E1:E6 are 2, 4, 4, 5, 7, 9.5.
+// D1 is 12%, D2 is the text "'7", D3 is FALSE. E1:E6 are 2, 4, 4, 5, 7, 9.5.
 #pragma once
 
 #include "host/Sheet.h"
