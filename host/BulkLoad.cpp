@@ -248,7 +248,7 @@ bool Sheet::Bulk::State::TryOrdered() {
     for (auto const & [key, i] : last) {
         if (!waiting[i].formula) continue;
         formulas[key] = waiting[i].formula.get();
-        moving = moving || HasMovingPart(*waiting[i].formula);
+        moving = moving || HasPart(*waiting[i].formula, kRefOpFormula);
     }
     if (moving) return false;
     Ordering ordering(manager, formulas);

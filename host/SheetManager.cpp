@@ -26,12 +26,12 @@ Area AreaOf(CCRegionRef const & region) {
 
 } // namespace
 
-bool HasMovingPart(CCFormula const & formula) {
+bool HasPart(CCFormula const & formula, EFormulaType type) {
     std::vector<CCFormula const *> stack{&formula};
     while (!stack.empty()) {
         CCFormula const * const node = stack.back();
         stack.pop_back();
-        if (node->GetType() == kRefOpFormula) return true;
+        if (node->GetType() == type) return true;
         if (node->GetType() < kOpFormula) continue;
         auto const * args = static_cast<CCOpFormula const *>(node)->GetArgs();
         for (; args; args = args->next) stack.push_back(args->formula);

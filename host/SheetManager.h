@@ -3,6 +3,7 @@
 
 #include "core/CCCellManager.h"
 #include "core/RegionIndex.h"
+#include "formula/CCFormula.h"
 #include "host/AreaFormats.h"
 #include "host/Grid.h"
 #include "host/Place.h"
@@ -104,7 +105,8 @@ private:
     std::map<CString, Name> m_Names; // by folded name
 };
 
-// Whether a part of the formula yields its place only when it is computed.
-bool HasMovingPart(CCFormula const & formula);
+// Whether a part of the formula is of a type: of kRefOpFormula, which yields its place only when it
+// is computed, or of kDocOpFormula, of whose arguments only the places matter.
+bool HasPart(CCFormula const & formula, EFormulaType type);
 
 } // namespace cells::host
