@@ -64,3 +64,30 @@ TEST(FunctionsPage, ShowsWhatTheEngineShows) {
     }
     EXPECT_GT(examples, 110);
 }
+
+TEST(FormulaLanguagePage, ShowsWhatTheEngineShows) {
+    std::ifstream page(CVCELLS_TESTS_FOLDER "/../docs/formula-language.md");
+    ASSERT_TRUE(page);
+    int examples = 0;
+    bool inExamples = false;
+    for (std::string line; std::getline(page, line);) {
+        std::size_t const escaped = line.find("\\|");
+        if (escaped != std::string::npos) line.erase(escaped, 1);
+        std::vector<std::string> const cells = TableCells(line);
+        if (line.rfind("|-", 0) == 0) continue;
+        if (cells.empty()) inExamples = false;
+        if (inExamples && cells.size() == 2) {
+            Sheet sheet("C");
+            for (auto const & [place, text] :
+                 {std::pair{"A1", "1"}, {"A2", "2"}, {"A3", "3"}, {"B1", "a"}, {"C1", "=1/0"}})
+                sheet.Enter(place, text);
+            sheet.DefineName("prices", *cells::host::ParseArea("A1:A3"));
+            sheet.Enter("F9", cells[0]);
+            sheet.Recalculate();
+            EXPECT_EQ(sheet.Text("F9"), cells[1]) << line;
+            ++examples;
+        }
+        if (cells == std::vector<std::string>{"Typed", "Shows"}) inExamples = true;
+    }
+    EXPECT_GT(examples, 45);
+}
