@@ -43,6 +43,20 @@ bool GetText(CTX * ctx, CCCellValue & result, CString & text, CCFormulaList cons
     return ToTextArg(ctx, result, text);
 }
 
+CCFormula const * EvalChosen(CTX * ctx, CCCellValue & result, ChoiceFn choose,
+                             CCFormulaList const * args, CCRef const * current) {
+    CCFormula * choice = nullptr;
+    int status = choose(ctx, choice, args, current);
+    if (!status) status = choice->Check(ctx, current); // it may not have been live when checked
+    if (status) {
+        result.Set(status);
+        return nullptr;
+    }
+    CCFormulaList const chosen(choice, nullptr);
+    EvalArg(ctx, result, &chosen, current);
+    return choice;
+}
+
 void SetStatusResult(CTX * ctx, Status status, CCCellValue & result, double number, uchar type) {
     switch (status) {
     case Status::kBadReference:

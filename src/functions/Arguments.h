@@ -27,6 +27,11 @@ bool ToTextArg(CTX * ctx, CCCellValue const & value, CString & text);
 bool GetText(CTX * ctx, CCCellValue & result, CString & text, CCFormulaList const * args,
              CCRef const * current);
 
+// Evaluates the argument that `choose` picks, and gives it; null, and an error in `result`, where
+// there is none or its shape is wrong.
+CCFormula const * EvalChosen(CTX * ctx, CCCellValue & result, ChoiceFn choose,
+                             CCFormulaList const * args, CCRef const * current);
+
 // Writes the error of a status, or the number in its class; classes 1 to 4 show whole numbers
 // without decimals and others with the locale's.
 void SetStatusResult(CTX * ctx, Status status, CCCellValue & result, double number, uchar type);
@@ -67,6 +72,10 @@ constexpr EvalFn OfNumbers = &NumberFunction<Compute>::Eval;
 
 // Steps of a loop that a cell's number drives; a call that needs more is error 3.
 constexpr int kStepBudget = 100'000'000;
+
+inline void SetNumber(CCCellValue & result, double number) {
+    result.Set(number, uchar(C_NF_GENERAL));
+}
 
 inline void SetTruth(CCCellValue & result, bool truth) {
     result.Set(truth ? 1.0 : 0.0, uchar(C_NF_BOOL));

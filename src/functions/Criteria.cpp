@@ -149,7 +149,7 @@ void EvalSumIf(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRe
     } else if (criterion.IsNumeric()) {
         MatchingSum sink(criterion);
         status = ForEachNumberOf(ctx, args->formula, current, sink);
-        total.Set(sink.sum, uchar(C_NF_GENERAL));
+        SetNumber(total, sink.sum);
     } else {
         CCFormulaList const only{args->formula, nullptr};
         status = TryEachValue(ctx, &only, current, [&](CCCellValue const & value) {
@@ -186,7 +186,7 @@ void EvalCountIf(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
         }
         if (status != Status::kDone) return SetStatusResult(ctx, status, result, 0, C_NF_GENERAL);
     }
-    result.Set(count, uchar(C_NF_GENERAL));
+    SetNumber(result, count);
 }
 
 } // namespace cells::internal

@@ -37,7 +37,7 @@ void EvalDatePart(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     int day, month, year;
     DoubleToDate(date, day, month, year);
     int const part = Which == Part::kYear ? year : Which == Part::kMonth ? month : day;
-    result.Set(double(part), uchar(C_NF_GENERAL));
+    SetNumber(result, double(part));
 }
 
 template <Part Which>
@@ -49,7 +49,7 @@ void EvalTimePart(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     int hour, minute, second;
     DoubleToTime(time, hour, minute, second);
     int const part = Which == Part::kHour ? hour : Which == Part::kMinute ? minute : second;
-    result.Set(double(part), uchar(C_NF_GENERAL));
+    SetNumber(result, double(part));
 }
 
 // Making dates and times
@@ -83,7 +83,7 @@ void EvalDateValue(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                                          : result.IsText() && ToDateArg(ctx, result, date);
     if (!taken) return result.Set(errValue);
     if (result.IsNumber()) date = result.GetNumber();
-    result.Set(date, uchar(C_NF_GENERAL));
+    SetNumber(result, date);
 }
 
 void EvalTimeValue(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
@@ -134,7 +134,7 @@ void EvalWeekDay(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     double date;
     if (!GetDate(ctx, result, date, args, current)) return;
     int const weekDay = GetWeekDay(date);
-    result.Set(weekDay < 0 ? -1.0 : weekDay + 1.0, uchar(C_NF_GENERAL));
+    SetNumber(result, weekDay < 0 ? -1.0 : weekDay + 1.0);
 }
 
 // From 1 January on, every Saturday or Sunday before the date begins a new week.
@@ -150,7 +150,7 @@ void EvalWeekNum(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     DoubleToDate(date, day, month, year);
     double week = 1;
     for (double at = DateToDouble(1, 1, year); at < date; ++at) week += GetWeekDay(at) == counted;
-    result.Set(week, uchar(C_NF_GENERAL));
+    SetNumber(result, week);
 }
 
 // The holidays of all further arguments; a value that is no date is error 3.
@@ -268,7 +268,7 @@ void EvalDays360(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     CCFormulaList const * const third = args->next->next;
     if (third && !GetNumbers(ctx, result, &european, 1, third, current))
         return result.Set(errValue);
-    result.Set(DayCount(european != 0 ? 4 : 0, start, end), uchar(C_NF_GENERAL));
+    SetNumber(result, DayCount(european != 0 ? 4 : 0, start, end));
 }
 
 void EvalYearFrac(CTX * ctx, CCCellValue & result, CCFormulaList const * args,

@@ -199,7 +199,7 @@ void EvalZTest(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRe
         deviation = std::sqrt(radicand);
     }
     double const z = (s.sum / s.count - mean) / (deviation / std::sqrt(s.count));
-    result.Set(1 - std::exp(-z * z / 2) / std::sqrt(kTwoPi), uchar(C_NF_GENERAL));
+    SetNumber(result, 1 - std::exp(-z * z / 2) / std::sqrt(kTwoPi));
 }
 
 int ZTestShape(CTX * ctx, CCFormulaList const * args, CCRef const * current) {

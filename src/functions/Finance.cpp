@@ -12,8 +12,6 @@
 namespace cells::internal {
 namespace {
 
-void SetNumber(CCCellValue & result, double number) { result.Set(number, uchar(C_NF_GENERAL)); }
-
 // A rate, with decimals unless it is whole.
 void SetRate(CTX * ctx, CCCellValue & result, double rate) {
     SetStatusResult(ctx, Status::kDone, result, rate, C_NF_PERCENT);

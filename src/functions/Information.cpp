@@ -61,7 +61,7 @@ void EvalNA(CTX *, CCCellValue & result, CCFormulaList const *, CCRef const *) {
 }
 
 void EvalCountry(CTX * ctx, CCCellValue & result, CCFormulaList const *, CCRef const *) {
-    result.Set(double(ctx->lctx()->countryCode()), uchar(C_NF_GENERAL));
+    SetNumber(result, double(ctx->lctx()->countryCode()));
 }
 
 constexpr FunctionRow kRows[] = {

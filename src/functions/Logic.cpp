@@ -26,13 +26,8 @@ int ChooseBranch(CTX * ctx, CCFormula *& choice, CCFormulaList const * args,
 }
 
 void EvalIf(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
-    CCFormula * choice;
-    int status = ChooseBranch(ctx, choice, args, current);
-    if (!status) status = choice->Check(ctx, current); // it may not have been live when checked
-    if (status) return result.Set(status);
-    CCFormulaList const branch(choice, nullptr);
-    EvalArg(ctx, result, &branch, current);
-    if (FormulaList2ItemEx(args) && choice == args->formula)
+    CCFormula const * const choice = EvalChosen(ctx, result, ChooseBranch, args, current);
+    if (choice && FormulaList2ItemEx(args) && choice == args->formula)
         result.GetFormat().Set(uchar(C_NF_BOOL));
 }
 

@@ -28,10 +28,6 @@ bool AreSame(CCCellValue const & a, CCCellValue const & b) {
     return !a.IsText() || std::wcscmp(a.GetText(), b.GetText()) == 0;
 }
 
-void SetPosition(CCCellValue & result, double position) {
-    result.Set(position, uchar(C_NF_GENERAL));
-}
-
 // The first value of an argument; false with an error in `result`.
 bool FirstValue(CTX * ctx, CCCellValue & result, CCFormula * formula, CCRef const * current,
                 CCCellValue & value) {
@@ -200,10 +196,10 @@ void EvalMatch(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRe
         int const compared = CompareEQTypeValues(value, key, 0);
         if (compared * type < 0) {
             if (i == 1) return result.Set(errNA);
-            return SetPosition(result, i - 1);
+            return SetNumber(result, i - 1);
         }
         if (compared != 0) continue;
-        SetPosition(result, i);
+        SetNumber(result, i);
         if (type <= 0) return;
     }
 }
@@ -233,7 +229,7 @@ void EvalFindEx(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
         if (!walk.IsOpen()) return result.Set(errRef);
         while (walk.Next(key)) {
             ++position;
-            if (AreSame(value, key)) return SetPosition(result, position);
+            if (AreSame(value, key)) return SetNumber(result, position);
         }
     }
     result.Set(errValue);
@@ -271,12 +267,7 @@ int ChooseItem(CTX * ctx, CCFormula *& choice, CCFormulaList const * args, CCRef
 
 void EvalChoose(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                 CCRef const * current) {
-    CCFormula * choice;
-    int status = ChooseItem(ctx, choice, args, current);
-    if (!status) status = choice->Check(ctx, current); // it may not have been live when checked
-    if (status) return result.Set(status);
-    CCFormulaList const item(choice, nullptr);
-    EvalArg(ctx, result, &item, current);
+    EvalChosen(ctx, result, ChooseItem, args, current);
 }
 
 constexpr FunctionRow kRows[] = {

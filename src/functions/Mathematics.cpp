@@ -54,10 +54,10 @@ Outcome Mod(double a, double b) {
 void EvalLog(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     double x, base;
     if (!GetNumbers(ctx, result, &x, 1, args, current) || !(x > 0)) return result.Set(errValue);
-    if (!args->next) return result.Set(std::log10(x), uchar(C_NF_GENERAL));
+    if (!args->next) return SetNumber(result, std::log10(x));
     if (!GetNumbers(ctx, result, &base, 1, args->next, current) || !(base > 0) || base == 1)
         return result.Set(errValue);
-    result.Set(std::log(x) / std::log(base), uchar(C_NF_GENERAL));
+    SetNumber(result, std::log(x) / std::log(base));
 }
 
 // A blank has no sign.
@@ -66,7 +66,7 @@ void EvalSign(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef
     if (result.IsEmpty()) return;
     if (!result.IsNumber()) return result.Set(errValue);
     double const x = result.GetNumber();
-    result.Set(x > 0 ? 1.0 : x < 0 ? -1.0 : 0.0, uchar(C_NF_GENERAL));
+    SetNumber(result, x > 0 ? 1.0 : x < 0 ? -1.0 : 0.0);
 }
 
 // Rounding. These are four different things: to a multiple, to decimal places, and up and down at a
@@ -127,9 +127,9 @@ double RandomShare() { return Random() / 32767.0; }
 
 void EvalRand(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     double maximum;
-    if (!args) return result.Set(RandomShare(), uchar(C_NF_GENERAL));
+    if (!args) return SetNumber(result, RandomShare());
     if (!GetNumbers(ctx, result, &maximum, 1, args, current)) return result.Set(errValue);
-    result.Set(RandomShare() * maximum, uchar(C_NF_GENERAL));
+    SetNumber(result, RandomShare() * maximum);
 }
 
 Outcome RandBetween(double a, double b) {
@@ -185,7 +185,7 @@ void EvalDeterminant(CTX * ctx, CCCellValue & result, CCFormulaList const * args
     }
     std::size_t const n = std::size_t(size.cx);
     matrix.resize(n * n);
-    result.Set(Determinant(std::move(matrix), n), uchar(C_NF_GENERAL));
+    SetNumber(result, Determinant(std::move(matrix), n));
 }
 
 constexpr FunctionRow kRows[] = {

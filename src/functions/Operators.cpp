@@ -23,7 +23,7 @@ namespace {
 void SetBlankResult(int code, CCCellValue & result) {
     switch (code) {
     case kPower:
-        return result.Set(1.0, uchar(C_NF_GENERAL));
+        return SetNumber(result, 1.0);
     case kEqual:
     case kGreaterOrEqual:
     case kLessOrEqual:
@@ -35,7 +35,7 @@ void SetBlankResult(int code, CCCellValue & result) {
     case kLess:
         return SetTruth(result, false);
     default:
-        return result.Set(0.0, uchar(C_NF_GENERAL));
+        return SetNumber(result, 0.0);
     }
 }
 
@@ -77,7 +77,7 @@ void EvalMinusSign(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
 void EvalPercent(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                  CCRef const * current) {
     EvalArg(ctx, result, args, current);
-    if (result.IsNumber()) result.Set(result.GetNumber() / 100, uchar(C_NF_GENERAL));
+    if (result.IsNumber()) SetNumber(result, result.GetNumber() / 100);
 }
 
 using OwnedRef = std::unique_ptr<CCRef>;

@@ -48,7 +48,7 @@ void EvalAreas(CTX *, CCCellValue & result, CCFormulaList const * args, CCRef co
         int const type = args->formula->GetType();
         count += type == kRefFormula || type == kRefOpFormula;
     }
-    result.Set(count, uchar(C_NF_GENERAL));
+    SetNumber(result, count);
 }
 
 template <bool Rows>
@@ -56,7 +56,7 @@ void EvalSize(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef
     ValueWalk walk(ctx, args->formula, current);
     CSize size;
     if (!walk.IsOpen() || !walk.Size(size)) return result.Set(errValue);
-    result.Set(double(Rows ? size.cy : size.cx), uchar(C_NF_GENERAL));
+    SetNumber(result, double(Rows ? size.cy : size.cx));
 }
 
 // Only the first argument matters; without one it is the cell itself.
@@ -80,7 +80,7 @@ void EvalPosition(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                                : manager->GetDocumentColumn(ref.get(), position)))
             return result.Set(errRef);
     }
-    result.Set(double(position), uchar(C_NF_GENERAL));
+    SetNumber(result, double(position));
 }
 
 // A letter in either case and the digits behind it, modulo 2^32; false for any other text.

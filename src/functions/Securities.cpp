@@ -8,8 +8,6 @@
 namespace cells::internal {
 namespace {
 
-void SetNumber(CCCellValue & result, double number) { result.Set(number, uchar(C_NF_GENERAL)); }
-
 // Discounted securities: two dates, two positive numbers and a basis.
 
 struct Discounted {

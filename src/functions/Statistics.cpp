@@ -199,7 +199,7 @@ void EvalWinner(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
         if (!ForEachValue(ctx, &only, current, compete)) return result.Set(errRef);
     }
     if (winner.IsEmpty())
-        result.Set(0.0, uchar(C_NF_GENERAL));
+        SetNumber(result, 0.0);
     else
         result.Set(winner);
 }
@@ -221,7 +221,7 @@ void EvalCount(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRe
             ctx, &only, current, [&](CCCellValue const & value) { count += !value.IsEmpty(); });
         if (!done) return result.Set(errRef);
     }
-    result.Set(count, uchar(C_NF_GENERAL));
+    SetNumber(result, count);
 }
 
 int CountIfShape(CTX * ctx, CCFormulaList const * args, CCRef const * current) {

@@ -58,7 +58,7 @@ void EvalSumProducts(CTX * ctx, CCCellValue & result, CCFormulaList const * args
         }
         if (more) sum += term;
     }
-    result.Set(sum, uchar(C_NF_GENERAL));
+    SetNumber(result, sum);
 }
 
 template <double (*Term)(double, double)>

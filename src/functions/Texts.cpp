@@ -93,8 +93,7 @@ std::wstring AsText(std::wstring_view text) { return std::wstring(text); }
 
 void EvalLen(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     CString text;
-    if (GetText(ctx, result, text, args, current))
-        result.Set(double(text.GetLength()), uchar(C_NF_GENERAL));
+    if (GetText(ctx, result, text, args, current)) SetNumber(result, double(text.GetLength()));
 }
 
 template <bool FromLeft>
@@ -191,8 +190,7 @@ void EvalFind(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef
     if (third && !GetCount(ctx, result, start, 1, third, current)) return;
     std::wstring_view const text = within.View();
     for (std::size_t at = Cut(start - 1, text.size()); at < text.size(); ++at)
-        if (Fits(text.substr(at), find.View()))
-            return result.Set(double(at + 1), uchar(C_NF_GENERAL));
+        if (Fits(text.substr(at), find.View())) return SetNumber(result, double(at + 1));
     result.Set(errValue);
 }
 
@@ -244,7 +242,7 @@ void EvalCode(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef
     if (!GetText(ctx, result, text, args, current)) return;
     int const byte = text.IsEmpty() ? -1 : ByteOfUnit(text[0], -1);
     if (byte < 0) return result.Set(errValue);
-    result.Set(double(byte), uchar(C_NF_GENERAL));
+    SetNumber(result, double(byte));
 }
 
 // Numbers as text
@@ -305,7 +303,7 @@ void EvalDollar(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
 void EvalValue(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     EvalArg(ctx, result, args, current);
     if (result.IsNumber() || result.IsError()) return;
-    if (result.IsEmpty()) return result.Set(0.0, uchar(C_NF_GENERAL));
+    if (result.IsEmpty()) return SetNumber(result, 0.0);
     CString const text = result.GetTextString();
     wchar_t const * at = text;
     CCCellValue number;

@@ -37,7 +37,7 @@ Outcome SqrtPi(double x) {
 Outcome Tan(double x) { return std::tan(x); }
 
 void EvalPi(CTX *, CCCellValue & result, CCFormulaList const *, CCRef const *) {
-    result.Set(kPi, uchar(C_NF_GENERAL));
+    SetNumber(result, kPi);
 }
 
 constexpr FunctionRow kRows[] = {
