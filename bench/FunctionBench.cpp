@@ -69,4 +69,23 @@ void GrowingPrefixes(benchmark::State & state) {
 }
 BENCHMARK(GrowingPrefixes)->Unit(benchmark::kMillisecond);
 
+// 5,000 exact lookups over 10,000 unsorted rows, after an edit in the table.
+void ExactLookups(benchmark::State & state) {
+    Sheet sheet("C");
+    Sheet::Bulk bulk(sheet);
+    for (int row = 0; row < 10000; ++row) {
+        bulk.Enter({0, row}, std::to_string(row * 7919 % 10007));
+        bulk.Enter({1, row}, std::to_string(row));
+    }
+    for (int i = 0; i < 5000; ++i)
+        bulk.Enter({2, i}, "=VLOOKUP(A" + std::to_string(i * 2 + 1) + ",$A$1:$B$10000,2)");
+    bulk.Commit();
+    int edit = 0;
+    for (auto _ : state) {
+        sheet.Enter("B5000", std::to_string(++edit));
+        sheet.Recalculate();
+    }
+}
+BENCHMARK(ExactLookups)->Unit(benchmark::kMillisecond);
+
 } // namespace
