@@ -205,18 +205,20 @@ void EvalMatch(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRe
 }
 
 void EvalFind(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
-    CCCellValue value;
+    CCCellValue value, key;
     if (!FirstValue(ctx, result, args->formula, current, value)) return;
     double position = 0, found = 0;
-    bool isAbove = false;
-    Status const status = TryEachValue(ctx, args->next, current, [&](CCCellValue const & key) {
-        ++position;
-        if (key.GetType() != value.GetType()) return Status::kDone;
-        isAbove = CompareEQTypeValues(value, key, 1) < 0;
-        if (!isAbove) found = position;
-        return isAbove ? Status::kBadValue : Status::kDone;
-    });
-    SetStatusResult(ctx, isAbove ? Status::kDone : status, result, found, C_NF_GENERAL);
+    for (CCFormulaList const * arg = args->next; arg; arg = arg->next) {
+        ValueWalk walk(ctx, arg->formula, current);
+        if (!walk.IsOpen()) return result.Set(errRef);
+        while (walk.Next(key)) {
+            ++position;
+            if (key.GetType() != value.GetType()) continue;
+            if (CompareEQTypeValues(value, key, 1) < 0) return SetNumber(result, found);
+            found = position;
+        }
+    }
+    SetNumber(result, found);
 }
 
 void EvalFindEx(CTX * ctx, CCCellValue & result, CCFormulaList const * args,

@@ -187,13 +187,31 @@ TEST(Lookup, MovedAndMadeReferencesFollowTheirTargets) {
     EXPECT_EQ(sheet.Text("F5"), "3");
 }
 
+// OFFSET listens to its target alone; INDIRECT to its arguments too.
+TEST(Lookup, OffsetIsNotComputedAgainForItsArguments) {
+    Sheet sheet("C");
+    FillSampleSheet(sheet);
+    sheet.Enter("F1", "1");
+    sheet.Enter("F2", "=OFFSET(A1,F1,0)");
+    sheet.Enter("F3", "=INDIRECT(ADDRESS(F1,1))");
+    sheet.Recalculate();
+    sheet.Enter("F1", "2");
+    sheet.Recalculate();
+    EXPECT_EQ(sheet.Text("F2"), "2");
+    EXPECT_EQ(sheet.Text("F3"), "2");
+    sheet.Enter("A2", "20");
+    sheet.Recalculate();
+    EXPECT_EQ(sheet.Text("F2"), "3"); // its target changed, and the arguments point elsewhere now
+    EXPECT_EQ(sheet.Text("F3"), "20");
+}
+
 TEST(Lookup, AnIndirectOfItselfIsCircular) {
     Sheet sheet("C");
     sheet.Enter("A1", "=INDIRECT(\"A1\")");
-    sheet.Enter("B1", "=VLOOKUP(1,A1:B3,2)");
+    sheet.Enter("B1", "=VLOOKUP(1,A1:A3,1)");
     sheet.Recalculate();
-    EXPECT_NE(sheet.Text("A1"), "");
-    EXPECT_EQ(sheet.Text("B1").front(), '#');
+    EXPECT_EQ(sheet.Text("A1"), "#CIRC!");
+    EXPECT_EQ(sheet.Text("B1"), "#VALUE!"); // no key is 1
 }
 
 namespace {
