@@ -10,6 +10,7 @@ install(DIRECTORY host DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cvcells FILES_MAT
 if(TARGET cvcells_program)
     install(TARGETS cvcells_program)
 endif()
+install(DIRECTORY resources/ DESTINATION ${CMAKE_INSTALL_DATADIR}/cvcells/languages)
 
 configure_package_config_file(cmake/cvcellsConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/cvcellsConfig.cmake
                               INSTALL_DESTINATION ${package_dir})

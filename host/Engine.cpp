@@ -1,6 +1,11 @@
 #include "host/Engine.h"
 
+#include "catalogue/Language.h"
 #include "core/Context.h"
+
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
 
 namespace cells::host {
 
@@ -10,6 +15,20 @@ void StartEngine() {
         ~Running() { CVCellExit(); }
     };
     static Running const running;
+}
+
+void UseLanguageFile(std::filesystem::path const & file) {
+    StartEngine();
+    std::ifstream stream(file, std::ios::binary);
+    std::string const bytes{std::istreambuf_iterator<char>(stream), {}};
+    if (!stream.is_open() || stream.bad())
+        throw std::runtime_error(file.string() + ": the file cannot be read.");
+    LanguageError error;
+    std::optional<Language> language = Language::Read(bytes, error);
+    if (!language)
+        throw std::runtime_error(file.string() + ":" + std::to_string(error.line) + ": " +
+                                 error.message);
+    UseLanguage(*std::move(language));
 }
 
 } // namespace cells::host

@@ -94,3 +94,6 @@
 #include "functions/Shapes.h"
 
 #include "remote/CCTransportInterface.h"
+
+#include "catalogue/CFunctionCategories.h"
+#include "catalogue/Language.h"

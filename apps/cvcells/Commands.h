@@ -33,8 +33,11 @@ int Eval(EvalOptions const & options);
 int Formats(std::string const & locale);
 int Repl(std::string const & locale, std::string const & file);
 int TestFiles(std::string const & locale, std::vector<std::string> const & files);
-// The function catalogue in alphabetical order, or one function of it; as lines of text or as the
-// page of the documentation.
+// The language of formulas and messages from now on: a file, or the name of one in the folders of
+// languages, such as "de". An unknown one throws InputError.
+void ChooseLanguage(std::string const & nameOrFile);
+// The function catalogue by category, or one function of it; as lines of text or as the page of the
+// documentation.
 int Functions(std::string const & name, std::string const & format);
 
 } // namespace cells::app

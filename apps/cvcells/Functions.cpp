@@ -1,7 +1,7 @@
 // The list of functions, for the terminal and for the documentation.
+#include "catalogue/CFunctionCategories.h"
 #include "cvcells/Commands.h"
-#include "formula/FunctionRegistry.h"
-#include "functions/Families.h"
+#include "formula/CCFunc.h"
 #include "host/Engine.h"
 #include "platform/Utf.h"
 
@@ -11,42 +11,24 @@
 namespace cells::app {
 namespace {
 
-struct Entry {
-    std::string name, arguments, description, example, shows;
-    bool computed;
-};
-
-std::string Field(CCFunc const & func, int index) {
-    CString field;
-    func.GetFuncString(field, index);
-    return ToUtf8(field);
+void PrintList(CFunctionCategories const & catalogue) {
+    for (FunctionCategory const & category : catalogue.Categories()) {
+        std::cout << ToUtf8(category.name) << '\n';
+        for (FunctionDescription const & function : category.functions)
+            std::cout << "  " << ToUtf8(function.Call()) << "  " << ToUtf8(function.description)
+                      << (function.func->eval ? "" : "  [not computed yet]") << '\n';
+    }
 }
 
-// All functions, or those of a name, by name.
-std::vector<Entry> Find(std::string const & name) {
-    std::vector<Entry> found;
-    for (int i = 0; i < GetBuiltInFuncSize(); ++i) {
-        CCFunc const & func = *GetBuiltInFunc()[i];
-        CString const local(func.LocalName());
-        if (func.kind != kFunction || (!name.empty() && local.CompareNoCase(FromUtf8(name)) != 0))
-            continue;
-        internal::FunctionRow const & row = *internal::FindFunctionRow(func.stringId);
-        found.push_back({ToUtf8(local), Field(func, 2), Field(func, 1),
-                         ToUtf8(CString(row.example)), ToUtf8(CString(row.shows)),
-                         func.eval != nullptr});
-    }
-    std::sort(found.begin(), found.end(),
-              [](Entry const & a, Entry const & b) { return a.name < b.name; });
-    return found;
-}
-
-void PrintText(std::vector<Entry> const & entries) {
-    for (Entry const & entry : entries) {
-        std::cout << entry.name << '(' << entry.arguments << ")  " << entry.description
-                  << (entry.computed ? "" : "  [not computed yet]") << '\n';
-        if (entries.size() == 1 && !entry.example.empty())
-            std::cout << "    =" << entry.example << " is " << entry.shows << '\n';
-    }
+void PrintOne(FunctionDescription const & function) {
+    std::cout << ToUtf8(function.Call()) << '\n' << ToUtf8(function.description) << '\n';
+    for (FunctionArgument const & argument : function.arguments)
+        std::cout << "  " << ToUtf8(argument.name) << ": " << ToUtf8(NameOfKind(argument.kind))
+                  << (argument.isRepeated ? "..." : "")
+                  << (argument.isOptional ? " (optional)" : "") << '\n';
+    if (!function.example.IsEmpty())
+        std::cout << "  =" << ToUtf8(function.example) << " is " << ToUtf8(function.exampleResult)
+                  << '\n';
 }
 
 constexpr char const * kPageHead = R"(# Functions
@@ -60,14 +42,21 @@ example is missing are known but not computed yet; a call of one gives an empty 
 |---|---|---|---|
 )";
 
-void PrintPage(std::vector<Entry> const & entries) {
+void PrintPage(CFunctionCategories const & catalogue) {
+    std::vector<FunctionDescription> functions;
+    for (FunctionCategory const & category : catalogue.Categories())
+        if (category.number != 0)
+            functions.insert(functions.end(), category.functions.begin(), category.functions.end());
+    std::sort(functions.begin(), functions.end(),
+              [](auto const & a, auto const & b) { return a.name < b.name; });
     std::cout << kPageHead;
-    for (Entry const & entry : entries) {
-        std::cout << "| `" << entry.name << '(' << entry.arguments << ")` | " << entry.description;
-        if (entry.example.empty())
+    for (FunctionDescription const & function : functions) {
+        std::cout << "| `" << ToUtf8(function.Call()) << "` | " << ToUtf8(function.description);
+        if (function.example.IsEmpty())
             std::cout << " | | |\n";
         else
-            std::cout << " | `=" << entry.example << "` | `" << entry.shows << "` |\n";
+            std::cout << " | `=" << ToUtf8(function.example) << "` | `"
+                      << ToUtf8(function.exampleResult) << "` |\n";
     }
 }
 
@@ -75,15 +64,19 @@ void PrintPage(std::vector<Entry> const & entries) {
 
 int Functions(std::string const & name, std::string const & format) {
     host::StartEngine();
-    std::vector<Entry> const entries = Find(name);
-    if (entries.empty()) {
-        std::cerr << "cvcells: no function " << name << '\n';
-        return 1;
+    CFunctionCategories const catalogue = getCategories();
+    if (!name.empty()) {
+        FunctionDescription const * const function = catalogue.Find(FromUtf8(name));
+        if (!function) {
+            std::cerr << "cvcells: no function " << name << '\n';
+            return 1;
+        }
+        PrintOne(*function);
+    } else if (format == "markdown") {
+        PrintPage(catalogue);
+    } else {
+        PrintList(catalogue);
     }
-    if (format == "markdown")
-        PrintPage(entries);
-    else
-        PrintText(entries);
     return 0;
 }
 

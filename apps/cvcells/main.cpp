@@ -1,8 +1,10 @@
 // cvcells: calculates sheets, evaluates entries, runs sessions.
 #include "cvcells/Commands.h"
+#include "cvcells/Csv.h"
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <iostream>
 
 namespace {
 
@@ -95,6 +97,10 @@ int main(int argc, char ** argv) {
     CLI::App app("cvcells, a spreadsheet calculation engine", "cvcells");
     app.set_version_flag("--version", CVCELLS_VERSION);
     app.require_subcommand(1);
+    app.fallthrough();
+    std::string language;
+    app.add_option("--language", language,
+                   "the language of function names and messages, such as de, or a file of strings");
     app.footer("Example: cvcells eval --set A1=1200 '=A1*1.05'");
     std::function<int()> run;
     AddCalc(app, run);
@@ -107,6 +113,12 @@ int main(int argc, char ** argv) {
         app.parse(argc, argv);
     } catch (CLI::ParseError const & error) {
         return app.exit(error) == 0 ? 0 : kBadUsage;
+    }
+    try {
+        if (!language.empty()) cells::app::ChooseLanguage(language);
+    } catch (cells::app::InputError const & error) {
+        std::cerr << "cvcells: " << error.what() << '\n';
+        return kBadUsage;
     }
     return run();
 }

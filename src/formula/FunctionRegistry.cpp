@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr int kEntries = 277;
 constexpr unsigned short kNoEntry = 0xFFFF;
 
 using NameOf = wchar_t const * (CCFunc::*)() const;
@@ -45,10 +44,9 @@ public:
     // Calls `test` with each function whose name begins with `first`, until it gives true.
     template <typename Test>
     CCFunc * FindFrom(wchar_t first, Test && test) const {
-        // The bound is the size of the table, also as a limit of the first character.
-        if (first == 0 || first > kEntries) return nullptr;
+        if (first == 0 || first > cells::internal::kLastFirstUnit) return nullptr;
         std::size_t i = m_Index[first & 0xFF];
-        for (; i < m_Functions.size() && i < kEntries; ++i) {
+        for (; i < m_Functions.size(); ++i) {
             wchar_t const * const name = m_Names[i];
             if (name[0] != first && (name[0] & 0xFF) == (first & 0xFF)) continue;
             if (name[0] != first) return nullptr;

@@ -30,6 +30,10 @@ namespace cells::internal {
 
 enum class NameTable { kLocal, kEnglish };
 
+// Names that begin beyond this unit are not found: the bound is the number of entries, also as a
+// limit of the first unit.
+constexpr wchar_t kLastFirstUnit = 277;
+
 // The longest name of that kind at the head of the text, which then moves behind it; or null.
 CVCELLS_API CCFunc * TakeFunctionName(NameTable table, wchar_t const *& text, uchar kind);
 // The operator or function whose English name and kind these are; or null.

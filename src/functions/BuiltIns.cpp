@@ -60,7 +60,7 @@ Functions & All() {
 
 wchar_t const * EnglishString(unsigned int id) {
     auto const found = All().strings.find(id);
-    return found == All().strings.end() ? nullptr : found->second.c_str();
+    return found == All().strings.end() ? OperatorString(id) : found->second.c_str();
 }
 
 Functions::Entry const * FindEntry(unsigned int id) {
@@ -83,9 +83,12 @@ CCFunc * FindFunctionObject(unsigned int id) {
     return entry ? entry->func.get() : nullptr;
 }
 
-FunctionRow const * FindFunctionRow(unsigned int id) {
-    Functions::Entry const * const entry = FindEntry(id);
-    return entry ? entry->row : nullptr;
+CatalogueFacts CatalogueFactsOf(CCFunc const & func) {
+    if (func.stringId == 0) return OperatorFacts(func);
+    Functions::Entry const * const entry = FindEntry(func.stringId);
+    if (!entry) return {};
+    FunctionRow const & row = *entry->row;
+    return {row.id, row.kinds, row.example, row.shows};
 }
 
 } // namespace cells::internal

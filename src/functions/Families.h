@@ -1,7 +1,8 @@
 // The families of built-in functions.
 //
-// A function is one row of its family's table: number, English name, class, the shape of its call,
-// its body, and what the catalogue says of it. Adding a function is adding a row (and its body).
+// A function is one row of its family's table: number, English name, what the catalogue says of its
+// arguments and of itself, the shape of its call and its body. Adding a function is adding a row
+// (and its body).
 #pragma once
 
 #include "formula/CCDocumentRef.h"
@@ -13,30 +14,35 @@ namespace cells::internal {
 
 struct FunctionRow {
     // A name whose body has not come yet.
-    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, wchar_t const * d)
-        : id(i), name(n), arguments(a), description(d) {}
-    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, wchar_t const * d,
-                          CheckFn c, EvalFn e, EFuncType t = kPlainFunc, ChoiceFn ch = nullptr,
-                          bool r = true)
-        : id(i), name(n), arguments(a), description(d), check(c), eval(e), type(t), choice(ch),
-          reachable(r) {}
+    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, char const * k,
+                          wchar_t const * d)
+        : id(i), name(n), arguments(a), kinds(k), description(d) {}
+    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, char const * k,
+                          wchar_t const * d, CheckFn c, EvalFn e, EFuncType t = kPlainFunc,
+                          ChoiceFn ch = nullptr, bool r = true)
+        : id(i), name(n), arguments(a), kinds(k), description(d), check(c), eval(e), type(t),
+          choice(ch), reachable(r) {}
     // With an example and what a cell shows for it.
-    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, wchar_t const * d,
-                          wchar_t const * x, wchar_t const * s, CheckFn c, EvalFn e,
-                          EFuncType t = kPlainFunc, ChoiceFn ch = nullptr)
-        : id(i), name(n), arguments(a), description(d), example(x), shows(s), check(c), eval(e),
-          type(t), choice(ch) {}
+    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, char const * k,
+                          wchar_t const * d, wchar_t const * x, wchar_t const * s, CheckFn c,
+                          EvalFn e, EFuncType t = kPlainFunc, ChoiceFn ch = nullptr)
+        : id(i), name(n), arguments(a), kinds(k), description(d), example(x), shows(s), check(c),
+          eval(e), type(t), choice(ch) {}
 
     // A property of the document, with an example.
-    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, wchar_t const * d,
-                          wchar_t const * x, wchar_t const * s, CheckFn c, EvalFn e, DocumentFn p)
-        : FunctionRow(i, n, a, d, x, s, c, e, kDocumentFunc) {
+    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, char const * k,
+                          wchar_t const * d, wchar_t const * x, wchar_t const * s, CheckFn c,
+                          EvalFn e, DocumentFn p)
+        : FunctionRow(i, n, a, k, d, x, s, c, e, kDocumentFunc) {
         property = p;
     }
 
     unsigned int id; // its string resource
     wchar_t const * name;
-    wchar_t const * arguments;   // separated by "; "; "..." marks a repeated one
+    wchar_t const * arguments; // separated by "; "; "..." marks a repeated one
+    // A letter an argument: v value, n number, t text, d date or time, l truth value, r values (a
+    // range, an array or one), f reference. Those in brackets may be left out.
+    char const * kinds;
     wchar_t const * description; // one line
     wchar_t const * example = nullptr;
     wchar_t const * shows = nullptr;
@@ -51,8 +57,14 @@ struct FunctionRow {
 // The object of a function by its string resource, also of one that no name leads to; null for no
 // function.
 CVCELLS_API CCFunc * FindFunctionObject(unsigned int id);
-// The row of a function, or null.
-CVCELLS_API FunctionRow const * FindFunctionRow(unsigned int id);
+// What the catalogue says of a function or an operator beside its strings.
+struct CatalogueFacts {
+    unsigned int strings = 0; // the string resource with name, description and arguments
+    char const * kinds = "";  // as in FunctionRow
+    wchar_t const * example = nullptr;
+    wchar_t const * shows = nullptr;
+};
+CVCELLS_API CatalogueFacts CatalogueFactsOf(CCFunc const & func);
 
 struct FunctionFamily {
     uchar category;

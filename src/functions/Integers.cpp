@@ -102,16 +102,18 @@ void EvalMultinomial(CTX * ctx, CCCellValue & result, CCFormulaList const * args
 }
 
 constexpr FunctionRow kRows[] = {
-    {13054, L"FACT", L"number", L"Factorial of the whole part of a number.", L"FACT(5.9)", L"120",
-     Singles<1>, OfNumbers<Fact>},
-    {13055, L"FACTDOUBLE", L"number", L"Product of every second whole number down from a number.",
-     L"FACTDOUBLE(7)", L"105", Singles<1>, OfNumbers<FactDouble>},
-    {13056, L"GCD", L"number...", L"Greatest common divisor of whole numbers.", L"GCD(12,18)", L"6",
-     AtLeast<1>, EvalGcd},
-    {13058, L"LCM", L"number...", L"Least common multiple of whole numbers.", L"LCM(4,6)", L"12",
-     AtLeast<1>, EvalLcm},
-    {13065, L"MULTINOMIAL", L"number...", L"Factorial of a sum over the product of the factorials.",
-     L"MULTINOMIAL(2,3,4)", L"1260", AtLeast<1>, EvalMultinomial},
+    {13054, L"FACT", L"number", "n", L"Factorial of the whole part of a number.", L"FACT(5.9)",
+     L"120", Singles<1>, OfNumbers<Fact>},
+    {13055, L"FACTDOUBLE", L"number", "n",
+     L"Product of every second whole number down from a number.", L"FACTDOUBLE(7)", L"105",
+     Singles<1>, OfNumbers<FactDouble>},
+    {13056, L"GCD", L"number...", "r", L"Greatest common divisor of whole numbers.", L"GCD(12,18)",
+     L"6", AtLeast<1>, EvalGcd},
+    {13058, L"LCM", L"number...", "r", L"Least common multiple of whole numbers.", L"LCM(4,6)",
+     L"12", AtLeast<1>, EvalLcm},
+    {13065, L"MULTINOMIAL", L"number...", "r",
+     L"Factorial of a sum over the product of the factorials.", L"MULTINOMIAL(2,3,4)", L"1260",
+     AtLeast<1>, EvalMultinomial},
 };
 
 } // namespace

@@ -32,13 +32,14 @@ void EvalIf(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef c
 }
 
 constexpr FunctionRow kRows[] = {
-    {13223, L"AND", L"value...", L"TRUE when no value is 0.", L"AND(1,2,0)", L"FALSE", AtLeast<0>,
-     Fold<kAnd>},
-    {13224, L"IF", L"condition; then; else", L"One of two values by a condition.",
+    {13223, L"AND", L"value...", "[r]", L"TRUE when no value is 0.", L"AND(1,2,0)", L"FALSE",
+     AtLeast<0>, Fold<kAnd>},
+    {13224, L"IF", L"condition; then; else", "v[vv]", L"One of two values by a condition.",
      L"IF(1>2,\"yes\",\"no\")", L"no", FirstSingle<1>, EvalIf, kChooseFunc, ChooseBranch},
-    {13225, L"NOT", L"value", L"TRUE when a value is 0.", L"NOT(0)", L"TRUE", Singles<1>, EvalNot},
-    {13226, L"OR", L"value...", L"TRUE when a value is not 0.", L"OR(0,0,3)", L"TRUE", AtLeast<0>,
-     Fold<kOr>},
+    {13225, L"NOT", L"value", "v", L"TRUE when a value is 0.", L"NOT(0)", L"TRUE", Singles<1>,
+     EvalNot},
+    {13226, L"OR", L"value...", "[r]", L"TRUE when a value is not 0.", L"OR(0,0,3)", L"TRUE",
+     AtLeast<0>, Fold<kOr>},
 };
 
 } // namespace

@@ -1,7 +1,7 @@
 // Names, strengths and bodies of the operators.
 #pragma once
 
-#include "formula/CCFunc.h"
+#include "functions/Families.h"
 
 #include <vector>
 
@@ -9,5 +9,9 @@ namespace cells::internal {
 
 // Fills the operators' objects and adds them to the list.
 void InitOperators(std::vector<CCFunc *> & functions);
+
+// The strings of an operator: glyph, description and operands; null for no operator.
+wchar_t const * OperatorString(unsigned int id);
+CatalogueFacts OperatorFacts(CCFunc const & func);
 
 } // namespace cells::internal

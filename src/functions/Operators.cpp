@@ -13,6 +13,7 @@
 #include "functions/Ranges.h"
 #include "functions/ReferenceArguments.h"
 #include "functions/Shapes.h"
+#include "platform/Resources.h"
 
 #include <memory>
 
@@ -182,32 +183,54 @@ void EvalFullRef(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
 struct OperatorRow {
     Operator op;
     wchar_t const * glyph;
+    wchar_t const * strings; // glyph, description and operands, a line each
+    char const * kinds;      // of the operands, as in FunctionRow
     uchar priority, kind;
     CheckFn check;
     EvalFn eval;
 };
 
 constexpr OperatorRow kRows[kOperators] = {
-    {Operator::kOr, L"|", 10, kInfix, AtLeast<0>, Fold<kOr>},
-    {Operator::kAnd, L"&", 20, kInfix, AtLeast<0>, Fold<kAnd>},
-    {Operator::kNot, L"~", 30, kPrefix, Singles<1>, EvalNot},
-    {Operator::kGreater, L">", 40, kInfix, AtLeast<2>, Fold<kGreater>},
-    {Operator::kGreaterOrEqual, L">=", 40, kInfix, AtLeast<2>, Fold<kGreaterOrEqual>},
-    {Operator::kLess, L"<", 40, kInfix, AtLeast<2>, Fold<kLess>},
-    {Operator::kLessOrEqual, L"<=", 40, kInfix, AtLeast<2>, Fold<kLessOrEqual>},
-    {Operator::kEqual, L"=", 40, kInfix, AtLeast<2>, Fold<kEqual>},
-    {Operator::kNotEqual, L"<>", 40, kInfix, AtLeast<2>, Fold<kNotEqual>},
-    {Operator::kAdd, L"+", 50, kInfix, AtLeast<1>, Fold<kAdd>},
-    {Operator::kSubtract, L"-", 50, kInfix, AtLeast<1>, Fold<kSubtract>},
-    {Operator::kMultiply, L"*", 60, kInfix, AtLeast<0>, Fold<kMultiply>},
-    {Operator::kDivide, L"/", 60, kInfix, AtLeast<1>, Fold<kDivide>},
-    {Operator::kPower, L"^", 70, kInfix, AtLeast<2>, Fold<kPower>},
-    {Operator::kPercent, L"%", 80, kPostfix, Singles<1>, EvalPercent},
-    {Operator::kPlusSign, L"+", 90, kPrefix, Singles<1>, EvalPlusSign},
-    {Operator::kMinusSign, L"-", 90, kPrefix, Singles<1>, EvalMinusSign},
-    {Operator::kRange, L"..", 100, kInfix, AtLeast<2>, EvalRange},
-    {Operator::kSheetRange, L":", 100, kInfix, Between<1, 2>, EvalSheetRange},
-    {Operator::kFullRef, L"!", 100, kInfix, Exactly<2>, EvalFullRef},
+    {Operator::kOr, L"|", L"|\nLogical OR of two values.\nvalue; value...", "vv", 10, kInfix,
+     AtLeast<0>, Fold<kOr>},
+    {Operator::kAnd, L"&", L"&\nLogical AND of two values.\nvalue; value...", "vv", 20, kInfix,
+     AtLeast<0>, Fold<kAnd>},
+    {Operator::kNot, L"~", L"~\nTRUE when the value is 0.\nvalue", "v", 30, kPrefix, Singles<1>,
+     EvalNot},
+    {Operator::kGreater, L">", L">\nLeft value above the right one.\nvalue; value", "vv", 40,
+     kInfix, AtLeast<2>, Fold<kGreater>},
+    {Operator::kGreaterOrEqual, L">=", L">=\nLeft value above or equal.\nvalue; value", "vv", 40,
+     kInfix, AtLeast<2>, Fold<kGreaterOrEqual>},
+    {Operator::kLess, L"<", L"<\nLeft value below the right one.\nvalue; value", "vv", 40, kInfix,
+     AtLeast<2>, Fold<kLess>},
+    {Operator::kLessOrEqual, L"<=", L"<=\nLeft value below or equal.\nvalue; value", "vv", 40,
+     kInfix, AtLeast<2>, Fold<kLessOrEqual>},
+    {Operator::kEqual, L"=", L"=\nEqual values.\nvalue; value", "vv", 40, kInfix, AtLeast<2>,
+     Fold<kEqual>},
+    {Operator::kNotEqual, L"<>", L"<>\nDifferent values.\nvalue; value", "vv", 40, kInfix,
+     AtLeast<2>, Fold<kNotEqual>},
+    {Operator::kAdd, L"+", L"+\nSum, or joined text.\nvalue; value...", "vv", 50, kInfix,
+     AtLeast<1>, Fold<kAdd>},
+    {Operator::kSubtract, L"-", L"-\nDifference.\nvalue; value...", "vv", 50, kInfix, AtLeast<1>,
+     Fold<kSubtract>},
+    {Operator::kMultiply, L"*", L"*\nProduct.\nvalue; value...", "vv", 60, kInfix, AtLeast<0>,
+     Fold<kMultiply>},
+    {Operator::kDivide, L"/", L"/\nQuotient.\nvalue; value...", "vv", 60, kInfix, AtLeast<1>,
+     Fold<kDivide>},
+    {Operator::kPower, L"^", L"^\nPower.\nbase; exponent...", "nn", 70, kInfix, AtLeast<2>,
+     Fold<kPower>},
+    {Operator::kPercent, L"%", L"%\nHundredth part.\nvalue", "n", 80, kPostfix, Singles<1>,
+     EvalPercent},
+    {Operator::kPlusSign, L"+", L"+\nValue as it is.\nvalue", "v", 90, kPrefix, Singles<1>,
+     EvalPlusSign},
+    {Operator::kMinusSign, L"-", L"-\nNumber with the other sign.\nvalue", "n", 90, kPrefix,
+     Singles<1>, EvalMinusSign},
+    {Operator::kRange, L"..", L"..\nRegion between two cells.\ncorner; corner", "ff", 100, kInfix,
+     AtLeast<2>, EvalRange},
+    {Operator::kSheetRange, L":", L":\nSheet, or run of sheets.\nsheet; sheet", "t[t]", 100, kInfix,
+     Between<1, 2>, EvalSheetRange},
+    {Operator::kFullRef, L"!", L"!\nReference on a sheet.\nsheet; reference", "tf", 100, kInfix,
+     Exactly<2>, EvalFullRef},
 };
 
 bool BuildsReference(Operator op) { return op >= Operator::kRange; }
@@ -232,6 +255,18 @@ OperatorObjects & Objects() {
 } // namespace
 
 CCFunc * OperatorObject(Operator op) { return Objects().objects[int(op)].get(); }
+
+wchar_t const * OperatorString(unsigned int id) {
+    bool const isOne = id >= kStringFirstOperator && id < kStringFirstOperator + kOperators;
+    return isOne ? kRows[id - kStringFirstOperator].strings : nullptr;
+}
+
+CatalogueFacts OperatorFacts(CCFunc const & func) {
+    for (int i = 0; i < kOperators; ++i)
+        if (OperatorObject(Operator(i)) == &func)
+            return {kStringFirstOperator + unsigned(i), kRows[i].kinds};
+    return {};
+}
 
 void InitOperators(std::vector<CCFunc *> & functions) {
     for (OperatorRow const & row : kRows) {

@@ -223,23 +223,25 @@ int RankShape(CTX * ctx, CCFormulaList const * args, CCRef const * current) {
 }
 
 constexpr FunctionRow kRows[] = {
-    {13123, L"LARGE", L"rank; value...", L"The number of a given rank counted from the largest.",
-     L"LARGE(2,{5,1,4})", L"4", FirstSingle<2>, EvalRanked<true>},
-    {13125, L"MEDIAN", L"value...", L"Middle number, or mean of the two middle ones.",
+    {13123, L"LARGE", L"rank; value...", "nr",
+     L"The number of a given rank counted from the largest.", L"LARGE(2,{5,1,4})", L"4",
+     FirstSingle<2>, EvalRanked<true>},
+    {13125, L"MEDIAN", L"value...", "r", L"Middle number, or mean of the two middle ones.",
      L"MEDIAN(4,1,3,2)", L"2.5", AtLeast<1>, EvalMedian},
-    {13127, L"MODE", L"value...", L"Most frequent number.", L"MODE(1,2,2,3,3)", L"2", AtLeast<1>,
-     EvalMode},
-    {13132, L"PERCENTILE", L"share; range", L"Value below which a share of the numbers lies.",
+    {13127, L"MODE", L"value...", "r", L"Most frequent number.", L"MODE(1,2,2,3,3)", L"2",
+     AtLeast<1>, EvalMode},
+    {13132, L"PERCENTILE", L"share; range", "nr", L"Value below which a share of the numbers lies.",
      L"PERCENTILE(0.5,{1,2,4,5})", L"3", Exactly<2>, EvalPercentile},
-    {13133, L"PERCENTRANK", L"x; range", L"Rank of a value as a share of the numbers.",
+    {13133, L"PERCENTRANK", L"x; range", "nr", L"Rank of a value as a share of the numbers.",
      L"PERCENTRANK(2,{1,2,3,4,5})", L"0.25", Exactly<2>, EvalPercentRank},
-    {13137, L"QUARTILE", L"quarter; range",
+    {13137, L"QUARTILE", L"quarter; range", "nr",
      L"Minimum, quartile, median or maximum, by a number from 0 to 4.", L"QUARTILE(1,{1,2,3,4,5})",
      L"2", Exactly<2>, EvalQuartile},
-    {13138, L"RANK", L"x; range; order", L"Position of a number among numbers.",
+    {13138, L"RANK", L"x; range; order", "nr[n]", L"Position of a number among numbers.",
      L"RANK(2,{1,2,2,3})", L"3", RankShape, EvalRank},
-    {13142, L"SMALL", L"rank; value...", L"The number of a given rank counted from the smallest.",
-     L"SMALL(2,{5,1,4})", L"4", FirstSingle<2>, EvalRanked<false>},
+    {13142, L"SMALL", L"rank; value...", "nr",
+     L"The number of a given rank counted from the smallest.", L"SMALL(2,{5,1,4})", L"4",
+     FirstSingle<2>, EvalRanked<false>},
 };
 
 } // namespace

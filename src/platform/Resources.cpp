@@ -44,6 +44,25 @@ constexpr Entry kEnglish[] = {
     {13388, L"#ERR7"},
     {13389, L"#ERR8"},
     {13390, L"#N/A"},
+    {20000, L"Operators"},
+    {20001, L"Mathematics"},
+    {20002, L"Trigonometry"},
+    {20003, L"Logic"},
+    {20004, L"Statistics"},
+    {20005, L"Date and time"},
+    {20006, L"Text"},
+    {20007, L"Financial"},
+    {20008, L"Lookup and reference"},
+    {20009, L"Information"},
+    {20010, L"Remote data"},
+    {20011, L"Document"},
+    {20020, L"value"},
+    {20021, L"number"},
+    {20022, L"text"},
+    {20023, L"date or time"},
+    {20024, L"truth value"},
+    {20025, L"values or range"},
+    {20026, L"reference"},
 };
 
 constexpr int kErrorsWithString = 9;
@@ -64,11 +83,10 @@ CString LoadString(unsigned int id) {
 }
 
 CString LoadEnglishString(unsigned int id) {
-    if (id >= kStringFirstFunction && id <= kStringLastFunction)
-        return FunctionStrings() ? CString(FunctionStrings()(id)) : CString();
     auto const * entry = std::lower_bound(std::begin(kEnglish), std::end(kEnglish), id,
                                           [](Entry const & e, unsigned int n) { return e.id < n; });
-    return entry != std::end(kEnglish) && entry->id == id ? CString(entry->text) : CString();
+    if (entry != std::end(kEnglish) && entry->id == id) return CString(entry->text);
+    return FunctionStrings() ? CString(FunctionStrings()(id)) : CString();
 }
 
 bool GetField(CString const & text, int index, CString & field) {

@@ -1,4 +1,5 @@
-// String resources by number: messages, the words TRUE and FALSE, error texts, function names.
+// String resources by number: messages, the words TRUE and FALSE, error texts, the strings of
+// functions and operators, and the words of the function catalogue.
 //
 // A host's own table, Services::loadString, is asked first; English is built in. A number without
 // a text gives the empty string.
@@ -23,7 +24,10 @@ enum StringId : unsigned int {
     kStringListSeparator = 13043,
     kStringFirstFunction = 13044,
     kStringLastFunction = 13305,
-    kStringErrorBase = 13381, // error N has the string kStringErrorBase + N
+    kStringErrorBase = 13381,     // error N has the string kStringErrorBase + N
+    kStringFirstCategory = 20000, // of functions, by category number
+    kStringFirstArgumentKind = 20020,
+    kStringFirstOperator = 20101,
 };
 
 CVCELLS_API CString LoadString(unsigned int id);
@@ -36,8 +40,8 @@ CVCELLS_API bool GetField(CString const & text, int index, CString & field);
 // The printed form of an error value; numbers without a string print "#ERR" and the number.
 CVCELLS_API CString ErrorText(int error);
 
-// The English strings of functions live beside their bodies: the function table names its source
-// here, which gives the text of a number or null.
+// The English strings of functions and operators live beside their bodies: the function table names
+// its source here, which gives the text of a number or null.
 using StringSource = wchar_t const * (*)(unsigned int id);
 CVCELLS_API void SetFunctionStrings(StringSource source);
 
