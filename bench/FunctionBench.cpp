@@ -69,23 +69,45 @@ void GrowingPrefixes(benchmark::State & state) {
 }
 BENCHMARK(GrowingPrefixes)->Unit(benchmark::kMillisecond);
 
-// 5,000 exact lookups over 10,000 unsorted rows, after an edit in the table.
-void ExactLookups(benchmark::State & state) {
-    Sheet sheet("C");
-    Sheet::Bulk bulk(sheet);
-    for (int row = 0; row < 10000; ++row) {
-        bulk.Enter({0, row}, std::to_string(row * 7919 % 10007));
+// 5,000 exact lookups over unsorted rows: keys in column A, results in B, searched keys in D.
+void FillLookups(Sheet::Bulk & bulk, int rows) {
+    for (int row = 0; row < rows; ++row) {
+        bulk.Enter({0, row}, std::to_string(row * 7919LL % rows));
         bulk.Enter({1, row}, std::to_string(row));
     }
-    for (int i = 0; i < 5000; ++i)
-        bulk.Enter({2, i}, "=VLOOKUP(A" + std::to_string(i * 2 + 1) + ",$A$1:$B$10000,2)");
+    std::string const table = ",$A$1:$B$" + std::to_string(rows) + ",2)";
+    for (int i = 0; i < 5000; ++i) {
+        bulk.Enter({3, i}, std::to_string(i * 2));
+        bulk.Enter({4, i}, "=VLOOKUP(D" + std::to_string(i + 1) + table);
+    }
+}
+
+void LoadExactLookups(benchmark::State & state) {
+    for (auto _ : state) {
+        Sheet sheet("C");
+        Sheet::Bulk bulk(sheet);
+        FillLookups(bulk, 10000);
+        bulk.Commit();
+    }
+}
+BENCHMARK(LoadExactLookups)->Unit(benchmark::kMillisecond);
+
+// After an edit of a cell: of a searched key, of a result, of a key of the table. At each edit of
+// the table all 5,000 are computed.
+void ExactLookups(benchmark::State & state, char const * edited, int rows) {
+    Sheet sheet("C");
+    Sheet::Bulk bulk(sheet);
+    FillLookups(bulk, rows);
     bulk.Commit();
     int edit = 0;
     for (auto _ : state) {
-        sheet.Enter("B5000", std::to_string(++edit));
+        sheet.Enter(edited, std::to_string(++edit));
         sheet.Recalculate();
     }
 }
-BENCHMARK(ExactLookups)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ExactLookups, SearchedKey, "D5000", 10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(ExactLookups, ResultOfTheTable, "B5000", 10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(ExactLookups, KeyOfTheTable, "A5000", 10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(ExactLookups, TallTable, "B5000", 65536)->Unit(benchmark::kMicrosecond);
 
 } // namespace

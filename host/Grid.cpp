@@ -1,5 +1,7 @@
 #include "host/Grid.h"
 
+#include <cwchar>
+#include <utility>
 #include <vector>
 
 namespace cells::host {
@@ -28,6 +30,7 @@ GridCell & Grid::MakeCell(Place place) {
         page.numberMask &= ~bit;
     }
     page.cellMask |= bit;
+    cell->Join(*this);
     return *cell;
 }
 
@@ -37,10 +40,70 @@ void Grid::PutNumber(Place place, double number, std::uint32_t format) {
     page.numbers->values[Slot(place)] = number;
     page.numbers->formats[Slot(place)] = format;
     page.numberMask |= std::uint64_t(1) << Slot(place);
+    NoteChange(place);
 }
 
 void Grid::RemoveNumber(Place place) {
-    if (FindPage(place)) MakePage(place).numberMask &= ~(std::uint64_t(1) << Slot(place));
+    if (!FindPage(place)) return;
+    MakePage(place).numberMask &= ~(std::uint64_t(1) << Slot(place));
+    NoteChange(place);
+}
+
+void Grid::Read(Place place, CCCellValue & value) const {
+    double number;
+    std::uint32_t packed;
+    if (FindNumber(place, number, packed)) {
+        value.Set(number);
+        value.GetFormat().UnpackPlain(packed);
+    } else if (GridCell const * cell = FindCell(place)) {
+        value.Set(cell->CCCell::GetValue());
+    } else {
+        value.Set();
+    }
+}
+
+// Keys
+
+bool Grid::Holds(Place place, CCCellValue const & key) const {
+    double number;
+    std::uint32_t format;
+    if (FindNumber(place, number, format)) return key.IsNumber() && key.GetNumber() == number;
+    GridCell const * const cell = FindCell(place);
+    if (!cell || cell->CCCell::GetValue().GetType() != key.GetType()) return false;
+    CCCellValue const & value = cell->CCCell::GetValue();
+    return key.IsNumber() ? key.GetNumber() == value.GetNumber()
+                          : std::wcscmp(key.GetText(), value.GetText()) == 0;
+}
+
+void GridCell::OnValueStored() {
+    if (m_pGrid) m_pGrid->NoteChange(At());
+}
+
+void Grid::NoteChange(Place place) {
+    ColumnKeys & keys = m_Keys[std::size_t(place.column)];
+    if (keys.index && !keys.index->NoteChange(place.row)) keys = {};
+}
+
+bool Grid::FindKey(Area const & area, CCCellValue const & key, int & position) {
+    constexpr int kFewRows = 16;
+    if (area.last.row - area.first.row < kFewRows || !KeyIndex::IsKey(key)) return false;
+    bool served = true;
+    for (int column = area.first.column; column <= area.last.column; ++column)
+        served = std::exchange(m_Keys[std::size_t(column)].searched, true) && served;
+    if (!served) return false;
+    position = -1;
+    int const width = area.last.column - area.first.column + 1;
+    int lastRow = area.last.row; // only a row above the best one can take over
+    for (int column = area.first.column; column <= area.last.column; ++column) {
+        if (!m_Columns[std::size_t(column)]) continue;
+        std::unique_ptr<KeyIndex> & index = m_Keys[std::size_t(column)].index;
+        if (!index) index = std::make_unique<KeyIndex>(*this, column);
+        int const row = index->Find(key, area.first.row, lastRow);
+        if (row < 0) continue;
+        position = (row - area.first.row) * width + column - area.first.column;
+        lastRow = row - 1;
+    }
+    return true;
 }
 
 bool Grid::NumberAt(Page const & page, std::size_t slot, double & number) {

@@ -9,6 +9,7 @@
 #include "core/BulkRead.h"
 #include "core/CCCell.h"
 #include "formula/CCRCRef.h"
+#include "host/KeyIndex.h"
 #include "host/Place.h"
 
 #include <array>
@@ -19,6 +20,8 @@
 
 namespace cells::host {
 
+class Grid;
+
 // A cell of the grid.
 class GridCell final : public CCCell {
 public:
@@ -27,6 +30,9 @@ public:
     CCRef const * GetRef() const override { return &m_Ref; }
     bool IsEqual(CCItem const * item) const override { return item == this; }
     void OnValueChanged(CTX * ctx) override;
+    void OnValueStored() override;
+    // From now on the grid hears of every value that is stored here.
+    void Join(Grid & grid) { m_pGrid = &grid; }
 
     Place At() const { return {m_Ref.col, m_Ref.row}; }
     // Stores a formula without computing it; see CCCell::StoreFormula.
@@ -34,6 +40,7 @@ public:
 
 private:
     CCRCRef m_Ref;
+    Grid * m_pGrid = nullptr;
 };
 
 class Grid {
@@ -64,6 +71,16 @@ public:
     void PutNumber(Place place, double number, std::uint32_t format);
     void RemoveNumber(Place place);
 
+    // The value at a place; an empty one where nothing stands.
+    void Read(Place place, CCCellValue & value) const;
+    // Whether this number or text stands there: the same type and the same content.
+    bool Holds(Place place, CCCellValue const & key) const;
+    // Told by cells of the grid.
+    void NoteChange(Place place);
+
+    // The position of the first place of the area, row by row, that holds this number or text; -1
+    // for none. False where looking at one place after the other is the better way.
+    bool FindKey(Area const & area, CCCellValue const & key, int & position);
     // Gives every number of the area to the sink, row by row.
     void ReadNumbers(Area const & area, NumberSink & sink) const;
 
@@ -125,6 +142,12 @@ private:
     static bool NumberAt(Page const & page, std::size_t slot, double & number);
 
     std::array<std::unique_ptr<Column>, kColumns> m_Columns;
+    // Of columns that were searched for a key: empty after the first search, made by the second.
+    struct ColumnKeys {
+        bool searched = false;
+        std::unique_ptr<KeyIndex> index;
+    };
+    std::array<ColumnKeys, kColumns> m_Keys;
 };
 
 template <typename Visit>

@@ -108,25 +108,12 @@ int SheetManager::IsSingleValue(CCRef const * ref) {
     return target && (target->GetType() == kRefCell || RegionOf(target).IsSingle());
 }
 
-void SheetManager::ReadPlace(Place place, CCCellValue & value) const {
-    double number;
-    std::uint32_t packed;
-    if (m_Grid.FindNumber(place, number, packed)) {
-        value.Set(number);
-        value.GetFormat().UnpackPlain(packed);
-    } else if (GridCell const * cell = m_Grid.FindCell(place)) {
-        value.Set(cell->CCCell::GetValue());
-    } else {
-        value.Set();
-    }
-}
-
 int SheetManager::GetValue(CCRef const * ref, CCCellValue & value, int index) {
     bool const direct = ref->Kind() == kRefCell || ref->Kind() == kRefRegion;
     CCRef const * const target = direct ? ref : Target(ref);
     if (!target || index < 0) return 0;
     if (target->Kind() == kRefCell) {
-        if (index == 0) ReadPlace(PlaceOf(target), value);
+        if (index == 0) m_Grid.Read(PlaceOf(target), value);
         return index == 0;
     }
     CCRegionRef const & region = RegionOf(target);
@@ -134,7 +121,7 @@ int SheetManager::GetValue(CCRef const * ref, CCCellValue & value, int index) {
     unsigned const row = width == 1 ? at : at / width;
     Place const place{region.left + int(at - row * width), region.top + int(row)};
     if (place.row > region.bottom) return 0;
-    ReadPlace(place, value);
+    m_Grid.Read(place, value);
     return 1;
 }
 
@@ -149,8 +136,14 @@ int SheetManager::FindNumber(CCRef const * ref, double number, CCCellValue & val
     CCRef const * const target = Target(ref);
     if (!target || target->GetType() != kRefRegion) return 0;
     auto const place = m_Grid.FindNumberIn(AreaOf(RegionOf(target)), number);
-    if (place) ReadPlace(*place, value);
+    if (place) m_Grid.Read(*place, value);
     return place.has_value();
+}
+
+int SheetManager::FindKey(CCRef const * ref, CCCellValue const & key, int & position) {
+    CCRef const * const target = Target(ref);
+    if (!target || target->GetType() != kRefRegion) return 0;
+    return m_Grid.FindKey(AreaOf(RegionOf(target)), key, position);
 }
 
 int SheetManager::CountOccupied(CCRef const * ref, double & count) {

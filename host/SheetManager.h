@@ -85,6 +85,7 @@ public:
     int ReadsCellsDirectly() const override { return 1; }
     int ReadNumbers(CCRef const * ref, NumberSink & sink) override;
     int FindNumber(CCRef const * ref, double number, CCCellValue & value) override;
+    int FindKey(CCRef const * ref, CCCellValue const & key, int & position) override;
     int CountOccupied(CCRef const * ref, double & count) override;
 
 private:
@@ -94,7 +95,6 @@ private:
     };
 
     CCRef const * Target(CCRef const * ref) const; // by the engine's own reference classes
-    void ReadPlace(Place place, CCCellValue & value) const;
     void Redefine(CString const & name, std::unique_ptr<CCRef> target);
     static CString Folded(CString name);
 

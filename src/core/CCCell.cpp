@@ -75,7 +75,7 @@ int CCCell::SetValue(cells::CTX * ctx, CCCellValue const & value) {
             removed = hadFormula;
         }
         if (!m_Value.IsEqual(value)) {
-            m_Value.Set(value);
+            SetValue(value);
             UpdateNumberFormat(ctx);
             OnChange(ctx);
             if (manager) manager->InitIdleRecalc(this, 0);
@@ -169,6 +169,7 @@ void CCCell::Compute(cells::CTX * ctx, CCFormula const & formula, CCRef const * 
     CCCellValue result = m_Value;
     EvalFormula(ctx, result, &formula, place);
     m_Value.Swap(result);
+    OnValueStored();
     UpdateNumberFormat(ctx);
 }
 
@@ -185,6 +186,7 @@ void CCCell::TurnIntoText(cells::CTX * ctx) {
     StoreTree(nullptr);
     m_bCircular = false;
     m_Value.Set(text);
+    OnValueStored();
 }
 
 void CCCell::MarkCircular(cells::CTX * ctx, CCRef const * place, int quiet) {
@@ -193,6 +195,7 @@ void CCCell::MarkCircular(cells::CTX * ctx, CCRef const * place, int quiet) {
     m_bCircular = true;
     if (m_pFormulaData) m_pFormulaData[4] = kFormulaCircular;
     m_Value.Set(errCirc);
+    OnValueStored();
     if (!manager) return;
     manager->InitIdleRecalc(this, 0);
     if (!quiet) manager->ErrorMessage(cells::kStringCircular);
@@ -243,7 +246,7 @@ int CCCell::SetFormula1(cells::CTX * ctx, CCFormula const * formula) {
         if (!m_pFormula->RegisterDependents(ctx, place.get())) {
             FailToRegister(ctx, place.get());
         } else {
-            m_Value.Set(result);
+            SetValue(result);
             UpdateNumberFormat(ctx);
             OnChange(ctx);
             done = 1;
@@ -276,6 +279,7 @@ void CCCell::Recalc(cells::CTX * ctx) {
         CCRemoteOpFormula::RefRemoteChanged = outer;
     }
     m_Value.Swap(other);
+    OnValueStored(); // equal values may differ in their last bit
     UpdateNumberFormat(ctx);
     if (m_Value.IsEqual(other)) return;
     OnChange(ctx);
@@ -412,6 +416,7 @@ int CCCell::Delete(cells::CTX * ctx) {
     SessionGuard const session(ctx->manager());
     RemoveFormula(ctx);
     m_Value.Set();
+    OnValueStored();
     m_nFormat = 0;
     return CCItem::Delete(ctx);
 }
@@ -493,6 +498,7 @@ int CCCell::Clear(cells::CTX * ctx, int what) {
     }
     if (what & kClearValue && !IsFormulaLink() && !m_Value.IsEmpty()) {
         m_Value.Set();
+        OnValueStored();
         changed = valueChanged = true;
     }
     unsigned short const mask = getCFmt().GetSetMask();

@@ -67,6 +67,9 @@ public:
     virtual void OnChange(cells::CTX * ctx);
     virtual void UpdateNumberFormat(cells::CTX * ctx);
     virtual void OnValueChanged(cells::CTX *) {}
+    // A value was stored, in whatever way, also silently or from a file: for hosts that keep an
+    // index of values.
+    virtual void OnValueStored() {}
     virtual int IsValidFormula() const;
     virtual int IsLocked(cells::CTX * ctx) const;
     virtual int IsEditSource(cells::CTX * ctx) const;
@@ -92,7 +95,10 @@ public:
     void putCFmt(CCCellFormat const & format);
     CCCellValue const & GetValue() const { return m_Value; }
     // Gives a cell that nobody depends on yet its number, without any of the effects of an edit.
-    void SetPlainNumber(double number, CCNumberFormat & format) { m_Value.Set(number, format); }
+    void SetPlainNumber(double number, CCNumberFormat & format) {
+        m_Value.Set(number, format);
+        OnValueStored();
+    }
     int IsValueNumber() const { return m_Value.IsNumber(); }
     int IsValueText() const { return m_Value.IsText(); }
     int IsValueError() const { return m_Value.IsError(); }
@@ -102,7 +108,10 @@ protected:
     void SerializeFormula(cells::CTX * ctx, uchar type);
     void RemoveFormula(cells::CTX * ctx);
     void DoSetFormat(cells::CTX * ctx, CCCellFormat const & format);
-    void SetValue(CCCellValue const & value) { m_Value.Set(value); }
+    void SetValue(CCCellValue const & value) {
+        m_Value.Set(value);
+        OnValueStored();
+    }
     void SetFormulaCirc(int circular) { m_bCircular = circular != 0; }
     // A cell's place together with its sheet; the caller's.
     static CCRef * MakeCellRef3D(cells::CTX * ctx, CCCell const * cell);

@@ -199,6 +199,10 @@ public:
     // of its cells are not blank. 0 when the host does not serve the range in this way.
     virtual int FindNumber(CCRef const *, double, CCCellValue &) { return 0; }
     virtual int CountOccupied(CCRef const *, double &) { return 0; }
+    // The position in a range, in walking order from 0, of the first cell with this number or text,
+    // the same in type and content; -1 for none. 0 when the host does not serve this search. A host
+    // that keeps an index for it drops what OnValueStored of its cells tells it.
+    virtual int FindKey(CCRef const *, CCCellValue const &, int &) { return 0; }
 
     int GetCurRecalcCount() const { return m_RecalcList.GetCount(); }
     int GetCurProcessCount() const { return m_ProcessList.GetCount(); }

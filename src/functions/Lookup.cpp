@@ -1,6 +1,7 @@
 // Lookup: a value by its place, or a place by its value.
 //
 // A key of another type than the value is no match and no order; it is stepped over.
+#include "core/CCCellManager.h"
 #include "core/Context.h"
 #include "core/ValueCompare.h"
 #include "formula/CCRCRef.h"
@@ -37,9 +38,36 @@ bool FirstValue(CTX * ctx, CCCellValue & result, CCFormula * formula, CCRef cons
     return false;
 }
 
-// The result that stands in step with the first key equal to the value; error 3 for none.
+// The result that stands in step with the first key equal to the value, by the manager's index of
+// the keys; false where it has none. Its regions are read in place, without walking.
+bool FindIndexed(CTX * ctx, CCCellValue & result, CCCellValue const & value,
+                 CCRegionRef const & keys, CCRegionRef const & results) {
+    CCCellManager * const manager = ctx->manager();
+    int position;
+    if (!manager || !manager->ReadsCellsDirectly() || !manager->IsValidRef(&results) ||
+        !manager->FindKey(&keys, value, position))
+        return false;
+    CSize const size = manager->GetRefSize(&results);
+    if (position < 0 || position >= std::int64_t(size.cx) * size.cy)
+        result.Set(errValue);
+    else if (!manager->GetValue(&results, result, position))
+        result.Set(errRef);
+    return true;
+}
+
+CCRegionRef const * RegionOf(CCFormula const & formula) {
+    if (formula.Kind() != kRefFormula) return nullptr;
+    CCRef const * const ref = static_cast<CCRefFormula const &>(formula).GetRef();
+    return ref && ref->Kind() == kRefRegion ? static_cast<CCRegionRef const *>(ref) : nullptr;
+}
+
+// The same, also by walking; error 3 for none.
 void FindResult(CTX * ctx, CCCellValue & result, CCCellValue const & value, CCFormula * keyRange,
                 CCFormula * resultRange, CCRef const * current) {
+    CCRegionRef const * const keyRegion = RegionOf(*keyRange);
+    CCRegionRef const * const resultRegion = RegionOf(*resultRange);
+    if (keyRegion && resultRegion && FindIndexed(ctx, result, value, *keyRegion, *resultRegion))
+        return;
     ValueWalk keys(ctx, keyRange, current), results(ctx, resultRange, current);
     if (!keys.IsOpen() || !results.IsOpen()) return result.Set(errRef);
     CCCellValue key;
@@ -56,7 +84,7 @@ void FindResult(CTX * ctx, CCCellValue & result, CCCellValue const & value, CCFo
 // Tables
 
 // The region that a reference names, and the reference rebuilt around another region: on its sheets
-// or in its document.
+// or in its document, where it names them.
 class Table {
 public:
     // False with an error in `result`.
@@ -64,6 +92,10 @@ public:
         int const type = formula.GetType();
         if (type != kRefFormula && type != kRefOpFormula && type != kRemoteOpFormula)
             return Fail(result, errValue);
+        if (CCRegionRef const * const region = RegionOf(formula)) {
+            m_Region.Set(*region);
+            return true;
+        }
         m_Outer = ReferenceOf(ctx, formula, current);
         if (!m_Outer) return Fail(result, errRef);
         std::unique_ptr<CCRef> inner;
@@ -93,8 +125,10 @@ public:
     }
 
     CCRegionRef const & Region() const { return m_Region; }
+    bool IsPlain() const { return !m_Outer; }
 
     CCRefFormula With(CTX * ctx, CCRegionRef const & region) const {
+        if (IsPlain()) return CCRefFormula(&region, 0);
         if (m_Outer->GetType() == kRefSheets) {
             CCRef3D sheets(static_cast<CCRef3D const &>(*m_Outer));
             delete sheets.ref;
@@ -117,7 +151,7 @@ private:
         return false;
     }
 
-    std::unique_ptr<CCRef> m_Outer;
+    std::unique_ptr<CCRef> m_Outer; // null: a region of the own sheet
     CCRegionRef m_Region;
 };
 
@@ -143,6 +177,7 @@ void EvalTableLookup(CTX * ctx, CCCellValue & result, CCFormulaList const * args
         keys.bottom = keys.top;
         results.top = results.bottom = ushort(results.top + step);
     }
+    if (table.IsPlain() && FindIndexed(ctx, result, value, keys, results)) return;
     CCRefFormula keyRange = table.With(ctx, keys), resultRange = table.With(ctx, results);
     FindResult(ctx, result, value, &keyRange, &resultRange, current);
 }
@@ -229,6 +264,13 @@ void EvalFindEx(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     for (CCFormulaList const * arg = args->next; arg; arg = arg->next) {
         ValueWalk walk(ctx, arg->formula, current);
         if (!walk.IsOpen()) return result.Set(errRef);
+        int found;
+        CSize size;
+        if (walk.FindKey(value, found) && walk.Size(size)) {
+            if (found >= 0) return SetNumber(result, position + found + 1);
+            position += double(size.cx) * size.cy;
+            continue;
+        }
         while (walk.Next(key)) {
             ++position;
             if (AreSame(value, key)) return SetNumber(result, position);

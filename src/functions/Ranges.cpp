@@ -83,6 +83,11 @@ bool ValueWalk::Skip() {
     return Next(value);
 }
 
+bool ValueWalk::FindKey(CCCellValue const & key, int & position) {
+    return m_Kind == Kind::kRegion &&
+           m_Manager->FindKey(static_cast<CCRefFormula *>(m_Formula)->GetRef(), key, position);
+}
+
 bool ValueWalk::Size(CSize & size) {
     if (m_Kind == Kind::kRegion) return m_Manager->RefSize(m_Handle, size) != 0;
     if (m_Kind == Kind::kWalk) return m_Formula->RefSize(m_Ctx, m_Handle, size, m_Current) != 0;

@@ -29,6 +29,9 @@ public:
     bool Next(CCCellValue & value);
     // Passes the next value over, where that needs no reading.
     bool Skip();
+    // The position from 0, at the beginning of the walk, of the first value that is the same number
+    // or text; -1 for none. False where only walking tells.
+    bool FindKey(CCCellValue const & key, int & position);
     // Width and height; only while open.
     bool Size(CSize & size);
 

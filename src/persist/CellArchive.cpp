@@ -166,6 +166,7 @@ void CCCell::Read(cells::CTX * ctx, CArchive & ar) {
     format.Read(ar);
     putCFmt(format);
     m_Value.Read(ctx, ar);
+    OnValueStored();
     std::uint32_t length;
     ar >> length;
     StoreTree(nullptr);

@@ -3,6 +3,7 @@
 #include "formula/CCRefFormula.h"
 #include "formula/Clipboard.h"
 #include "formula/Parser.h"
+#include "platform/CArchive.h"
 #include "support/BaseHost.h"
 
 #include <gtest/gtest.h>
@@ -51,6 +52,46 @@ TEST(CellEntry, ReplacingAFormulaByItsOwnValueMarksTheDocumentOnce) {
     EXPECT_EQ(host.dirty, dirty + 1);
     EXPECT_EQ(host.Make("A1").changes, changes);
     EXPECT_EQ(host.Make("A1").valueChanges, told + 1);
+}
+
+TEST(CellEntry, EveryWayOfStoringAValueIsTold) {
+    BaseHost host;
+    MapCell & cell = host.Make("A1");
+    host.Enter("B1", L"1");
+    auto const tells = [&](char const * way, auto && store) {
+        int const before = cell.valuesStored;
+        store();
+        EXPECT_GT(cell.valuesStored, before) << way;
+    };
+    tells("text", [&] { cell.SetText(&host, L"5", 0); });
+    tells("formula", [&] { cell.SetText(&host, L"=B1", 0); });
+    tells("recalculation", [&] {
+        host.Enter("B1", L"2");
+        host.Idle();
+    });
+    tells("a formula that becomes text", [&] { cell.SetText(&host, L"=1+", 0); });
+    tells("cycle", [&] { cell.SetText(&host, L"=A1", 0); });
+    CCCellValue value;
+    value.Set(L"x");
+    tells("value", [&] { cell.SetValue(&host, value); });
+    CCFormula * formula = nullptr;
+    host.Make("A2").SetText(&host, L"=B1+1", 0);
+    formula = host.Make("A2").LoadFormula(&host);
+    tells("mass fill", [&] { cell.SetFormula1(&host, formula); });
+    CCNumberFormat format;
+    tells("plain number", [&] { cell.SetPlainNumber(7, format); });
+    tells("clearing", [&] { cell.Clear(&host, kClearAll); });
+    tells("file", [&] {
+        CMemFile file(16);
+        {
+            CArchive ar(&file, CArchive::store);
+            host.Make("A2").Write(&host, ar);
+        }
+        file.SeekToBegin();
+        CArchive ar(&file, CArchive::load);
+        cell.Read(&host, ar);
+    });
+    tells("deletion", [&] { cell.Delete(&host); });
 }
 
 TEST(CellEntry, UnparsedFormulasStayAsTextWithAMessage) {

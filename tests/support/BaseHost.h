@@ -28,8 +28,9 @@ public:
         CCCell::OnChange(ctx);
     }
     void OnValueChanged(CTX *) override { ++valueChanges; }
+    void OnValueStored() override { ++valuesStored; }
     void Recalc(CTX * ctx) override;
-    int changes = 0, valueChanges = 0;
+    int changes = 0, valueChanges = 0, valuesStored = 0;
     using CCCell::DeleteDependentsRef;
     using CCCell::HasDependentsRef;
     using CCCell::IsCirc;
