@@ -167,40 +167,69 @@ void EvalSubstitute(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
             for (double i = 0; i < times; ++i) made += now.View();
         return SetText(result, made + std::wstring(text.View()));
     }
-    std::wstring_view rest = text.View();
+    TextFinder const finder(old.View());
+    std::size_t from = 0;
     for (; count > 0; --count) {
-        std::size_t const place = rest.find(old.View());
+        std::size_t const place = finder.Find(text.View(), from);
         if (place == std::wstring_view::npos) break;
-        made += rest.substr(0, place);
+        made += text.View().substr(from, place - from);
         made += now.View();
         if (made.size() > std::size_t(kLongestText)) return result.Set(errValue);
-        rest.remove_prefix(place + old.View().size());
+        from = place + old.View().size();
     }
-    SetText(result, made + std::wstring(rest));
+    SetText(result, made + std::wstring(text.View().substr(from)));
 }
 
-// The position of a text in another from `start` on; `fits` tells whether it stands there.
-template <bool (*Fits)(std::wstring_view text, std::wstring_view find)>
-void EvalFind(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+// The texts of a search and the place where it starts, from 0; a place at the end or behind it
+// finds nothing, not even an empty text.
+struct Search {
     CString find, within;
     double start = 1;
-    if (!GetText(ctx, result, find, args, current)) return;
-    if (!GetText(ctx, result, within, args->next, current)) return;
-    CCFormulaList const * const third = args->next->next;
-    if (third && !GetCount(ctx, result, start, 1, third, current)) return;
-    std::wstring_view const text = within.View();
-    for (std::size_t at = Cut(start - 1, text.size()); at < text.size(); ++at)
-        if (Fits(text.substr(at), find.View())) return SetNumber(result, double(at + 1));
-    result.Set(errValue);
+
+    bool Read(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+        CCFormulaList const * const third = args->next->next;
+        return GetText(ctx, result, find, args, current) &&
+               GetText(ctx, result, within, args->next, current) &&
+               (!third || GetCount(ctx, result, start, 1, third, current));
+    }
+    std::size_t First() const { return Cut(start - 1, within.View().size()); }
+};
+
+void EvalFindText(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                  CCRef const * current) {
+    Search search;
+    if (!search.Read(ctx, result, args, current)) return;
+    std::wstring_view const text = search.within.View();
+    std::size_t const place = TextFinder(search.find.View()).Find(text, search.First());
+    if (place >= text.size()) return result.Set(errValue);
+    SetNumber(result, double(place + 1));
 }
 
-bool BeginsWith(std::wstring_view text, std::wstring_view find) { return text.starts_with(find); }
+void EvalSearchText(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
+                    CCRef const * current) {
+    Search search;
+    if (!search.Read(ctx, result, args, current)) return;
+    std::wstring_view const text = search.within.View();
+    int budget = kStepBudget;
+    for (std::size_t at = search.First(); at < text.size(); ++at)
+        switch (BeginsWithPattern(text.substr(at), search.find.View(), budget)) {
+        case Match::kYes:
+            return SetNumber(result, double(at + 1));
+        case Match::kTooLong:
+            return result.Set(errValue);
+        case Match::kNo:
+            break;
+        }
+    result.Set(errValue);
+}
 
 void EvalLike(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     CString text, pattern;
     if (!GetText(ctx, result, text, args, current)) return;
     if (!GetText(ctx, result, pattern, args->next, current)) return;
-    SetTruth(result, IsLike(text.View(), pattern.View()));
+    Match const match = IsLike(text.View(), pattern.View(), kStepBudget);
+    if (match == Match::kTooLong) return result.Set(errValue);
+    SetTruth(result, match == Match::kYes);
 }
 
 void EvalExact(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
@@ -328,7 +357,7 @@ constexpr FunctionRow kRows[] = {
      L"EXACT(\"a\",\"A\")", L"FALSE", Singles<2>, EvalExact},
     {13159, L"FINDTEXT", L"find; text; start", "tt[n]",
      L"Position of a text in another, case included.", L"FINDTEXT(\"b\",\"abcb\",3)", L"4",
-     SinglesBetween<2, 3>, EvalFind<BeginsWith>},
+     SinglesBetween<2, 3>, EvalFindText},
     {13160, L"FIXED", L"number; decimals; separators", "n[nl]",
      L"Number as text with fixed decimals.", L"FIXED(1234.567,2,1)", L"1,234.57",
      SinglesBetween<1, 3>, EvalFixed},
@@ -351,7 +380,7 @@ constexpr FunctionRow kRows[] = {
      L"bc", SinglesBetween<1, 2>, EvalEnd<false>},
     {13169, L"SEARCHTEXT", L"pattern; text; start", "tt[n]",
      L"Position of a pattern with ?, * and ~, without regard to case.",
-     L"SEARCHTEXT(\"B?d\",\"abcd\")", L"2", SinglesBetween<2, 3>, EvalFind<BeginsWithPattern>},
+     L"SEARCHTEXT(\"B?d\",\"abcd\")", L"2", SinglesBetween<2, 3>, EvalSearchText},
     {13170, L"SUBSTITUTE", L"text; old text; new text; count", "ttt[n]",
      L"Text with occurrences of a part replaced, counted from the left.",
      L"SUBSTITUTE(\"aaa\",\"a\",\"b\",2)", L"bba", SinglesBetween<3, 4>, EvalSubstitute},

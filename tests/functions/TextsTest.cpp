@@ -106,6 +106,15 @@ INSTANTIATE_TEST_SUITE_P(
 
 namespace {
 
+using cells::internal::BeginsWithPattern;
+using cells::internal::IsLike;
+using cells::internal::Match;
+
+Match Begins(std::wstring const & text, std::wstring const & pattern) {
+    int budget = 100'000'000;
+    return BeginsWithPattern(text, pattern, budget);
+}
+
 // The rules of the pattern, as they are told, with a try at every place.
 bool Literal(std::string const & text, std::string const & pattern, std::size_t at = 0,
              std::size_t p = 0) {
@@ -140,10 +149,9 @@ std::vector<std::string> AllTexts(std::string const & units, int longest) {
 TEST(Patterns, MatchAsATryAtEveryPlaceWould) {
     for (std::string const & pattern : AllTexts("ab*?~", 4))
         for (std::string const & text : AllTexts("ab*", 5))
-            ASSERT_EQ(
-                cells::internal::BeginsWithPattern(std::wstring(text.begin(), text.end()),
-                                                   std::wstring(pattern.begin(), pattern.end())),
-                Literal(text, pattern))
+            ASSERT_EQ(Begins(std::wstring(text.begin(), text.end()),
+                             std::wstring(pattern.begin(), pattern.end())),
+                      Literal(text, pattern) ? Match::kYes : Match::kNo)
                 << text << " against " << pattern;
 }
 
@@ -151,9 +159,41 @@ TEST(Patterns, ManyStarsAreSoonTold) {
     std::wstring const text(100000, L'a');
     std::wstring pattern;
     for (int i = 0; i < 30; ++i) pattern += L"*a";
-    EXPECT_FALSE(cells::internal::BeginsWithPattern(text, pattern + L"*b"));
-    EXPECT_FALSE(cells::internal::IsLike(text, pattern + L"*b"));
-    EXPECT_TRUE(cells::internal::IsLike(text, pattern + L"*"));
+    EXPECT_EQ(Begins(text, pattern + L"*b"), Match::kNo);
+    EXPECT_EQ(IsLike(text, pattern + L"*b", 1'000'000), Match::kNo);
+    EXPECT_EQ(IsLike(text, pattern + L"*", 1'000'000), Match::kYes);
+}
+
+TEST(Patterns, GiveUpWhenTheirStepsAreSpent) {
+    std::wstring const text(2000, L'a'), pattern = L"*" + std::wstring(1000, L'a') + L"b";
+    int budget = 10000;
+    EXPECT_EQ(BeginsWithPattern(text, pattern, budget), Match::kTooLong);
+    EXPECT_EQ(budget, 0);
+    EXPECT_EQ(IsLike(text, pattern, 10000), Match::kTooLong);
+    EXPECT_EQ(IsLike(text, pattern, 10'000'000), Match::kNo);
+}
+
+TEST(TextFinder, FindsWhatATryAtEveryPlaceFinds) {
+    for (std::string const & find : AllTexts("ab", 5))
+        for (std::string const & text : AllTexts("ab", 8)) {
+            std::wstring const wide(text.begin(), text.end()), what(find.begin(), find.end());
+            cells::internal::TextFinder const finder(what);
+            for (std::size_t from = 0; from <= text.size(); ++from)
+                ASSERT_EQ(finder.Find(wide, from), wide.find(what, from))
+                    << find << " in " << text << " from " << from;
+        }
+}
+
+// Trying every place would take ten thousand million steps.
+TEST(TextFinder, RepeatedBeginningsCostNoMoreThanOthers) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "=REPT(\"a\",1000000)");
+    sheet.Enter("A2", "=REPT(\"a\",100000)+\"b\"");
+    sheet.Enter("A3", "=FINDTEXT(A2,A1)");
+    sheet.Enter("A4", "=LEN(SUBSTITUTE(A1+A2,A2,\"\"))");
+    sheet.Recalculate();
+    EXPECT_EQ(sheet.Text("A3"), "#VALUE!");
+    EXPECT_EQ(sheet.Text("A4"), "1000000");
 }
 
 TEST(TextLimit, DoublingEndsInAnError) {
