@@ -5,6 +5,7 @@
 // formulas read: when no cycle leads through them, values are stored, formulas are registered in
 // the order of entry, and each is computed once, behind all that it reads. With a cycle the outcome
 // depends on the order of entry, so then the entries are made one by one.
+#include "core/Resolve.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
@@ -19,8 +20,6 @@
 
 namespace cells::host {
 namespace {
-
-constexpr Area kWholeGrid{{0, 0}, {kColumns - 1, kRows - 1}};
 
 unsigned KeyOf(Place place) { return unsigned(place.column) << 16 | unsigned(place.row); }
 
@@ -272,8 +271,11 @@ void Sheet::Bulk::State::Compute(std::vector<Place> const & order,
         if (!cell) continue;
         internal::RefListHolder const dependents(manager.LoadDependencies(cell->GetRef()));
         for (CCRefList const * node = dependents.list; node; node = node->m_pNext) {
-            auto * const reader = static_cast<GridCell *>(manager.GetItem(node->m_pRef));
-            if (reader && !formulas.count(KeyOf(reader->At()))) manager.InitIdleRecalc(reader, 1);
+            internal::Place const reader = internal::Resolve(manager, node->m_pRef);
+            if (!reader.item) continue;
+            bool const isLoaded = reader.owner == &manager &&
+                                  formulas.count(KeyOf(static_cast<GridCell *>(reader.item)->At()));
+            if (!isLoaded) reader.owner->InitIdleRecalc(reader.item, 1);
         }
     }
 }

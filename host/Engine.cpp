@@ -2,6 +2,7 @@
 
 #include "catalogue/Language.h"
 #include "core/Context.h"
+#include "platform/Utf.h"
 
 #include <fstream>
 #include <iterator>
@@ -29,6 +30,15 @@ void UseLanguageFile(std::filesystem::path const & file) {
         throw std::runtime_error(file.string() + ":" + std::to_string(error.line) + ": " +
                                  error.message);
     UseLanguage(*std::move(language));
+}
+
+kbt::multilang::CLocaleInfo const & FindLocale(std::string_view tag) {
+    StartEngine();
+    auto & cache = kbt::globals::global_environment().locales_cache();
+    if (tag.empty()) return cache.user();
+    CString const name = FromUtf8(tag);
+    if (!cache.knows(name)) throw std::invalid_argument("no such locale: " + std::string(tag));
+    return cache.find(name);
 }
 
 } // namespace cells::host

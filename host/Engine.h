@@ -1,9 +1,10 @@
-// Starts the engine once for the process, and chooses its language.
+// Starts the engine once for the process, chooses its language, finds locales.
 #pragma once
 
-#include "platform/Types.h"
+#include "platform/LocaleInfo.h"
 
 #include <filesystem>
+#include <string_view>
 
 namespace cells::host {
 
@@ -14,5 +15,9 @@ CVCELLS_API void StartEngine();
 // stand in cells; catalogue/Language.h tells its form. A file that cannot be read or understood
 // throws std::runtime_error, which names the file and the line, and changes nothing.
 CVCELLS_API void UseLanguageFile(std::filesystem::path const & file);
+
+// The locale of a tag such as "de-DE"; of an empty one, the user's. A language that nobody knows
+// throws std::invalid_argument. The locale lives as long as the process.
+CVCELLS_API kbt::multilang::CLocaleInfo const & FindLocale(std::string_view tag);
 
 } // namespace cells::host

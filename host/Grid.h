@@ -181,6 +181,7 @@ void Grid::ForEach(Area const & area, Visit && visit) const {
 template <typename Visit>
 void Grid::ForEachCell(Area const & area, Visit && visit) const {
     for (int column = area.first.column; column <= area.last.column; ++column) {
+        if (!m_Columns[std::size_t(column)]) continue;
         Area const strip{{column, area.first.row}, {column, area.last.row}};
         ForEachBand(strip, [&](int pageRow) {
             Page const & page = *FindPage(column, pageRow);

@@ -29,6 +29,8 @@ struct Area {
     }
 };
 
+constexpr Area kWholeGrid{{0, 0}, {kColumns - 1, kRows - 1}};
+
 CVCELLS_API bool IsOnGrid(Place place);
 // "B7", in any case and without dollars; nothing for anything else.
 CVCELLS_API std::optional<Place> ParsePlace(std::string_view text);

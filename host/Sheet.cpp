@@ -9,6 +9,7 @@
 #include "formula/Parser.h"
 #include "formula/Scanners.h"
 #include "host/Engine.h"
+#include "host/Invariants.h"
 #include "host/SheetManager.h"
 #include "host/TextBuffer.h"
 #include "platform/Resources.h"
@@ -19,17 +20,6 @@
 
 namespace cells::host {
 namespace {
-
-constexpr Area kWholeGrid{{0, 0}, {kColumns - 1, kRows - 1}};
-
-kbt::multilang::CLocaleInfo const & FindLocale(std::string_view tag) {
-    StartEngine();
-    auto & cache = kbt::globals::global_environment().locales_cache();
-    if (tag.empty()) return cache.user();
-    CString const name = FromUtf8(tag);
-    if (!cache.knows(name)) throw std::invalid_argument("no such locale: " + std::string(tag));
-    return cache.find(name);
-}
 
 CCRCRef RefOf(Place place) { return CCRCRef(uchar(place.column), ushort(place.row)); }
 
@@ -80,6 +70,8 @@ Value ValueOf(CCCellValue const & value) {
 
 Sheet::Sheet(std::string_view locale)
     : m_Manager(std::make_unique<SheetManager>(FindLocale(locale))) {}
+
+Sheet::Sheet(std::unique_ptr<SheetManager> manager) : m_Manager(std::move(manager)) {}
 
 Sheet::~Sheet() = default;
 
@@ -189,16 +181,20 @@ void Sheet::OnMessage(std::function<void(unsigned int, std::string const &)> mes
     };
 }
 
+bool IsPlainName(CString const & text, CTX & reader) {
+    wchar_t const * at = text;
+    uchar col, flags;
+    ushort row;
+    bool const isAddress = _EatRC(&reader, at, col, row, flags) && *at == 0;
+    bool const isWord = !text.IsEmpty() && *internal::EndOfWord(text) == 0;
+    return isWord && !isAddress && !IsFunction(text, kFunction);
+}
+
 bool Sheet::DefineName(std::string_view name, Area const & area) {
     Require(area.first);
     Require(area.last);
     CString const text = FromUtf8(name);
-    wchar_t const * at = text;
-    uchar col, flags;
-    ushort row;
-    bool const isAddress = _EatRC(m_Manager.get(), at, col, row, flags) && *at == 0;
-    bool const isWord = !text.IsEmpty() && *internal::EndOfWord(text) == 0;
-    if (!isWord || isAddress || IsFunction(text, kFunction)) return false;
+    if (!IsPlainName(text, *m_Manager)) return false;
     if (area.first == area.last) return m_Manager->DefineName(text, RefOf(area.first));
     return m_Manager->DefineName(text, CCRegionRef(uchar(area.first.column), ushort(area.first.row),
                                                    uchar(area.last.column), ushort(area.last.row)));
@@ -238,60 +234,9 @@ std::vector<std::string> Sheet::Dependents(Place place) {
 }
 
 std::vector<std::string> Sheet::CheckInvariants() {
-    CTX * const ctx = m_Manager.get();
-    std::vector<std::string> stored, implied, moving, inexact, lines;
-    m_Manager->Cells().ForEachCell(kWholeGrid, [&](GridCell & cell) {
-        for (std::string const & dependent : PrintRefs(ctx, cell.LoadDependents(ctx)))
-            stored.push_back(dependent + " reads " + NameOf(cell.At()));
-        if (!cell.IsFormulaLink() || !cell.IsValidFormula()) return;
-        CCFormula * tree = nullptr;
-        uchar type;
-        cell.LoadFormula(ctx, tree, type);
-        std::unique_ptr<CCFormula> const formula(tree);
-        if (formula && HasPart(*formula, kRefOpFormula))
-            moving.push_back(NameOf(cell.At()) + " reads ");
-        if (formula && (HasPart(*formula, kRefOpFormula) || HasPart(*formula, kDocOpFormula)))
-            inexact.push_back(NameOf(cell.At()) + " reads ");
-        internal::RefListHolder const precedents(cell.GetPrecedents(ctx));
-        for (CCRefList const * node = precedents.list; node; node = node->m_pNext) {
-            CCRef const * ref = node->m_pRef;
-            std::unique_ptr<CCRef> named;
-            if (ref && ref->GetType() == kRefName) {
-                named.reset(m_Manager->TranslateNameRef(static_cast<CCNameRef const *>(ref)));
-                ref = named.get();
-            }
-            if (ref) implied.push_back(NameOf(cell.At()) + " reads " + PrintRef(ctx, ref));
-        }
-    });
-    m_Manager->Regions().ForEach([&](CCRegionRef const & region, CCRef * dependent) {
-        stored.push_back(PrintRef(ctx, dependent) + " reads " + PrintRef(ctx, &region));
-    });
-    for (auto * list : {&stored, &implied}) {
-        std::sort(list->begin(), list->end());
-        list->erase(std::unique(list->begin(), list->end()), list->end());
-    }
-    std::set_difference(stored.begin(), stored.end(), implied.begin(), implied.end(),
-                        std::back_inserter(lines));
-    auto const excuse = [](std::vector<std::string> & differences,
-                           std::vector<std::string> const & readers) {
-        std::erase_if(differences, [&](std::string const & line) {
-            return std::any_of(readers.begin(), readers.end(), [&](std::string const & reader) {
-                return line.starts_with(reader);
-            });
-        });
-    };
-    // A formula whose place cannot be computed reads, for safety, whatever it mentions.
-    excuse(lines, moving);
-    for (std::string & line : lines) line = "stored, but no formula says: " + line;
-    std::vector<std::string> missing;
-    std::set_difference(implied.begin(), implied.end(), stored.begin(), stored.end(),
-                        std::back_inserter(missing));
-    // OFFSET, ROW and COLUMN mention cells that they do not read.
-    excuse(missing, inexact);
-    for (std::string const & line : missing) lines.push_back("not stored: " + line);
-    if (int const open = m_Manager->GetOpenRefCount())
-        lines.push_back(std::to_string(open) + " walks left open");
-    return lines;
+    Invariants invariants;
+    invariants.Read(*m_Manager);
+    return invariants.Differences();
 }
 
 } // namespace cells::host

@@ -120,9 +120,10 @@ public:
     std::vector<std::string> Precedents(Place place);
     std::vector<std::string> Dependents(Place place);
 
-    // Compares the stored dependents with those that the formulas imply, and looks for walks
-    // left open; each difference is a line. What a formula reads beyond need, because its place
-    // cannot be computed, is none. Empty for a sound sheet. For debugging and tests.
+    // For a sheet of its own; Workbook has the same over all sheets. Compares the stored dependents
+    // with those that the formulas imply, and looks for walks left open; each difference is a line.
+    // What a formula reads beyond need, because its place cannot be computed, is none. Empty for a
+    // sound sheet. For debugging and tests.
     std::vector<std::string> CheckInvariants();
 
     CCCellManager & Manager();
@@ -144,6 +145,9 @@ public:
     };
 
 private:
+    friend class Workbook;
+
+    explicit Sheet(std::unique_ptr<SheetManager> manager);
     static Place At(std::string_view place);
     static void Require(Place place);
     bool Refuses(Area const & area);

@@ -6,6 +6,7 @@
 #include "formula/CCRef3D.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
+#include "host/Book.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -47,7 +48,7 @@ void SheetManager::ErrorMessage(unsigned int id) {
     if (onMessage && GetNotifyEnable())
         onMessage(id);
     else
-        CCCellManager::ErrorMessage(id);
+        CCSheet::ErrorMessage(id);
 }
 
 CString SheetManager::Folded(CString name) {
@@ -68,8 +69,11 @@ CCRef const * SheetManager::Target(CCRef const * ref) const {
         return FindName(static_cast<CCNameRef const *>(ref)->name());
     case kRefSheets: {
         auto const & sheets = *static_cast<CCRef3D const *>(ref);
-        return !sheets.IsManagerForm() || sheets.GetManager() == this ? Target(sheets.ref)
-                                                                      : nullptr;
+        CCCellManager const * const sheet = sheets.IsManagerForm() ? sheets.GetManager()
+                                            : m_Book
+                                                ? m_Book->GetSheetByNumber(sheets.firstSheet - 1)
+                                                : this;
+        return sheet == this ? Target(sheets.ref) : nullptr;
     }
     default:
         return nullptr;
@@ -82,6 +86,27 @@ GridCell & SheetManager::MakeCell(Place place) {
     CCCellFormat const format = m_Formats.FormatAt(place);
     if (!format.IsEmpty()) cell.SetFormat(this, format);
     return cell;
+}
+
+// Sheets
+
+void SheetManager::Join(Book * book, CString const & name) {
+    m_Book = book;
+    m_SheetName = name;
+}
+
+CCWorkbook * SheetManager::GetWorkbook() const { return m_Book; }
+
+CCCellManager * SheetManager::GetManForNameIndex(ushort index) {
+    return m_Book ? m_Book->GetSheetByNumber(index - 1) : nullptr;
+}
+
+ushort SheetManager::GetNameIndex(CCNameRef const * name) {
+    return name ? GetNameIndex(name->name()) : ushort(0);
+}
+
+ushort SheetManager::GetNameIndex(wchar_t const * name) {
+    return m_Book ? ushort(m_Book->PositionOf(CString(name)) + 1) : CCSheet::GetNameIndex(name);
 }
 
 CCItem * SheetManager::GetItem(CCRef const * ref) {
@@ -101,7 +126,12 @@ CSize SheetManager::GetRefSize(CCRef const * ref) {
     return {region.right - region.left + 1, region.bottom - region.top + 1};
 }
 
-int SheetManager::IsValidRef(CCRef const * ref) { return Target(ref) != nullptr; }
+// In a workbook the name of a sheet is valid too: it stands before a "!".
+int SheetManager::IsValidRef(CCRef const * ref) {
+    if (Target(ref)) return 1;
+    return m_Book && ref && ref->GetType() == kRefName &&
+           GetNameIndex(static_cast<CCNameRef const *>(ref)) != 0;
+}
 
 int SheetManager::IsSingleValue(CCRef const * ref) {
     CCRef const * const target = Target(ref);
@@ -202,8 +232,7 @@ int SheetManager::UnRegisterDependent(CCRef const * ref, CCRef const * dependent
 
 int SheetManager::MoveFormula(CCRef const * ref, CCRef const * from, CCRef const * to) {
     CCRef const * const target = Target(ref);
-    if (!target || target->GetType() != kRefRegion)
-        return CCCellManager::MoveFormula(ref, from, to);
+    if (!target || target->GetType() != kRefRegion) return CCSheet::MoveFormula(ref, from, to);
     std::unique_ptr<CCRef> const old(internal::MakeDependentRef(this, from));
     std::unique_ptr<CCRef> const now(internal::MakeDependentRef(this, to));
     m_Regions.Update(RegionOf(target), old.get(), now.get());
@@ -261,13 +290,15 @@ void SheetManager::Redefine(CString const & name, std::unique_ptr<CCRef> target)
         if (auto * cell = static_cast<GridCell *>(GetItem(user.get()))) cells.push_back(cell);
     for (GridCell * cell : cells) cell->UnregisterFormula(this);
     m_Names[Folded(name)].target = std::move(target);
-    for (GridCell * cell : cells) {
-        CCFormula * tree = nullptr;
-        uchar type = kFormulaNone;
-        cell->LoadFormula(this, tree, type); // a fresh copy checks its references anew
-        std::unique_ptr<CCFormula> const fresh(tree);
-        if (fresh) cell->SetFormula(this, fresh.get(), 1);
-    }
+    for (GridCell * cell : cells) EnterAgain(*cell);
+}
+
+void SheetManager::EnterAgain(GridCell & cell) {
+    CCFormula * tree = nullptr;
+    uchar type = kFormulaNone;
+    cell.LoadFormula(this, tree, type); // a fresh copy checks its references anew
+    std::unique_ptr<CCFormula> const fresh(tree);
+    if (fresh) cell.SetFormula(this, fresh.get(), 1);
 }
 
 } // namespace cells::host

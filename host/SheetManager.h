@@ -1,7 +1,7 @@
 // SheetManager: the engine's manager over a grid, as any host would write one.
 #pragma once
 
-#include "core/CCCellManager.h"
+#include "core/CCSheet.h"
 #include "core/RegionIndex.h"
 #include "formula/CCFormula.h"
 #include "host/AreaFormats.h"
@@ -15,7 +15,9 @@
 
 namespace cells::host {
 
-class SheetManager final : public CCCellManager, public CTX {
+class Book;
+
+class SheetManager final : public CCSheet, public CTX {
 public:
     explicit SheetManager(kbt::multilang::CLocaleInfo const & locale) : m_Locale(locale) {}
 
@@ -24,6 +26,9 @@ public:
     CCCellManager * manager() override { return this; }
     CTX * ctx() override { return this; }
     CTX * ctx() const override { return const_cast<SheetManager *>(this); }
+
+    // Makes it a sheet of a workbook, under a name; of none, a sheet of its own.
+    void Join(Book * book, CString const & name);
 
     // The grid.
     Grid & Cells() { return m_Grid; }
@@ -51,8 +56,8 @@ public:
     CCRef const * FindName(CString const & name) const;
     std::vector<CString> Names() const;
 
-    // Queues the dependents of a place.
-    void QueueDependents(CCRef const * ref) { ProcessDependents(ref, m_ProcessList); }
+    // Enters the formula of a cell anew, so that it finds its precedents where they are now.
+    void EnterAgain(GridCell & cell);
     void FinishRecalc() { DoRecalc(-1); }
     void OnCellChanged(Place place) {
         if (onChanged) onChanged(place);
@@ -68,7 +73,12 @@ public:
     void ErrorMessage(unsigned int id) override;
     CSize GetRefSize(CCRef const * ref) override;
     void SetDirty() override { dirty = true; }
-    using CCCellManager::GetItem;
+    CCWorkbook * GetWorkbook() const override;
+    CString GetSheetName() const override { return m_SheetName; }
+    CCCellManager * GetManForNameIndex(ushort index) override;
+    ushort GetNameIndex(CCNameRef const * name) override;
+    ushort GetNameIndex(wchar_t const * name) override;
+    using CCSheet::GetItem;
     CCItem * GetItem(CCRef const * ref) override;
     void OnUpdateIdleRecalc() override {
         if (onTick) onTick();
@@ -76,8 +86,9 @@ public:
     int IsValidRef(CCRef const * ref) override;
     int IsSingleValue(CCRef const * ref) override;
     int GetValue(CCRef const * ref, CCCellValue & value, int index) override;
+    using CCSheet::RegisterDependent;
     int RegisterDependent(CCRef const * ref, CCRef const * dependent) override;
-    using CCCellManager::UnRegisterDependent;
+    using CCSheet::UnRegisterDependent;
     int UnRegisterDependent(CCRef const * ref, CCRef const * dependent) override;
     int MoveFormula(CCRef const * ref, CCRef const * from, CCRef const * to) override;
     CCRef * TranslateNameRef(CCNameRef const * name) override;
@@ -99,11 +110,17 @@ private:
     static CString Folded(CString name);
 
     LCTX m_Locale;
+    Book * m_Book = nullptr;
+    CString m_SheetName;
     Grid m_Grid;
     RegionIndex m_Regions;
     AreaFormats m_Formats;
     std::map<CString, Name> m_Names; // by folded name
 };
+
+// Whether a text can name something in a formula: a word that is neither a cell's address nor a
+// function.
+bool IsPlainName(CString const & text, CTX & reader);
 
 // Whether a part of the formula is of a type: of kRefOpFormula, which yields its place only when it
 // is computed, or of kDocOpFormula, of whose arguments only the places matter.

@@ -155,6 +155,7 @@ public:
     virtual int GetDocumentColumn(CCRef const *, unsigned int &) { return 0; }
     virtual int GetDocumentRow(CCRef const *, unsigned int &) { return 0; }
 
+    int IsValidRemoteRef(CCRemoteRef const * ref, int op) override;
     virtual CString GetDocumentName() const { return {}; }
     virtual int IsValidDocument(wchar_t const * name) const;
     virtual int IsValidReference(wchar_t const * text) const;

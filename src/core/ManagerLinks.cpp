@@ -1,5 +1,6 @@
 // CCCellManager: dependents, document items, names of other documents.
 #include "core/CCCellManager.h"
+#include "core/CCWorkbook.h"
 #include "core/Resolve.h"
 #include "formula/CCRef3D.h"
 #include "formula/CCRefList.h"
@@ -70,6 +71,10 @@ CCRefList * CCCellManager::LoadDependencies(CCRef const * ref) {
 
 void CCCellManager::OnRemoveItem(CCItem * item) {
     if (m_pFormulaItem == item) m_pFormulaItem = nullptr;
+    CCWorkbook * const workbook = GetWorkbook();
+    if (!workbook || !item) return;
+    workbook->GetCalcCache().SetManager(this);
+    workbook->GetCalcCache().RemoveEntry(item->GetRef());
 }
 
 // Document items
@@ -117,6 +122,19 @@ CCItem * CCCellManager::GetDocumentItem(CCDocumentRef::ECDocRefType type) {
 }
 
 // Other documents
+
+// A link to a sheet of the same workbook is asked of that sheet, any other of this document.
+int CCCellManager::IsValidRemoteRef(CCRemoteRef const * ref, int op) {
+    if (!ref) return 0;
+    wchar_t const * const document = ref->document();
+    wchar_t const * const item = ref->item();
+    CCWorkbook * const workbook = GetWorkbook();
+    if (*document == L'?' && workbook && IsValidSheetName(document)) {
+        CCCellManager const * const sheet = workbook->GetSheet(document);
+        return sheet && sheet->IsValidReference(item);
+    }
+    return IsValidDocument(document) && (op == kRemoteGetDataSources || IsValidReference(item));
+}
 
 namespace {
 

@@ -1,4 +1,5 @@
-// CCCellManager: recalculation of a lone manager.
+// CCCellManager: recalculation. A manager of a workbook leaves it to the workbook's CCCalcCache;
+// what follows is a lone manager's.
 //
 // A change queues what it touches in the process list; the expansion pass (PatchDoProcess) walks
 // that list while it grows and keeps every dependent behind the place that feeds it, so that it
@@ -8,6 +9,7 @@
 // would take too long (a long column over one common parameter, or a cycle), the pass starts anew
 // and orders the closure in one linear sweep instead; see OrderLinearly.
 #include "core/CCCellManager.h"
+#include "core/CCWorkbook.h"
 #include "core/Guards.h"
 #include "core/Resolve.h"
 #include "formula/CCRCRef.h"
@@ -76,6 +78,10 @@ private:
 
 void CCCellManager::InitIdleRecalc(CCItem const * item, int self) {
     if (!item || !GetAutoCalc()) return;
+    if (CCWorkbook * workbook = GetWorkbook()) {
+        workbook->GetCalcCache().Notify(this, item->GetRef(), self);
+        return;
+    }
     if (self && item->IsFormulaLink())
         m_ProcessList.AddLast(item->GetRef());
     else
@@ -351,6 +357,7 @@ void CCCellManager::DoRecalc(int limit) {
 
 int CCCellManager::DoIdle(int finish) {
     if (!GetAutoCalc()) return 0;
+    if (CCWorkbook * workbook = GetWorkbook()) workbook->DoCalc(this);
     if (!m_ProcessList.IsEmpty()) {
         PatchDoProcess(finish ? -1 : kProcessSlice);
         if (!m_ProcessList.IsEmpty()) return 1;
@@ -359,7 +366,12 @@ int CCCellManager::DoIdle(int finish) {
     return !m_ProcessList.IsEmpty() || !m_RecalcList.IsEmpty();
 }
 
-void CCCellManager::DoNonIdleCalc(CCItem const *, int) {}
+void CCCellManager::DoNonIdleCalc(CCItem const * item, int) {
+    CCWorkbook * const workbook = GetWorkbook();
+    if (!workbook || !item) return;
+    workbook->GetCalcCache().Notify(this, item->GetRef(), 1);
+    DoIdle(1);
+}
 
 int CCCellManager::RecalcCell(CCRef const * ref) {
     Place const place = Resolve(*this, ref);
@@ -452,6 +464,10 @@ int CCCellManager::WalkForCycle(CCItem const * item, RemoteRefs & remote) {
 
 int CCCellManager::InitFormulaRecalc(CCItem const * item) {
     if (!item) return 1;
+    if (CCWorkbook * workbook = GetWorkbook()) {
+        workbook->GetCalcCache().SetManager(this);
+        return workbook->GetCalcCache().EnsureAndMark(item->GetRef());
+    }
     if (item == m_pFormulaItem) return 0; // a re-entry through another document, and so a cycle
     if (!m_pFormulaItem) m_pFormulaItem = item;
     RemoteRefs remote;

@@ -2,6 +2,7 @@
 
 #include "core/CCCellManager.h"
 #include "core/CCCellValue.h"
+#include "core/CCWorkbook.h"
 #include "core/Context.h"
 #include "core/Guards.h"
 #include "core/ManagerContext.h"
@@ -88,6 +89,9 @@ void CCRefOpFormula::Follow(CTX * ctx, CCRef * target, CCRef const * current) co
     internal::DirtyMarkGuard const silent(ctx->manager());
     m_Target->RegisterDependent(ctx, place.get());
     m_Registered.reset(place->Copy());
+    // The formula has a new precedent: it stands behind it from the next pass on.
+    if (CCWorkbook * workbook = ctx->manager() ? ctx->manager()->GetWorkbook() : nullptr)
+        workbook->GetCalcCache().Reposition(place.get());
 }
 
 void CCRefOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * current) const {

@@ -142,10 +142,13 @@ bool IsFullRef(CCFormula const & formula) {
                OperatorObject(Operator::kFullRef);
 }
 
-bool IsSheetCell(CCRef const * ref) {
-    if (!ref || ref->GetType() != kRefSheets) return false;
+// Whether it is a cell on a sheet that there is, valid there.
+bool IsSheetCell(CTX * ctx, CCRef const * ref) {
+    if (!ref || ref->GetType() != kRefSheets || !ctx->manager()) return false;
     auto const & sheets = *static_cast<CCRef3D const *>(ref);
-    return sheets.IsOneSheet() && sheets.ref && sheets.ref->GetType() == kRefCell;
+    if (!sheets.IsOneSheet() || !sheets.ref || sheets.ref->GetType() != kRefCell) return false;
+    CCCellManager * const sheet = ctx->manager()->GetManForNameIndex(sheets.firstSheet);
+    return sheet && sheet->IsValidRef(sheets.ref);
 }
 
 // "Sheet1!A1:Sheet3!B2": the sheets of both corners, and the region between their cells.
@@ -153,7 +156,7 @@ void EvalSheetCorners(CTX * ctx, CCCellValue & result, CCFormulaList const * arg
                       CCRef const * current) {
     OwnedRef const first = RefArgument(ctx, result, *args->formula, current);
     OwnedRef const last = first ? RefArgument(ctx, result, *args->next->formula, current) : nullptr;
-    if (!first || !last || !IsSheetCell(first.get()) || !IsSheetCell(last.get()))
+    if (!first || !last || !IsSheetCell(ctx, first.get()) || !IsSheetCell(ctx, last.get()))
         return result.Set(errRef);
     auto const & a = *static_cast<CCRef3D *>(first.get());
     auto const & b = *static_cast<CCRef3D *>(last.get());

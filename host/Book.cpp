@@ -1,0 +1,78 @@
+#include "host/Book.h"
+
+#include "host/SheetManager.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace cells::host {
+
+int Book::PositionOf(CString const & name) const {
+    for (int i = 0; i < Count(); ++i)
+        if (At(i).GetSheetName().CompareNoCase(name) == 0) return i;
+    return -1;
+}
+
+int Book::PositionOf(CCCellManager const * sheet) const {
+    auto const found = std::find(m_Sheets.begin(), m_Sheets.end(), sheet);
+    return found == m_Sheets.end() ? -1 : int(found - m_Sheets.begin());
+}
+
+CCCellManager * Book::GetSheet(wchar_t const * link) {
+    bool const isLink = link && *link == L'?';
+    return isLink ? GetSheetByNumber(PositionOf(CString(link + 1))) : nullptr;
+}
+
+CCCellManager * Book::GetSheetByNumber(int number) {
+    return number >= 0 && number < Count() ? &At(number) : nullptr;
+}
+
+void Book::Restructure(std::function<void()> const & change) {
+    std::vector<std::pair<SheetManager *, GridCell *>> linked;
+    for (SheetManager * sheet : m_Sheets)
+        sheet->Cells().ForEachCell(kWholeGrid, [&](GridCell & cell) {
+            CCFormula const * const formula = cell.LoadFormula(sheet);
+            if (formula && HasPart(*formula, kRefOpFormula)) linked.emplace_back(sheet, &cell);
+        });
+    for (auto const & [sheet, cell] : linked) cell->UnregisterFormula(sheet);
+    change();
+    for (auto const & [sheet, cell] : linked)
+        if (PositionOf(sheet) >= 0) sheet->EnterAgain(*cell);
+}
+
+void Book::Insert(int position, SheetManager & sheet, CString const & name) {
+    Restructure([&] {
+        m_Sheets.insert(m_Sheets.begin() + position, &sheet);
+        sheet.Join(this, name);
+    });
+}
+
+void Book::Remove(int position) {
+    SheetManager & sheet = At(position);
+    Restructure([&] {
+        sheet.FireEvent(CCDestroySheetEvent());
+        m_Sheets.erase(m_Sheets.begin() + position);
+        sheet.Join(nullptr, {});
+        GetCalcCache().RemoveSheet(sheet);
+    });
+}
+
+void Book::Move(int from, int to) {
+    Restructure([&] {
+        SheetManager * const sheet = m_Sheets[std::size_t(from)];
+        m_Sheets.erase(m_Sheets.begin() + from);
+        m_Sheets.insert(m_Sheets.begin() + to, sheet);
+    });
+}
+
+// The event gives the formulas on other sheets the new name while they still listen.
+void Book::Rename(int position, CString const & name) {
+    SheetManager & sheet = At(position);
+    CString const old = sheet.GetSheetName();
+    sheet.FireEvent(CCSheetRenameEvent(old, name));
+    sheet.OnRename(name);
+    UpdateAllOnRename(old, name);
+    Restructure([&] { sheet.Join(this, name); });
+}
+
+} // namespace cells::host

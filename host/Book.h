@@ -1,0 +1,45 @@
+// Book: the engine's workbook over sheets of the ready host, as any host would write one.
+//
+// A sheet's number in a reference is its position from 1. Formulas that name sheets are taken out
+// of the graph before sheets change their positions or names, and are put back behind the change.
+#pragma once
+
+#include "core/CCWorkbook.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace cells::host {
+
+class SheetManager;
+
+class Book final : public CCWorkbook {
+public:
+    int Count() const { return int(m_Sheets.size()); }
+    SheetManager & At(int position) const { return *m_Sheets[std::size_t(position)]; }
+    // The position of a sheet by its name, without regard to case, or of the sheet itself; -1.
+    int PositionOf(CString const & name) const;
+    int PositionOf(CCCellManager const * sheet) const;
+
+    // The sheets are the caller's and must be taken out before they die.
+    void Insert(int position, SheetManager & sheet, CString const & name);
+    void Remove(int position);
+    void Move(int from, int to);
+    void Rename(int position, CString const & name);
+
+    // CCWorkbook.
+    CCCellManager * GetSheet(wchar_t const * link) override;
+    CCCellManager * GetDefaultSheet() override { return GetSheetByNumber(0); }
+    int IsValidSheetName(wchar_t const * link) override { return GetSheet(link) != nullptr; }
+    uchar GetSheetCount() override { return uchar(Count()); }
+    CCCellManager * GetSheetByNumber(int number) override;
+    int HasManager(CCCellManager * manager) override { return PositionOf(manager); }
+
+private:
+    void Restructure(std::function<void()> const & change);
+
+    std::vector<SheetManager *> m_Sheets;
+};
+
+} // namespace cells::host

@@ -1,0 +1,443 @@
+#include "core/CCCalcCache.h"
+
+#include "core/CCCellManager.h"
+#include "core/RegionIndex.h"
+#include "core/Resolve.h"
+#include "formula/CCNameRef.h"
+#include "formula/CCRCRef.h"
+#include "formula/CCRef3D.h"
+#include "formula/CCRefList.h"
+#include "formula/CCRegionRef.h"
+#include "formula/CCRemoteRef.h"
+#include "formula/RefHash.h"
+
+#include <algorithm>
+#include <utility>
+
+using cells::RegionIndex;
+using cells::internal::InnerRef;
+using cells::internal::MakeDependentRef;
+using cells::internal::Place;
+using cells::internal::RefListHolder;
+using cells::internal::Resolve;
+
+namespace {
+
+bool IsRemote(CCRef const * ref) { return ref->GetType() == kRefRemote; }
+
+int InnerType(CCRef const * placed) {
+    CCRef const * const inner = InnerRef(placed);
+    return inner ? inner->GetType() : 0;
+}
+
+CCRegionRef const & RegionOf(CCRef const * placed) {
+    return *static_cast<CCRegionRef const *>(InnerRef(placed));
+}
+
+// Whether a reference has the form in which entries are kept.
+bool IsNormal(CCRef const * ref) {
+    return ref->Kind() == kRefSheets && static_cast<CCRef3D const *>(ref)->IsManagerForm() &&
+           InnerType(ref) != kRefName;
+}
+
+// Order of sorted entries: by sheet, cells before regions before the rest, then by place.
+bool StandsBefore(CCRef const * a, CCRef const * b) {
+    auto const sheetOf = [](CCRef const * ref) {
+        return ref->Kind() == kRefSheets ? static_cast<CCRef3D const *>(ref)->SheetKey() : 0;
+    };
+    if (sheetOf(a) != sheetOf(b)) return sheetOf(a) < sheetOf(b);
+    if (InnerType(a) != InnerType(b)) return InnerType(a) < InnerType(b);
+    return a->Compare(b) < 0;
+}
+
+} // namespace
+
+std::size_t CCCalcCache::Hash::operator()(CCRef const * ref) const {
+    return cells::internal::RefHash(ref);
+}
+
+bool CCCalcCache::Equal::operator()(CCRef const * a, CCRef const * b) const {
+    return a->IsEqual(b) != 0;
+}
+
+CCCalcCache::CCCalcCache() = default;
+CCCalcCache::~CCCalcCache() = default;
+
+void CCCalcCache::SetManager(CCCellManager * manager) {
+    m_nManager = manager ? manager->GetSerial() : cells::internal::kNoManager;
+}
+
+// Finding and entering
+
+// The reference together with its sheet; a name is taken for what it stands for.
+std::unique_ptr<CCRef> CCCalcCache::Normalised(CCRef const * ref) const {
+    CCCellManager * const manager = Manager();
+    std::unique_ptr<CCRef> placed(MakeDependentRef(manager->ctx(), ref));
+    if (!placed || placed->GetType() != kRefSheets) return placed;
+    auto const & sheets = *static_cast<CCRef3D const *>(placed.get());
+    CCCellManager * sheet = sheets.GetManager();
+    if (!sheets.IsManagerForm() && sheets.IsOneSheet()) {
+        sheet = manager->GetManForNameIndex(sheets.firstSheet);
+        if (sheet) placed = std::make_unique<CCRef3D>(sheet->ctx(), sheets.ref);
+    }
+    if (sheet && InnerType(placed.get()) == kRefName) {
+        std::unique_ptr<CCRef> const target(
+            sheet->TranslateNameRef(static_cast<CCNameRef const *>(InnerRef(placed.get()))));
+        if (target) placed.reset(MakeDependentRef(sheet->ctx(), target.get()));
+    }
+    return placed;
+}
+
+SCCalcEntry * CCCalcCache::Find(CCRef const * placed) const {
+    auto const found = m_Entries.find(placed);
+    return found == m_Entries.end() ? nullptr : found->second.get();
+}
+
+SCCalcEntry * CCCalcCache::FindInOrder(CCRef const * ref) const {
+    SCCalcEntry * const entry = IsNormal(ref) ? Find(ref) : Find(Normalised(ref).get());
+    return entry && entry->m_nIndex >= 0 ? entry : nullptr;
+}
+
+SCCalcEntry & CCCalcCache::Enter(std::unique_ptr<CCRef> placed) {
+    if (SCCalcEntry * known = Find(placed.get())) return *known;
+    auto entry = std::make_unique<SCCalcEntry>();
+    SCCalcEntry & entered = *entry;
+    entered.m_pRef = placed.release();
+    m_Entries.emplace(entered.m_pRef, std::move(entry));
+    m_bSorted = false;
+    if (InnerType(entered.m_pRef) == kRefRegion)
+        RegionsOn(entered.m_pRef, true)->Register(RegionOf(entered.m_pRef), entered.m_pRef);
+    return entered;
+}
+
+RegionIndex * CCCalcCache::RegionsOn(CCRef const * placed, bool make) {
+    if (placed->GetType() != kRefSheets) return nullptr;
+    CCCellManager const * const sheet = static_cast<CCRef3D const *>(placed)->GetManager();
+    auto const serial = sheet ? sheet->GetSerial() : cells::internal::kNoManager;
+    auto const found = m_Regions.find(serial);
+    if (found != m_Regions.end()) return found->second.get();
+    return make ? (m_Regions[serial] = std::make_unique<RegionIndex>()).get() : nullptr;
+}
+
+// Neighbours in the graph
+
+CCRefList * CCCalcCache::LoadDependents(CCRef const * placed) const {
+    CCRefList * const list = Resolve(*Manager(), placed).owner->LoadDependencies(placed);
+    Adjust3DDependencies(placed, list);
+    return list;
+}
+
+// The entries that must stand behind this one: of its dependents, and of the regions it lies in.
+void CCCalcCache::CollectDependents(SCCalcEntry const & entry, Entries & found) const {
+    auto const add = [&](CCRefList const * list) {
+        for (; list; list = list->m_pNext) {
+            if (!list->m_pRef || IsRemote(list->m_pRef)) continue;
+            SCCalcEntry * const dependent = FindInOrder(list->m_pRef);
+            if (dependent && dependent != &entry) found.push_back(dependent);
+        }
+    };
+    RefListHolder const dependents(LoadDependents(entry.m_pRef));
+    add(dependents.list);
+    if (InnerType(entry.m_pRef) != kRefCell) return;
+    auto & cell = *static_cast<CCRCRef const *>(InnerRef(entry.m_pRef));
+    if (RegionIndex const * regions =
+            const_cast<CCCalcCache *>(this)->RegionsOn(entry.m_pRef, false)) {
+        RefListHolder const around(regions->LoadDependents(cell.col, cell.row, nullptr));
+        add(around.list);
+    }
+}
+
+struct CCCalcCache::Neighbours {
+    Entries dependents;
+    SCCalcEntry * firstDependent = nullptr;
+    SCCalcEntry * lastPrecedent = nullptr;
+    bool hasPrecedents = false;
+};
+
+// A region that is read gets an entry here, a single cell without one is passed over.
+CCCalcCache::Neighbours CCCalcCache::FindNeighbours(SCCalcEntry const & entry) {
+    Neighbours found;
+    Place const place = Resolve(*Manager(), entry.m_pRef);
+    RefListHolder const precedents(place.item ? place.item->GetPrecedents(place.owner->ctx())
+                                              : nullptr);
+    Adjust3DDependencies(entry.m_pRef, precedents.list);
+    for (CCRefList const * node = precedents.list; node; node = node->m_pNext) {
+        found.hasPrecedents = true;
+        if (!node->m_pRef || IsRemote(node->m_pRef)) continue;
+        std::unique_ptr<CCRef> placed = Normalised(node->m_pRef);
+        SCCalcEntry * precedent = Find(placed.get());
+        if (!precedent && InnerType(placed.get()) == kRefRegion)
+            precedent = &Enter(std::move(placed));
+        if (!precedent || precedent == &entry) continue;
+        if (precedent->m_nIndex < 0) {
+            if (InnerType(precedent->m_pRef) != kRefRegion) continue;
+            m_Order.Append(precedent);
+        }
+        if (!found.lastPrecedent || found.lastPrecedent->label < precedent->label)
+            found.lastPrecedent = precedent;
+    }
+    CollectDependents(entry, found.dependents);
+    for (SCCalcEntry * dependent : found.dependents)
+        if (!found.firstDependent || dependent->label < found.firstDependent->label)
+            found.firstDependent = dependent;
+    return found;
+}
+
+// Order
+
+void CCCalcCache::PutInOrder(SCCalcEntry & entry) {
+    Neighbours found = FindNeighbours(entry);
+    SCCalcEntry * const pre = found.lastPrecedent;
+    SCCalcEntry * const dep = found.firstDependent;
+    if (!dep) {
+        if (found.hasPrecedents)
+            m_Order.InsertAfter(pre, &entry);
+        else
+            m_Order.Append(&entry);
+    } else if (!pre || pre->label < dep->label) {
+        m_Order.InsertBefore(dep, &entry);
+    } else {
+        m_Order.InsertAfter(pre, &entry);
+        MoveBehind(entry, found.dependents);
+    }
+    if (entry.m_bDirty) m_Dirty.insert(&entry);
+}
+
+// Out of the order, but not out of the cache. A running pass goes on behind the place before it.
+void CCCalcCache::TakeOut(SCCalcEntry & entry) {
+    if (entry.m_nIndex < 0) return;
+    if (entry.m_bDirty) m_Dirty.erase(&entry);
+    if (m_pAt == &entry) m_pAt = entry.previous;
+    if (m_pEnd == &entry) m_pEnd = entry.previous;
+    m_Order.Remove(&entry);
+}
+
+// Moves the entries and all that depends on them, as far as they stand before the place, right
+// behind it, in the order in which they stand.
+void CCCalcCache::MoveBehind(SCCalcEntry & place, Entries & entries) {
+    Entries moved;
+    while (!entries.empty()) {
+        SCCalcEntry * const entry = entries.back();
+        entries.pop_back();
+        if (entry->m_bVisited || entry->label >= place.label) continue;
+        entry->m_bVisited = 1;
+        moved.push_back(entry);
+        CollectDependents(*entry, entries);
+    }
+    std::sort(moved.begin(), moved.end(), cells::internal::CalcOrder::Before());
+    for (auto at = moved.rbegin(); at != moved.rend(); ++at) {
+        SCCalcEntry & entry = **at;
+        entry.m_bVisited = 0;
+        TakeOut(entry);
+        m_Order.InsertAfter(&place, &entry);
+        if (entry.m_bDirty) m_Dirty.insert(&entry);
+    }
+}
+
+bool CCCalcCache::IsInOrder(SCCalcEntry const & entry) {
+    Neighbours const found = FindNeighbours(entry);
+    return (!found.lastPrecedent || found.lastPrecedent->label < entry.label) &&
+           (!found.firstDependent || entry.label < found.firstDependent->label);
+}
+
+SCCalcEntry * CCCalcCache::InsertPlaced(std::unique_ptr<CCRef> placed) {
+    SCCalcEntry & entry = Enter(std::move(placed));
+    if (entry.m_nIndex >= 0) return &entry;
+    if (InnerType(entry.m_pRef) != kRefRegion) {
+        PutInOrder(entry);
+        return &entry;
+    }
+    m_Order.Append(&entry); // behind all cells that lie in it
+    Entries dependents;
+    CollectDependents(entry, dependents);
+    MoveBehind(entry, dependents);
+    return &entry;
+}
+
+void CCCalcCache::Insert(CCRef const * ref) {
+    if (ref && Manager()) InsertPlaced(Normalised(ref));
+}
+
+void CCCalcCache::Reposition(CCRef const * ref) {
+    SCCalcEntry * const entry = ref && Manager() ? FindInOrder(ref) : nullptr;
+    if (!entry || IsInOrder(*entry)) return;
+    TakeOut(*entry);
+    PutInOrder(*entry);
+}
+
+void CCCalcCache::Drop(SCCalcEntry & entry) {
+    TakeOut(entry);
+    if (InnerType(entry.m_pRef) == kRefRegion)
+        if (RegionIndex * regions = RegionsOn(entry.m_pRef, false))
+            regions->UnRegister(RegionOf(entry.m_pRef), entry.m_pRef);
+    auto const found = m_Entries.find(entry.m_pRef);
+    std::unique_ptr<SCCalcEntry> dropped = std::move(found->second);
+    m_Entries.erase(found);
+    m_bSorted = false;
+    m_Sorted.clear();
+    if (m_bCalculating) m_Removed.push_back(std::move(dropped));
+}
+
+void CCCalcCache::RemoveEntry(CCRef const * ref) {
+    if (!ref || !Manager()) return;
+    if (SCCalcEntry * entry = Find(Normalised(ref).get())) Drop(*entry);
+}
+
+void CCCalcCache::RemoveSheet(CCCellManager const & sheet) {
+    Entries dropped;
+    for (auto const & [ref, entry] : m_Entries)
+        if (ref->GetType() == kRefSheets &&
+            static_cast<CCRef3D const *>(ref)->GetManager() == &sheet)
+            dropped.push_back(entry.get());
+    for (SCCalcEntry * entry : dropped) Drop(*entry);
+}
+
+// Marks
+
+int CCCalcCache::Notify(CCCellManager * manager, CCRef const * ref, int self) {
+    if (!ref) return 0;
+    SetManager(manager);
+    if (!manager) return 1;
+    std::unique_ptr<CCRef> const placed = Normalised(ref);
+    SCCalcEntry const * const entry = Find(placed.get());
+    bool const known = entry && entry->m_nIndex >= 0 && InnerType(placed.get()) != kRefRegion;
+    if (self && !known)
+        EnsureAndMark(placed.get());
+    else
+        Mark(placed.get());
+    return 1;
+}
+
+int CCCalcCache::EnsureAndMark(CCRef const * ref) {
+    if (!ref || !Manager()) return 1;
+    std::unique_ptr<CCRef> placed = Normalised(ref);
+    SCCalcEntry const * const entry = Find(placed.get());
+    if (entry && entry->m_nIndex >= 0)
+        Reposition(placed.get());
+    else
+        InsertPlaced(std::unique_ptr<CCRef>(placed->Copy()));
+    Mark(placed.get());
+    return 1;
+}
+
+void CCCalcCache::SetDirty(SCCalcEntry & entry) {
+    if (entry.m_bDirty) return;
+    entry.m_bDirty = 1;
+    if (entry.m_nIndex >= 0) m_Dirty.insert(&entry);
+}
+
+// Makes the dependents of a place dirty; those that were not yet are `reached`. Other documents are
+// told once the place is done, since they may call back.
+void CCCalcCache::MarkDependents(CCRef const * placed, Entries & reached) {
+    std::vector<std::unique_ptr<CCRemoteRef>> remote;
+    {
+        RefListHolder const dependents(LoadDependents(placed));
+        for (CCRefList const * node = dependents.list; node; node = node->m_pNext) {
+            if (!node->m_pRef) continue;
+            if (IsRemote(node->m_pRef)) {
+                remote.emplace_back(static_cast<CCRemoteRef *>(node->m_pRef->Copy()));
+                continue;
+            }
+            SCCalcEntry * entry = FindInOrder(node->m_pRef);
+            if (!entry) entry = InsertPlaced(Normalised(node->m_pRef));
+            if (entry->m_bDirty) continue;
+            SetDirty(*entry);
+            reached.push_back(entry);
+        }
+    }
+    for (auto const & ref : remote) Manager()->DoRemoteInitRecalc(ref.get(), 1);
+}
+
+void CCCalcCache::Mark(CCRef const * ref) {
+    if (!ref || !Manager()) return;
+    std::unique_ptr<CCRef> const placed = Normalised(ref);
+    SCCalcEntry * const root = Find(placed.get());
+    if (root && root->m_nIndex >= 0) SetDirty(*root);
+    Entries reached;
+    MarkDependents(placed.get(), reached);
+    for (std::size_t at = 0; at < reached.size(); ++at) {
+        std::unique_ptr<CCRef> const next(reached[at]->m_pRef->Copy());
+        MarkDependents(next.get(), reached);
+    }
+}
+
+void CCCalcCache::MarkAll() {
+    for (SCCalcEntry * entry = m_Order.First(); entry; entry = entry->next) SetDirty(*entry);
+}
+
+void CCCalcCache::Calculate(CCCellManager & manager) {
+    if (m_bCalculating) return; // a host that calculates from a hook of this pass
+    struct Pass {
+        CCCalcCache & cache;
+        ~Pass() {
+            cache.m_bCalculating = false;
+            cache.m_pAt = cache.m_pEnd = nullptr;
+            cache.m_Removed.clear();
+        }
+    } const pass{*this};
+    m_bCalculating = true;
+    m_pEnd = m_Order.Last();
+    for (;;) {
+        auto const next = m_pAt ? m_Dirty.upper_bound(m_pAt) : m_Dirty.begin();
+        if (next == m_Dirty.end() || !m_pEnd || (*next)->label > m_pEnd->label) return;
+        SCCalcEntry * const entry = *next;
+        m_pAt = entry;
+        // Clean before it is computed: a hook may change what it has just read.
+        m_Dirty.erase(next);
+        entry->m_bDirty = 0;
+        manager.RecalcCell(entry->m_pRef);
+    }
+}
+
+// By number
+
+CCCalcCache::Entries const & CCCalcCache::Sorted() const {
+    if (m_bSorted) return m_Sorted;
+    m_Sorted.clear();
+    for (auto const & [ref, entry] : m_Entries) m_Sorted.push_back(entry.get());
+    std::sort(m_Sorted.begin(), m_Sorted.end(), [](SCCalcEntry const * a, SCCalcEntry const * b) {
+        return StandsBefore(a->m_pRef, b->m_pRef);
+    });
+    m_bSorted = true;
+    return m_Sorted;
+}
+
+int CCCalcCache::FindSorted(CCRef const * key, bool & found) const {
+    found = false;
+    Entries const & sorted = Sorted();
+    if (sorted.empty()) return -1;
+    if (key == sorted.front()->m_pRef || StandsBefore(key, sorted.front()->m_pRef)) return -2;
+    if (key == sorted.back()->m_pRef || StandsBefore(sorted.back()->m_pRef, key)) return -3;
+    auto const at = std::upper_bound(sorted.begin(), sorted.end(), key,
+                                     [](CCRef const * ref, SCCalcEntry const * entry) {
+                                         return StandsBefore(ref, entry->m_pRef);
+                                     });
+    found = (*std::prev(at))->m_pRef->IsEqual(key) != 0;
+    return int(at - sorted.begin()) - 1;
+}
+
+void CCCalcCache::IndexSorted(SCCalcEntry * entry) {
+    std::unique_ptr<SCCalcEntry> owned(entry);
+    m_Entries.try_emplace(entry->m_pRef, std::move(owned));
+    m_bSorted = false;
+}
+
+void CCCalcCache::AppendEntry(CCRef const * ref) {
+    if (!ref || !Manager()) return;
+    SCCalcEntry & entry = Enter(Normalised(ref));
+    if (entry.m_nIndex < 0) m_Order.Append(&entry);
+}
+
+void CCCalcCache::InsertBefore(int place, SCCalcEntry * entry) { InsertAfter(place - 1, entry); }
+
+void CCCalcCache::InsertAfter(int place, SCCalcEntry * entry) {
+    m_Order.InsertAfter(place < 0 ? nullptr : m_Order.At(place), entry);
+}
+
+void CCCalcCache::Reorder(std::vector<int> & places, int place) {
+    SCCalcEntry * const behind = m_Order.At(place);
+    Entries entries;
+    for (int number : std::exchange(places, {}))
+        if (SCCalcEntry * entry = m_Order.At(number)) entries.push_back(entry);
+    if (behind) MoveBehind(*behind, entries);
+}
