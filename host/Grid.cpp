@@ -72,7 +72,7 @@ bool Grid::Holds(Place place, CCCellValue const & key) const {
     if (!cell || cell->CCCell::GetValue().GetType() != key.GetType()) return false;
     CCCellValue const & value = cell->CCCell::GetValue();
     return key.IsNumber() ? key.GetNumber() == value.GetNumber()
-                          : std::wcscmp(key.GetText(), value.GetText()) == 0;
+                          : std::wcscmp(key.GetTextString(), value.GetTextString()) == 0;
 }
 
 void GridCell::OnValueStored() {

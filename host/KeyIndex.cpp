@@ -25,7 +25,7 @@ std::uint64_t HashOfText(wchar_t const * text) {
 KeyIndex::Hash KeyIndex::HashOf(CCCellValue const & value) {
     if (!IsKey(value)) return 0;
     std::uint64_t const hash = value.IsText()
-                                   ? HashOfText(value.GetText())
+                                   ? HashOfText(value.GetTextString())
                                    : Mixed(std::bit_cast<std::uint64_t>(value.GetNumber() + 0.0));
     return std::max(Hash(hash >> 32), Hash(1)); // adding 0 above makes one number of both zeros
 }

@@ -97,6 +97,9 @@
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
 
+#include "persist/CCRWBase.h"
+#include "persist/CCRWExchange.h"
+
 #include "remote/CCTransportInterface.h"
 
 #include "catalogue/CFunctionCategories.h"

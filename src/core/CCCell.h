@@ -120,6 +120,8 @@ protected:
     int StoreFormula(cells::CTX * ctx, std::unique_ptr<CCFormula> formula);
 
 private:
+    friend class CCRWExchange; // stores values and formats without the effects of an edit
+
     bool IsOn(int item) const;
     bool IsShown(cells::CTX * ctx) const;
     bool HasDisplayText(cells::CTX * ctx) const;

@@ -26,7 +26,7 @@ namespace {
 bool AreSame(CCCellValue const & a, CCCellValue const & b) {
     if (a.GetType() != b.GetType()) return false;
     if (a.IsNumber()) return a.GetNumber() == b.GetNumber();
-    return !a.IsText() || std::wcscmp(a.GetText(), b.GetText()) == 0;
+    return !a.IsText() || std::wcscmp(a.GetTextString(), b.GetTextString()) == 0;
 }
 
 // The first value of an argument; false with an error in `result`.

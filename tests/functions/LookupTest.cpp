@@ -272,3 +272,18 @@ TEST(Lookup, TablesAreRegionsOfOtherSheetsAndNames) {
     host.Enter("D6", L"=OFFSET(Other!A1,1,1)");
     EXPECT_EQ(host.Text("D6"), "#REF!");
 }
+
+TEST(Lookup, ANullTextCountsAsAnEmptyOne) {
+    cells::host::Sheet sheet("C");
+    CCCellValue null;
+    null.Set(static_cast<wchar_t const *>(nullptr));
+    sheet.Enter("A5", "x");
+    CCRCRef const a5(0, 4);
+    sheet.Manager().SetValue(&a5, null);
+    for (char const * cell : {"B1", "B2", "B3"}) {
+        sheet.Enter(cell, "=FINDEX(\"\",A1:A40)");
+        EXPECT_EQ(sheet.Text(cell), "5") << cell;
+    }
+    sheet.Enter("B4", "=FINDEX(A5,{1,\"\"})");
+    EXPECT_EQ(sheet.Text("B4"), "2");
+}
