@@ -13,6 +13,11 @@ namespace cells::host {
 
 class AreaFormats {
 public:
+    struct Entry {
+        Area area;
+        CCCellFormat format; // empty: what stands before it does not count here
+    };
+
     bool IsEmpty() const { return m_Entries.empty(); }
     bool Covers(Place place) const;
     // Whether a place of the area has a locked format.
@@ -23,11 +28,11 @@ public:
     void Add(Area const & area, CCCellFormat const & format);
     void Clear(Area const & area);
 
+    // For documents: all entries as they stand.
+    std::vector<Entry> const & Entries() const { return m_Entries; }
+    void Restore(std::vector<Entry> entries) { m_Entries = std::move(entries); }
+
 private:
-    struct Entry {
-        Area area;
-        CCCellFormat format; // empty: what stands before it does not count here
-    };
     std::vector<Entry> m_Entries;
 };
 

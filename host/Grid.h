@@ -37,6 +37,12 @@ public:
     Place At() const { return {m_Ref.col, m_Ref.row}; }
     // Stores a formula without computing it; see CCCell::StoreFormula.
     using CCCell::StoreFormula;
+    // Stores a text from a document.
+    void RestoreText(CString const & text) {
+        CCCellValue value;
+        value.Set(text);
+        CCCell::SetValue(value);
+    }
 
 private:
     CCRCRef m_Ref;

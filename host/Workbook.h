@@ -14,13 +14,25 @@
 // that do not exist throw std::out_of_range, names that cannot be given std::invalid_argument.
 #pragma once
 
+#include "host/Container.h"
 #include "host/Sheet.h"
 #include "platform/CString.h"
 #include "platform/LocaleInfo.h"
 
+#include <filesystem>
+#include <stdexcept>
+
 namespace cells::host {
 
 class Book;
+
+// A document that cannot be read as it is: the first damage, with its place.
+struct DocumentError : std::runtime_error {
+    explicit DocumentError(Damage const & damage)
+        : std::runtime_error("at byte " + std::to_string(damage.offset) + ": " + damage.what),
+          offset(damage.offset) {}
+    std::uint64_t offset;
+};
 
 class CVCELLS_API Workbook {
 public:
@@ -49,10 +61,35 @@ public:
     // Brings every sheet up to date.
     void Recalculate();
 
+    // Documents: everything of all sheets, but for what is not entered (who reads what, the queue
+    // of calculation). Formulas are kept as trees and functions by their English names, so a
+    // document reads the same in every locale and language; values are kept as they are.
+    //
+    // Save replaces the file as a whole, or leaves it as it was and throws std::runtime_error. Open
+    // throws DocumentError for a document with any damage, and std::runtime_error for a file that
+    // cannot be read.
+    void Save(std::filesystem::path const & file) const;
+    static std::unique_ptr<Workbook> Open(std::filesystem::path const & file,
+                                          std::string_view locale = {});
+    // The same in memory.
+    void Write(std::function<void(std::string_view)> const & sink) const;
+    static std::unique_ptr<Workbook> Read(std::string_view document, std::string_view locale = {});
+
+    // What can be saved of a damaged document: the sheets that are whole, everything computed anew,
+    // and what is not as it should be.
+    struct Recovered {
+        std::unique_ptr<Workbook> book;
+        std::vector<Damage> damages;
+    };
+    static Recovered Recover(std::string_view document, std::string_view locale = {});
+
     // Sheet::CheckInvariants over all sheets.
     std::vector<std::string> CheckInvariants();
 
 private:
+    friend class DocumentReader;
+    friend class DocumentWriter;
+
     CString CheckedName(std::string_view name, int position) const;
     void Require(int position) const;
 

@@ -37,6 +37,10 @@ public:
     int IsHidden(cells::CTX * ctx) const override;
     void Read(cells::CTX * ctx, CArchive & ar) override;
     void Write(cells::CTX * ctx, CArchive & ar) override;
+    // Format, value and formula: a cell's record without its dependents, for hosts whose documents
+    // register formulas anew when they are read.
+    void ReadContent(cells::CTX * ctx, CArchive & ar);
+    void WriteContent(cells::CTX * ctx, CArchive & ar);
     int Delete(cells::CTX * ctx) override;
     CCRefList * GetPrecedents(cells::CTX * ctx) override;
 

@@ -154,14 +154,23 @@ CCFormula * CCCell::ReadBlock(cells::CTX * ctx) const {
 }
 
 void CCCell::Write(cells::CTX * ctx, CArchive & ar) {
+    WriteContent(ctx, ar);
+    CCItem::Write(ctx, ar);
+}
+
+void CCCell::WriteContent(cells::CTX * ctx, CArchive & ar) {
     getCFmt().Write(ar);
     m_Value.Write(ctx, ar);
     if (m_pFormula) SerializeFormula(ctx, GetFormulaType());
     WriteBlock(ar, m_pFormulaData, 1);
-    CCItem::Write(ctx, ar);
 }
 
 void CCCell::Read(cells::CTX * ctx, CArchive & ar) {
+    ReadContent(ctx, ar);
+    CCItem::Read(ctx, ar);
+}
+
+void CCCell::ReadContent(cells::CTX * ctx, CArchive & ar) {
     CCCellFormat format = getCFmt();
     format.Read(ar);
     putCFmt(format);
@@ -172,7 +181,6 @@ void CCCell::Read(cells::CTX * ctx, CArchive & ar) {
     StoreTree(nullptr);
     if (length) m_pFormulaData = ReadBlockBytes(ar, length, 1);
     m_bCircular = m_pFormulaData && m_pFormulaData[kLength] == kFormulaCircular;
-    CCItem::Read(ctx, ar);
 }
 
 // Managers

@@ -1,0 +1,439 @@
+// Workbooks as documents: what stands in the sections of a container.
+#include "core/Guards.h"
+#include "format/LTStrings.h"
+#include "formula/CCFormula.h"
+#include "formula/CCNameRef.h"
+#include "host/AtomicFile.h"
+#include "host/Book.h"
+#include "host/SheetManager.h"
+#include "host/Workbook.h"
+#include "platform/CArchive.h"
+#include "platform/Exceptions.h"
+#include "platform/Utf.h"
+
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <utility>
+
+namespace cells::host {
+namespace {
+
+constexpr std::size_t kSectionSize = 60000; // bytes at which a run of cells ends
+constexpr int kLongestRecordText = 4096;    // units that the record of a value holds
+
+enum class CellKind : uchar { kNumber = 0, kCell = 1, kLongText = 2 };
+
+// A payload in the making.
+class PayloadWriter {
+public:
+    CArchive & Archive() { return m_Archive; }
+    std::size_t Size() {
+        m_Archive.Flush();
+        return std::size_t(m_File.GetLength());
+    }
+    std::string_view Bytes() {
+        m_Archive.Flush();
+        auto const & bytes = m_File.Bytes();
+        return {reinterpret_cast<char const *>(bytes.data()), bytes.size()};
+    }
+
+private:
+    CMemFile m_File{4096};
+    CArchive m_Archive{&m_File, CArchive::store};
+};
+
+void WriteArea(CArchive & ar, Area const & area) {
+    for (Place place : {area.first, area.last})
+        ar << uchar(place.column) << std::uint16_t(place.row);
+}
+
+Place ReadPlace(CArchive & ar) {
+    uchar column;
+    std::uint16_t row;
+    ar >> column >> row;
+    return {column, row};
+}
+
+} // namespace
+
+class DocumentWriter {
+public:
+    explicit DocumentWriter(ContainerWriter::Sink sink) : m_Container(std::move(sink)) {}
+
+    void Write(Workbook const & workbook) {
+        Book & book = *workbook.m_Book;
+        PayloadWriter head;
+        head.Archive() << std::uint32_t(book.Count()) << std::uint32_t(book.IsProtected())
+                       << book.GetPassword();
+        m_Container.Add(SectionTag::kBook, kNoSheet, 0, head.Bytes());
+        WriteStrings();
+        for (int i = 0; i < book.Count(); ++i) WriteSheet(std::uint32_t(i), book.At(i));
+        m_Container.Finish();
+    }
+
+private:
+    void WriteStrings() {
+        PayloadWriter payload;
+        int const count = GetNumberLTStrings();
+        payload.Archive() << std::uint32_t(count);
+        for (int i = 0; i < count; ++i) payload.Archive() << GetLTStringAt(i);
+        m_Container.Add(SectionTag::kStrings, kNoSheet, 0, payload.Bytes());
+    }
+
+    void WriteSheet(std::uint32_t number, SheetManager & sheet) {
+        PayloadWriter head;
+        CArchive & ar = head.Archive();
+        ar << sheet.GetSheetName();
+        sheet.Write(ar);
+        std::vector<CString> const names = sheet.Names();
+        ar << std::uint32_t(names.size());
+        for (CString const & name : names) {
+            ar << name;
+            WriteRef(&sheet, ar, sheet.FindName(name));
+        }
+        auto const & formats = sheet.Formats().Entries();
+        ar << std::uint32_t(formats.size());
+        for (AreaFormats::Entry const & entry : formats) {
+            WriteArea(ar, entry.area);
+            entry.format.Write(ar);
+        }
+        m_Container.Add(SectionTag::kSheet, number, 0, head.Bytes());
+        WriteCells(number, sheet);
+    }
+
+    void WriteCells(std::uint32_t number, SheetManager & sheet) {
+        std::uint32_t part = 0, total = 0;
+        std::uint32_t inRun = 0;
+        auto run = std::make_unique<PayloadWriter>();
+        auto const flush = [&] {
+            PayloadWriter payload;
+            payload.Archive() << inRun;
+            payload.Archive().Write(run->Bytes().data(), run->Size());
+            m_Container.Add(SectionTag::kCells, number, ++part, payload.Bytes());
+            run = std::make_unique<PayloadWriter>();
+            total += std::exchange(inRun, 0);
+        };
+        sheet.Cells().ForEach(kWholeGrid, [&](Place place) {
+            if (!WriteCell(run->Archive(), sheet, place)) return;
+            if (++inRun % 64 == 0 && run->Size() >= kSectionSize) flush();
+        });
+        if (inRun) flush();
+        PayloadWriter end;
+        end.Archive() << part << total;
+        m_Container.Add(SectionTag::kSheetEnd, number, part + 1, end.Bytes());
+    }
+
+    // False for a cell that holds nothing but its dependents.
+    static bool WriteCell(CArchive & ar, SheetManager & sheet, Place place) {
+        double number;
+        std::uint32_t format;
+        bool const isNumber = sheet.Cells().FindNumber(place, number, format);
+        GridCell * const cell = isNumber ? nullptr : sheet.Cells().FindCell(place);
+        if (cell && cell->IsValueEmpty() && !cell->IsFormulaLink() && cell->getCFmt().IsEmpty())
+            return false;
+        bool const isLong =
+            cell && cell->IsValueText() &&
+            cell->CCCell::GetValue().GetTextString().GetLength() > kLongestRecordText;
+        CellKind const kind = isNumber ? CellKind::kNumber
+                              : isLong ? CellKind::kLongText
+                                       : CellKind::kCell;
+        ar << uchar(place.column) << std::uint16_t(place.row) << uchar(kind);
+        if (isNumber) {
+            ar << number << format;
+            return true;
+        }
+        cell->WriteContent(&sheet, ar);
+        if (isLong) ar << cell->CCCell::GetValue().GetTextString();
+        return true;
+    }
+
+    ContainerWriter m_Container;
+};
+
+class DocumentReader {
+public:
+    DocumentReader(std::string_view document, std::string_view locale)
+        : m_Container(ReadContainer(document)), m_Book(std::make_unique<Workbook>(locale)) {}
+
+    // Of a document without damage.
+    std::unique_ptr<Workbook> Read() {
+        ReadAll();
+        if (!m_Container.damages.empty()) throw DocumentError(m_Container.damages.front());
+        return std::move(m_Book);
+    }
+
+    Workbook::Recovered Recover() {
+        ReadAll();
+        if (!m_Container.damages.empty()) {
+            ForEachFormula(
+                [](SheetManager & sheet, GridCell & cell) { sheet.InitIdleRecalc(&cell, 1); });
+            m_Book->Recalculate();
+        }
+        return {std::move(m_Book), std::move(m_Container.damages)};
+    }
+
+private:
+    struct SheetSections {
+        Section const * head = nullptr;
+        Section const * end = nullptr;
+        std::vector<Section const *> runs;
+        std::optional<int> position; // of the sheet that was made of it
+        CString password;
+        bool isProtected = false;
+    };
+
+    void Complain(std::uint64_t offset, std::string what) {
+        m_Container.damages.push_back({offset, std::move(what)});
+    }
+
+    // Calls read(ar) over a payload; false, with a complaint, when it does not fit.
+    template <typename ReadPayload>
+    bool ReadSection(Section const & section, ReadPayload && read) {
+        try {
+            CMemFile file(section.payload.data(), section.payload.size());
+            CArchive ar(&file, CArchive::load);
+            read(ar);
+            ar.Flush();
+            if (file.GetPosition() == file.GetLength()) return true;
+            Complain(section.offset, "a section has bytes behind its end");
+        } catch (std::exception const & error) {
+            Complain(section.offset, std::string("a section cannot be read: ") + error.what());
+        }
+        return false;
+    }
+
+    void ReadAll() {
+        Sort();
+        bool hasBook = false;
+        for (Section const & section : m_Container.sections) {
+            if (section.tag == SectionTag::kBook && !hasBook) hasBook = ReadBook(section);
+            if (section.tag == SectionTag::kStrings) ReadStrings(section);
+        }
+        if (!hasBook) Complain(0, "the list of sheets is missing");
+        if (hasBook && m_nSheets != m_Sheets.size())
+            Complain(0, "the document has " + std::to_string(m_nSheets) + " sheets, of which " +
+                            std::to_string(m_Sheets.size()) + " were found");
+        for (auto & [number, sheet] : m_Sheets) MakeSheet(number, sheet);
+        for (auto & [number, sheet] : m_Sheets)
+            if (sheet.position && !ReadRuns(number, sheet)) Drop(sheet);
+        ForEachFormula([](SheetManager & sheet, GridCell & cell) {
+            internal::DirtyMarkGuard const silent(&sheet);
+            cell.RegisterFormula(&sheet);
+            CCFormula * const formula = cell.LoadFormula(&sheet);
+            if (formula && (formula->ContainsTodayLinks() || formula->AlwaysRecalc()))
+                sheet.InitIdleRecalc(&cell, 1);
+        });
+        for (auto & [number, sheet] : m_Sheets)
+            if (sheet.position) Finish(sheet);
+    }
+
+    void Sort() {
+        for (Section const & section : m_Container.sections) {
+            if (section.sheet == kNoSheet) continue;
+            SheetSections & sheet = m_Sheets[section.sheet];
+            if (section.tag == SectionTag::kSheet) sheet.head = &section;
+            if (section.tag == SectionTag::kSheetEnd) sheet.end = &section;
+            if (section.tag == SectionTag::kCells) sheet.runs.push_back(&section);
+        }
+    }
+
+    bool ReadBook(Section const & section) {
+        return ReadSection(section, [&](CArchive & ar) {
+            std::uint32_t isProtected;
+            CString password;
+            ar >> m_nSheets >> isProtected >> password;
+            if (isProtected) m_Book->m_Book->Protect(password);
+        });
+    }
+
+    // Strings of the file have other numbers here, unless both lists begin alike.
+    void ReadStrings(Section const & section) {
+        ReadSection(section, [&](CArchive & ar) {
+            std::uint32_t count;
+            ar >> count;
+            for (std::uint32_t i = 0; i < count; ++i) {
+                CString text;
+                ar >> text;
+                int here = GetLTStringIndex(text);
+                if (here < 0) here = AddLTString(text);
+                if (here != int(i)) m_Strings[int(i)] = here;
+            }
+        });
+    }
+
+    // A sheet of which every section is there; a sheet that is not is told and left out.
+    void MakeSheet(std::uint32_t number, SheetSections & sheet) {
+        std::string const name = "sheet " + std::to_string(number + 1);
+        std::uint64_t const offset = sheet.head ? sheet.head->offset : 0;
+        if (!sheet.head || !sheet.end) return Complain(offset, name + " is not whole");
+        ReadSection(*sheet.head, [&](CArchive & ar) {
+            CString title;
+            ar >> title;
+            try {
+                m_Book->Add(ToUtf8(title));
+            } catch (std::invalid_argument const & error) {
+                throw std::runtime_error(error.what());
+            }
+            sheet.position = m_Book->Count() - 1;
+            ReadHead(ar, sheet);
+        });
+    }
+
+    SheetManager & ManagerOf(SheetSections const & sheet) const {
+        return m_Book->m_Book->At(*sheet.position);
+    }
+
+    void ReadHead(CArchive & ar, SheetSections & sheet) {
+        SheetManager & manager = ManagerOf(sheet);
+        manager.Read(ar);
+        // A protected sheet would refuse its own formulas.
+        sheet.isProtected = manager.IsProtected();
+        sheet.password = manager.GetPassword();
+        manager.UnProtect();
+        std::uint32_t count;
+        ar >> count;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            CString name;
+            ar >> name;
+            std::unique_ptr<CCRef> const target(ReadRef(&manager, ar));
+            bool const isName = IsPlainName(name, manager) && target;
+            if (!isName || !manager.DefineName(name, *target))
+                throw std::runtime_error("a name cannot be defined");
+        }
+        ar >> count;
+        std::vector<AreaFormats::Entry> entries;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            AreaFormats::Entry entry;
+            entry.area.first = ReadPlace(ar);
+            entry.area.last = ReadPlace(ar);
+            entry.format.Read(ar);
+            Translate(entry.format);
+            entries.push_back(entry);
+        }
+        manager.Formats().Restore(std::move(entries));
+    }
+
+    bool ReadRuns(std::uint32_t number, SheetSections & sheet) {
+        std::uint32_t parts = 0, cells = 0, found = 0;
+        bool ok = ReadSection(*sheet.end, [&](CArchive & ar) { ar >> parts >> cells; });
+        for (std::size_t i = 0; ok && i < sheet.runs.size(); ++i) {
+            Section const & run = *sheet.runs[i];
+            if (run.part != i + 1) break;
+            ok = ReadSection(run, [&](CArchive & ar) {
+                std::uint32_t count;
+                ar >> count;
+                for (; count > 0; --count, ++found) ReadCell(ar, ManagerOf(sheet));
+            });
+        }
+        if (ok && (sheet.runs.size() != parts || found != cells)) {
+            Complain(sheet.end->offset, "sheet " + std::to_string(number + 1) + " is not whole");
+            ok = false;
+        }
+        return ok;
+    }
+
+    void ReadCell(CArchive & ar, SheetManager & sheet) {
+        Place const place = ReadPlace(ar);
+        uchar kind;
+        ar >> kind;
+        if (kind == uchar(CellKind::kNumber)) {
+            double number;
+            std::uint32_t format;
+            ar >> number >> format;
+            if (sheet.Cells().FindCell(place)) throw std::runtime_error("a place comes twice");
+            return sheet.Cells().PutNumber(place, number, format);
+        }
+        if (kind > uchar(CellKind::kLongText)) throw std::runtime_error("an unknown kind of cell");
+        GridCell & cell = sheet.Cells().MakeCell(place);
+        cell.ReadContent(&sheet, ar);
+        if (kind == uchar(CellKind::kLongText)) {
+            CString text;
+            ar >> text;
+            cell.RestoreText(text);
+        }
+        Translate(cell);
+    }
+
+    // Gives a format the number that its string has here.
+    void Translate(CCNumberFormat & format) const {
+        if (!format.IsLTString()) return;
+        auto const found = m_Strings.find(format.GetLTString());
+        if (found != m_Strings.end()) format.SetLTString(found->second);
+    }
+    void Translate(CCCellFormat & format) const {
+        if (m_Strings.empty()) return;
+        CCNumberFormat number = format.GetNFmt();
+        Translate(number);
+        format.PutNFmt(number);
+    }
+    void Translate(GridCell & cell) const {
+        if (m_Strings.empty()) return;
+        CCCellFormat format = cell.getCFmt();
+        Translate(format);
+        cell.putCFmt(format);
+        if (!cell.IsValueNumber()) return;
+        CCNumberFormat shown = cell.CCCell::GetValue().GetFormat();
+        Translate(shown);
+        cell.SetPlainNumber(cell.CCCell::GetValue().GetNumber(), shown);
+    }
+
+    void Drop(SheetSections & sheet) {
+        int const position = *sheet.position;
+        sheet.position.reset();
+        m_Book->Remove(position);
+        for (auto & [number, other] : m_Sheets)
+            if (other.position && *other.position > position) --*other.position;
+    }
+
+    template <typename Visit>
+    void ForEachFormula(Visit && visit) {
+        for (int i = 0; i < m_Book->Count(); ++i) {
+            SheetManager & sheet = m_Book->m_Book->At(i);
+            sheet.Cells().ForEachCell(kWholeGrid, [&](GridCell & cell) {
+                if (cell.IsFormulaLink() && cell.IsValidFormula()) visit(sheet, cell);
+            });
+        }
+    }
+
+    void Finish(SheetSections const & sheet) {
+        if (sheet.isProtected) ManagerOf(sheet).Protect(sheet.password);
+        ManagerOf(sheet).dirty = false;
+    }
+
+    Container m_Container;
+    std::unique_ptr<Workbook> m_Book;
+    std::map<std::uint32_t, SheetSections> m_Sheets;
+    std::map<int, int> m_Strings; // of the file, where they have another number here
+    std::uint32_t m_nSheets = 0;
+};
+
+void Workbook::Write(std::function<void(std::string_view)> const & sink) const {
+    DocumentWriter(sink).Write(*this);
+}
+
+std::unique_ptr<Workbook> Workbook::Read(std::string_view document, std::string_view locale) {
+    return DocumentReader(document, locale).Read();
+}
+
+Workbook::Recovered Workbook::Recover(std::string_view document, std::string_view locale) {
+    return DocumentReader(document, locale).Recover();
+}
+
+void Workbook::Save(std::filesystem::path const & file) const {
+    AtomicFile target(file);
+    Write([&](std::string_view bytes) { target.Write(bytes); });
+    target.Commit();
+}
+
+std::unique_ptr<Workbook> Workbook::Open(std::filesystem::path const & file,
+                                         std::string_view locale) {
+    std::ifstream stream(file, std::ios::binary);
+    std::string const bytes{std::istreambuf_iterator<char>(stream), {}};
+    if (!stream.is_open() || stream.bad())
+        throw std::runtime_error(file.string() + ": the file cannot be read");
+    return Read(bytes, locale);
+}
+
+} // namespace cells::host

@@ -1,0 +1,389 @@
+// Saved documents: what comes back, the bytes, damage, and saves that fail on the way.
+#include "catalogue/Language.h"
+#include "format/LTStrings.h"
+#include "host/AtomicFile.h"
+#include "host/Engine.h"
+#include "host/Workbook.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <random>
+
+namespace fs = std::filesystem;
+using cells::host::Area;
+using cells::host::AtomicFile;
+using cells::host::CellFlag;
+using cells::host::DocumentError;
+using cells::host::Place;
+using cells::host::Sheet;
+using cells::host::Workbook;
+
+namespace {
+
+std::string BytesOf(Workbook const & book) {
+    std::string bytes;
+    book.Write([&](std::string_view piece) { bytes += piece; });
+    return bytes;
+}
+
+std::unique_ptr<Workbook> ThereAndBack(Workbook const & book, char const * locale = "C") {
+    return Workbook::Read(BytesOf(book), locale);
+}
+
+// Everything that a user can see of a sheet.
+std::string Shown(Sheet & sheet) {
+    std::string shown;
+    sheet.ForEachOccupied([&](Place place) {
+        shown += cells::host::NameOf(place) + " " + sheet.Text(place) + " | " +
+                 sheet.EditText(place) + " | " + sheet.NumberFormat(place) + "\n";
+    });
+    return shown;
+}
+
+std::string Shown(Workbook & book) {
+    std::string shown;
+    for (int i = 0; i < book.Count(); ++i) shown += book.NameOf(i) + "\n" + Shown(book.At(i));
+    return shown;
+}
+
+std::unique_ptr<Workbook> SmallBook() {
+    auto book = std::make_unique<Workbook>("C");
+    Sheet &one = book->Add("One"), &two = book->Add("Two");
+    one.Enter("A1", "5");
+    one.Enter("A2", "text");
+    one.Enter("B1", "=A1*2+Two!A1");
+    two.Enter("A1", "7");
+    two.Enter("A2", "=One!B1");
+    book->Recalculate();
+    return book;
+}
+
+class Folder {
+public:
+    Folder() {
+        std::string name = (fs::temp_directory_path() / "cvcells.XXXXXX").string();
+        m_Path = mkdtemp(name.data());
+    }
+    ~Folder() { fs::remove_all(m_Path); }
+    fs::path operator/(char const * name) const { return m_Path / name; }
+    std::size_t Count() const {
+        return std::size_t(std::distance(fs::directory_iterator(m_Path), fs::directory_iterator()));
+    }
+
+private:
+    fs::path m_Path;
+};
+
+std::string Contents(fs::path const & file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+} // namespace
+
+TEST(Document, ValuesFormulasAndFormatsComeBack) {
+    Workbook book("C");
+    Sheet & sheet = book.Add("One");
+    char const * const entries[] = {
+        "5",          "-2.5e300", "12%",   "$3.50", "2/1/1950", "10:30",        "TRUE",
+        "text",       "=1/0",     "=A1*2", "=NA()", "=B99",     "=\"a\"+\"b\"", "=SUM(A1:A9)",
+        "={1,2;3,4}", "1/4",      "'5"};
+    int row = 0;
+    for (char const * entry : entries) sheet.Enter(Place{0, row++}, entry);
+    sheet.SetNumberFormat({{0, 0}, {0, 0}}, "#,##0.00 \"kg\"");
+    sheet.SetNumberFormat({{3, 0}, {3, 65535}}, "percent:1");
+    sheet.SetFlag({{0, 1}, {0, 1}}, CellFlag::kHideZeros);
+    sheet.DefineName("rate", {{0, 0}, {0, 0}});
+    sheet.Enter("B1", "=rate+1");
+    book.Recalculate();
+    auto const back = ThereAndBack(book);
+    EXPECT_EQ(Shown(*back), Shown(book));
+    EXPECT_EQ(back->CheckInvariants(), std::vector<std::string>());
+    Sheet & read = back->At(0);
+    read.Enter("D7", "0.5"); // the format of the area
+    EXPECT_EQ(read.Text("D7"), "50.0%");
+    read.Enter("A1", "1000");
+    back->Recalculate();
+    EXPECT_EQ(read.Text("B1"), "1001");
+    EXPECT_EQ(read.Text("A10"), "2000");
+}
+
+TEST(Document, WhatItHoldsIsSavedTheSameAgain) {
+    auto const book = SmallBook();
+    std::string const bytes = BytesOf(*book);
+    EXPECT_EQ(BytesOf(*Workbook::Read(bytes, "C")), bytes);
+}
+
+TEST(Document, SheetsCalculateTogetherAgain) {
+    auto const back = ThereAndBack(*SmallBook());
+    (*back)["Two"].Enter("A1", "10");
+    back->Recalculate();
+    EXPECT_EQ((*back)["Two"].Text("A2"), "20");
+    back->Rename(0, "Other");
+    EXPECT_EQ(*(*back)["Two"].Formula({0, 1}), "=Other ! B1");
+    EXPECT_EQ(back->CheckInvariants(), std::vector<std::string>());
+}
+
+TEST(Document, CircularFormulasStayCircular) {
+    Workbook book("C");
+    book.Add("One").Enter("A1", "=A1+1");
+    auto const back = ThereAndBack(book);
+    EXPECT_EQ(back->At(0).Text("A1"), "#CIRC!");
+    back->At(0).Enter("B1", "1");
+    back->Recalculate();
+    EXPECT_EQ(back->At(0).Text("A1"), "#CIRC!");
+}
+
+TEST(Document, ProtectedSheetsComeBackProtectedWithTheirFormulasAlive) {
+    Workbook book("C");
+    Sheet & sheet = book.Add("One");
+    sheet.Enter("A1", "5");
+    sheet.Enter("B1", "=A1*2");
+    sheet.SetFlag({{0, 0}, {0, 0}}, CellFlag::kHidden);
+    sheet.Protect("secret");
+    auto const back = ThereAndBack(book);
+    Sheet & read = back->At(0);
+    EXPECT_TRUE(read.IsProtected());
+    EXPECT_FALSE(read.Unprotect("wrong"));
+    EXPECT_TRUE(read.Unprotect("secret"));
+    read.Enter("A1", "6");
+    back->Recalculate();
+    EXPECT_EQ(read.Text("B1"), "12");
+}
+
+TEST(Document, LongTextsAreWhole) {
+    Workbook book("C");
+    Sheet & sheet = book.Add("One");
+    sheet.Enter("A1", "=REPT(\"ab\",5000)");
+    sheet.Enter("A2", std::string(4096, 'x'));
+    sheet.Enter("A3", std::string(4097, 'y'));
+    auto const back = ThereAndBack(book);
+    for (char const * cell : {"A1", "A2", "A3"})
+        EXPECT_EQ(back->At(0).Text(cell), sheet.Text(cell)) << cell;
+}
+
+TEST(Document, ManyCellsTakeSeveralSections) {
+    Workbook book("C");
+    Sheet & sheet = book.Add("One");
+    for (int row = 0; row < 6000; ++row) {
+        sheet.Enter(Place{0, row}, std::to_string(row));
+        sheet.Enter(Place{1, row * 10}, "=A" + std::to_string(row + 1));
+    }
+    book.Recalculate();
+    EXPECT_EQ(Shown(*ThereAndBack(book)), Shown(book));
+}
+
+TEST(Document, ReadsTheSameInAnotherLanguage) {
+    Workbook book("C");
+    book.Add("One").Enter("A1", "=SUM(1,2.5)&TRUE");
+    std::string const bytes = BytesOf(book);
+    cells::host::UseLanguageFile(CVCELLS_RESOURCES "/de.txt");
+    auto const german = Workbook::Read(bytes, "C");
+    EXPECT_EQ(*german->At(0).Formula({0, 0}), "=SUMME (1, 2.5) & WAHR");
+    EXPECT_EQ(BytesOf(*german), bytes);
+    cells::UseEnglish();
+}
+
+#if CVCELLS_WITH_ICU
+TEST(Document, ReadsTheSameInAnotherLocale) {
+    Workbook book("de-DE");
+    book.Add("One").Enter("A1", "=SUM(1,5;2)");
+    auto const american = ThereAndBack(book, "en-US");
+    EXPECT_EQ(*american->At(0).Formula({0, 0}), "=SUM (1.5, 2)");
+    EXPECT_EQ(american->At(0).Text("A1"), "3.5");
+}
+#endif
+
+TEST(Document, VolatileFormulasAreComputedAfterReading) {
+    Workbook book("C");
+    Sheet & sheet = book.Add("One");
+    sheet.Enter("A1", "=NOW()");
+    sheet.Enter("A2", "=A1+0");
+    int changed = 0;
+    auto const back = ThereAndBack(book);
+    back->At(0).OnChanged([&](Place) { ++changed; });
+    back->Recalculate();
+    SUCCEED();
+    EXPECT_EQ(back->At(0).Get("A2").number, back->At(0).Get("A1").number);
+}
+
+TEST(Document, TheSmallestOneByteForByte) {
+    Workbook book("C");
+    book.Add("A_").Enter("B2", "1");
+    std::string const bytes = BytesOf(book);
+    std::string const head("\x89"
+                           "CVS\r\n\x1A\n\1\0\0\0",
+                           12);
+    ASSERT_EQ(bytes.substr(0, 12), head);
+    // "BOOK": no sheet number, part 0, 12 bytes: one sheet, not protected, an empty password.
+    std::string const bookHead("BOOK\xFF\xFF\xFF\xFF\0\0\0\0\x0C\0\0\0", 16);
+    std::string const bookBody("\1\0\0\0\0\0\0\0\xFF\xFE\xFF\0", 12);
+    EXPECT_EQ(bytes.substr(12, 16), bookHead);
+    EXPECT_EQ(bytes.substr(32, 12), bookBody);
+    // "SHET" of sheet 0: its name, no protection, no names, no formats of areas.
+    std::size_t const sheet = bytes.find("SHET");
+    std::string const sheetBody("\xFF\xFE\xFF\2A\0_\0\0\0\0\0\xFF\xFE\xFF\0\0\0\0\0\0\0\0\0\0", 25);
+    EXPECT_EQ(bytes.substr(sheet + 20, 25), sheetBody);
+    // "CELL", part 1: one cell, B2, a plain number with its packed format.
+    std::size_t const cell = sheet + 20 + 25;
+    EXPECT_EQ(bytes.substr(cell, 16), std::string("CELL\0\0\0\0\1\0\0\0\x14\0\0\0", 16));
+    EXPECT_EQ(bytes.substr(cell + 20, 16), std::string("\1\0\0\0\1\1\0\0\0\0\0\0\0\0\xF0\x3F", 16));
+    std::size_t const end = cell + 20 + 20;
+    EXPECT_EQ(bytes.substr(end, 16), std::string("SEND\0\0\0\0\2\0\0\0\x08\0\0\0", 16));
+    EXPECT_EQ(bytes.substr(end + 20, 8), std::string("\1\0\0\0\1\0\0\0", 8));
+    EXPECT_EQ(bytes.substr(end + 28, 16), std::string("DONE\xFF\xFF\xFF\xFF\0\0\0\0\4\0\0\0", 16));
+    EXPECT_EQ(bytes.substr(end + 48), std::string("\5\0\0\0", 4));
+}
+
+TEST(Document, TheChecksumIsTheUsualOne) {
+    EXPECT_EQ(cells::host::Checksum("123456789"), 0xCBF43926u);
+    EXPECT_EQ(cells::host::Checksum("6789", cells::host::Checksum("12345")), 0xCBF43926u);
+}
+
+TEST(DamagedDocument, EveryPrefixIsRefusedAndGivesTheSheetsThatAreWhole) {
+    auto const book = SmallBook();
+    std::string const bytes = BytesOf(*book);
+    std::string const one = Shown(book->At(0));
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+        std::string const prefix = bytes.substr(0, length);
+        EXPECT_THROW(Workbook::Read(prefix, "C"), DocumentError) << length;
+        auto const recovered = Workbook::Recover(prefix, "C");
+        EXPECT_FALSE(recovered.damages.empty()) << length;
+        ASSERT_LE(recovered.book->Count(), 2) << length;
+        if (recovered.book->Count() == 2) EXPECT_EQ(Shown(*recovered.book), Shown(*book)) << length;
+    }
+}
+
+TEST(DamagedDocument, EveryFlippedBitIsToldAndChangesNoValue) {
+    auto const book = SmallBook();
+    std::string const bytes = BytesOf(*book);
+    for (std::size_t at = 0; at < bytes.size(); ++at)
+        for (int bit = 0; bit < 8; bit += 5) {
+            std::string damaged = bytes;
+            damaged[at] = char(damaged[at] ^ 1 << bit);
+            try {
+                Workbook::Read(damaged, "C");
+                ADD_FAILURE() << "byte " << at;
+            } catch (DocumentError const & error) {
+                EXPECT_LE(error.offset, bytes.size());
+            }
+            auto const recovered = Workbook::Recover(damaged, "C");
+            EXPECT_FALSE(recovered.damages.empty()) << at;
+            if (recovered.book->Count() == 2)
+                EXPECT_EQ(Shown(*recovered.book), Shown(*book)) << "byte " << at;
+        }
+}
+
+TEST(DamagedDocument, TheOtherSheetsAreRecoveredAndComputedAnew) {
+    auto const book = SmallBook();
+    std::string bytes = BytesOf(*book);
+    bytes[bytes.rfind("CELL") + 25] ^= 1; // a cell of the second sheet
+    auto const recovered = Workbook::Recover(bytes, "C");
+    ASSERT_EQ(recovered.book->Count(), 1);
+    EXPECT_EQ(recovered.book->NameOf(0), "One");
+    Sheet & one = recovered.book->At(0);
+    EXPECT_EQ(one.Text("A1"), "5");
+    EXPECT_EQ(one.Text("A2"), "text");
+    EXPECT_EQ(*one.Formula({1, 0}), "=A1 * 2 + Two ! A1");
+    EXPECT_EQ(one.Get("B1").kind, cells::host::Kind::kError);
+    ASSERT_GE(recovered.damages.size(), 2u);
+    EXPECT_EQ(recovered.damages[0].what.substr(0, 13), "damaged bytes");
+}
+
+TEST(DamagedDocument, AnUnknownVersionIsNamed) {
+    std::string bytes = BytesOf(*SmallBook());
+    bytes[8] = 2;
+    try {
+        Workbook::Read(bytes, "C");
+        FAIL();
+    } catch (DocumentError const & error) {
+        EXPECT_STREQ(error.what(), "at byte 8: the document has version 2, which is unknown");
+    }
+}
+
+// Sections whose sums are right but whose contents are not.
+TEST(DamagedDocument, HostileContentsEndInAComplaint) {
+    auto const book = SmallBook();
+    std::string const bytes = BytesOf(*book);
+    auto const sections = cells::host::ReadContainer(bytes).sections;
+    std::mt19937 random(3);
+    for (int round = 0; round < 600; ++round) {
+        std::string document;
+        cells::host::ContainerWriter writer([&](std::string_view piece) { document += piece; });
+        for (cells::host::Section const & section : sections) {
+            std::string payload(section.payload);
+            if (section.tag == cells::host::SectionTag::kDone) continue;
+            if (!payload.empty() && random() % 4 == 0)
+                for (unsigned i = 0; i <= random() % 3; ++i)
+                    payload[random() % payload.size()] = char(random());
+            if (random() % 20 == 0) payload.resize(random() % (payload.size() + 1));
+            writer.Add(section.tag, random() % 30 ? section.sheet : unsigned(random()) % 3,
+                       section.part, payload);
+        }
+        writer.Finish();
+        auto const recovered = Workbook::Recover(document, "C");
+        Shown(*recovered.book);
+        for (int i = 0; i < recovered.book->Count(); ++i) recovered.book->At(i).Enter("A1", "3");
+        recovered.book->Recalculate();
+    }
+}
+
+TEST(SavedFile, IsOpenedAgain) {
+    Folder folder;
+    auto const book = SmallBook();
+    book->Save(folder / "book.cvs");
+    EXPECT_EQ(Contents(folder / "book.cvs"), BytesOf(*book));
+    EXPECT_EQ(Shown(*Workbook::Open(folder / "book.cvs", "C")), Shown(*book));
+    EXPECT_EQ(folder.Count(), 1u);
+}
+
+TEST(SavedFile, AFailureAtAnyStepLeavesTheOldOrTheNewDocument) {
+    Folder folder;
+    fs::path const file = folder / "book.cvs";
+    auto const old = SmallBook(), now = SmallBook();
+    now->At(0).Enter("A1", "99");
+    now->Recalculate();
+    std::string const before = BytesOf(*old), after = BytesOf(*now);
+    int steps = 0;
+    AtomicFile::beforeStep = [&](char const *) { ++steps; };
+    now->Save(file);
+    int const all = steps;
+    EXPECT_GT(all, 10);
+    for (int failing = 1; failing <= all; ++failing) {
+        AtomicFile::beforeStep = nullptr;
+        old->Save(file);
+        int step = 0;
+        AtomicFile::beforeStep = [&](char const *) {
+            if (++step == failing) throw std::runtime_error("no room");
+        };
+        EXPECT_THROW(now->Save(file), std::runtime_error);
+        std::string const found = Contents(file);
+        EXPECT_TRUE(found == before || found == after) << failing;
+        EXPECT_EQ(folder.Count(), 1u) << "a temporary file is left";
+    }
+    AtomicFile::beforeStep = nullptr;
+}
+
+TEST(SavedFile, KeepsItsPermissionsAndIsReachedThroughALink) {
+    Folder folder;
+    auto const book = SmallBook();
+    book->Save(folder / "book.cvs");
+    fs::permissions(folder / "book.cvs", fs::perms(0640));
+    fs::create_symlink(folder / "book.cvs", folder / "link.cvs");
+    book->At(0).Enter("A1", "6");
+    book->Save(folder / "link.cvs");
+    EXPECT_TRUE(fs::is_symlink(folder / "link.cvs"));
+    EXPECT_EQ(Contents(folder / "book.cvs"), BytesOf(*book));
+    EXPECT_EQ(fs::status(folder / "book.cvs").permissions(), fs::perms(0640));
+}
+
+TEST(SavedFile, WhatCannotBeWrittenOrReadIsNamed) {
+    auto const book = SmallBook();
+    EXPECT_THROW(book->Save("/nowhere/book.cvs"), std::runtime_error);
+    EXPECT_THROW(Workbook::Open("/nowhere/book.cvs"), std::runtime_error);
+    Folder folder;
+    std::ofstream(folder / "text.cvs") << "a,b\n";
+    EXPECT_THROW(Workbook::Open(folder / "text.cvs"), DocumentError);
+}
