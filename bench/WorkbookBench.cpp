@@ -17,8 +17,7 @@ void Fill(Workbook & book, int count) {
     for (int i = 0; i < count; ++i) {
         int const sheet = i % kSheets, row = i / kSheets;
         std::string text = row ? "=A" + std::to_string(row) + "+1" : "1";
-        if (row && sheet)
-            text += "+Sheet" + std::to_string(sheet - 1) + "!A" + std::to_string(row);
+        if (row && sheet) text += "+Sheet" + std::to_string(sheet - 1) + "!A" + std::to_string(row);
         book.At(sheet).Enter(Place{0, row}, text);
     }
     book.Recalculate();

@@ -1,6 +1,6 @@
 #include "cvcells/Commands.h"
 
-#include "cvcells/Csv.h"
+#include "cvcells/Documents.h"
 #include "cvcells/Prompt.h"
 #include "cvcells/Session.h"
 #include "platform/Utf.h"
@@ -56,8 +56,8 @@ void FormatAssignment(Sheet & sheet, std::string const & assignment) {
     sheet.SetNumberFormat(*area, assignment.substr(equals + 1));
 }
 
-TextFormat InputFormatOf(CalcOptions const & options) {
-    if (options.inputFormat.empty()) return FormatOf(options.file);
+std::optional<TextFormat> InputFormatOf(CalcOptions const & options) {
+    if (options.inputFormat.empty()) return std::nullopt;
     return options.inputFormat == "tsv" ? TextFormat::kTsv : TextFormat::kCsv;
 }
 
@@ -73,23 +73,23 @@ Area ShownArea(Sheet const & sheet, std::string const & range) {
     throw InputError("--range " + range + ": no such area");
 }
 
-int RunGuarded(std::ostream & errors, auto && work) {
+} // namespace
+
+int Guarded(std::function<int()> const & work) {
     try {
         return work();
     } catch (std::exception const & failure) {
-        errors << "cvcells: " << failure.what() << '\n';
+        std::cerr << "cvcells: " << failure.what() << '\n';
         return 1;
     }
 }
 
-} // namespace
-
 int Calc(CalcOptions const & options) {
-    return RunGuarded(std::cerr, [&] {
-        Sheet sheet(options.locale);
+    return Guarded([&] {
+        auto const book = LoadWorkbook(options.files, options.locale, InputFormatOf(options));
+        Sheet & sheet = ChooseSheet(*book, options.sheet);
         ProgressLine progress;
         sheet.OnProgress([&](int done, int total) { return progress.Tick(done, total); });
-        LoadText(sheet, options.file, ReadFile(options.file), InputFormatOf(options));
         for (std::string const & assignment : options.set) EnterAssignment(sheet, assignment);
         for (std::string const & format : options.formats) FormatAssignment(sheet, format);
         sheet.Recalculate();
@@ -102,7 +102,7 @@ int Calc(CalcOptions const & options) {
 
 // Each text has a cell of its own below and beyond whatever is set.
 int Eval(EvalOptions const & options) {
-    return RunGuarded(std::cerr, [&] {
+    return Guarded([&] {
         Sheet sheet(options.locale);
         std::vector<std::string> const & texts = options.texts;
         for (std::string const & assignment : options.set) EnterAssignment(sheet, assignment);
@@ -129,7 +129,7 @@ int Eval(EvalOptions const & options) {
 }
 
 int Repl(std::string const & locale, std::string const & file) {
-    return RunGuarded(std::cerr, [&] {
+    return Guarded([&] {
         Session session(locale, std::cout, true);
         if (!file.empty()) session.Execute("load " + file);
         Prompt prompt;
@@ -150,7 +150,7 @@ int Repl(std::string const & locale, std::string const & file) {
 
 int TestFiles(std::string const & locale, std::vector<std::string> const & files) {
     int failures = 0, expectations = 0;
-    int const status = RunGuarded(std::cerr, [&] {
+    int const status = Guarded([&] {
         for (std::string const & file : files) {
             Session session(locale, std::cout, false);
             std::istringstream lines(ReadFile(file));

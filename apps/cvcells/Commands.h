@@ -3,15 +3,20 @@
 
 #include "cvcells/Output.h"
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace cells::app {
 
+// Runs a command; a failure goes to standard error and gives 1.
+int Guarded(std::function<int()> const & work);
+
 struct CalcOptions {
-    std::string file;
-    std::string inputFormat; // "csv", "tsv" or by extension
+    std::vector<std::string> files; // a document, or texts as the sheets of a workbook
+    std::string sheet;              // the one to print; the first otherwise
+    std::string inputFormat;        // "csv", "tsv" or by extension
     std::string format = "table";
     std::string show = "values";
     std::string range;
@@ -22,6 +27,21 @@ struct CalcOptions {
 };
 
 int Calc(CalcOptions const & options);
+
+struct ConvertOptions {
+    std::vector<std::string> inputs;
+    std::string output;
+    std::string locale;
+    std::string sheet;             // to write as text
+    std::string show = "formulas"; // or values
+};
+
+// Between texts and saved documents, by extension.
+int Convert(ConvertOptions const & options);
+// Tells what a document holds and what is damaged in it; 1 with any damage. What can be recovered
+// is saved as `recovered`, if that is not empty.
+int Check(std::string const & file, std::string const & recovered);
+
 struct EvalOptions {
     std::string locale;
     std::vector<std::string> set, texts;

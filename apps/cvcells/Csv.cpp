@@ -1,5 +1,7 @@
 #include "cvcells/Csv.h"
 
+#include "host/AtomicFile.h"
+
 #include "platform/Utf.h"
 
 #include <algorithm>
@@ -126,15 +128,13 @@ void WriteFile(std::string const & path, std::string const & content) {
         std::cout << content << std::flush;
         return;
     }
-    std::string const temporary = path + ".new";
-    {
-        std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-        file << content << std::flush;
-        if (!file) throw InputError(path + ": cannot be written");
+    try {
+        host::AtomicFile file(path);
+        file.Write(content);
+        file.Commit();
+    } catch (std::runtime_error const & failure) {
+        throw InputError(failure.what());
     }
-    std::error_code failure;
-    fs::rename(temporary, path, failure);
-    if (failure) throw InputError(path + ": " + failure.message());
 }
 
 void LoadText(host::Sheet & sheet, std::string const & name, std::string const & content,

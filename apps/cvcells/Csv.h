@@ -20,8 +20,7 @@ TextFormat FormatOf(std::string const & path);
 
 // The whole content of a file, or of standard input for "-".
 std::string ReadFile(std::string const & path);
-// Writes through a temporary file and a rename, so that nothing is half written; "-" is standard
-// output.
+// Nothing is half written; "-" is standard output.
 void WriteFile(std::string const & path, std::string const & content);
 
 // Enters each field into its cell, as a user types it. The sheet is changed only when the whole

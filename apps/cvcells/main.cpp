@@ -1,6 +1,7 @@
 // cvcells: calculates sheets, evaluates entries, runs sessions.
 #include "cvcells/Commands.h"
 #include "cvcells/Csv.h"
+#include "host/Workbook.h"
 
 #include <CLI/CLI.hpp>
 #include <functional>
@@ -15,7 +16,11 @@ using cells::app::CalcOptions;
 void AddCalc(CLI::App & app, std::function<int()> & run) {
     auto options = std::make_shared<CalcOptions>();
     CLI::App * calc = app.add_subcommand("calc", "Read a sheet, bring it up to date and print it");
-    calc->add_option("FILE", options->file, "CSV or TSV in UTF-8; - is standard input")->required();
+    calc->add_option("FILE", options->files,
+                     "a saved document, or CSV and TSV in UTF-8 as sheets of one workbook, named "
+                     "after the files; - is standard input")
+        ->required();
+    calc->add_option("--sheet", options->sheet, "the sheet to print; the first otherwise");
     calc->add_option("--input-format", options->inputFormat, "csv or tsv; by extension otherwise")
         ->check(CLI::IsMember({"csv", "tsv"}));
     calc->add_option("--format", options->format, "table, csv, tsv or json")
@@ -35,6 +40,39 @@ void AddCalc(CLI::App & app, std::function<int()> & run) {
     calc->add_option("-o,--output", options->output, "the file to write; - is standard output")
         ->capture_default_str();
     calc->callback([&run, options] { run = [options] { return cells::app::Calc(*options); }; });
+}
+
+void AddConvert(CLI::App & app, std::function<int()> & run) {
+    auto options = std::make_shared<cells::app::ConvertOptions>();
+    CLI::App * convert =
+        app.add_subcommand("convert", "Between CSV, TSV and saved documents (.cvs)");
+    convert
+        ->add_option("FILE", options->inputs,
+                     "IN... OUT: a saved document, or texts as its sheets; then the file to write "
+                     "(.cvs, .csv or .tsv)")
+        ->required()
+        ->expected(2, cells::host::Workbook::kMostSheets + 1);
+    convert->add_option("--sheet", options->sheet, "the sheet to write as text");
+    convert->add_option("--show", options->show, "what a text holds: formulas or values")
+        ->check(CLI::IsMember({"values", "formulas"}))
+        ->capture_default_str();
+    convert->add_option("--locale", options->locale,
+                        "a locale tag, such as de-DE; the user's otherwise");
+    convert->callback([&run, options] {
+        options->output = options->inputs.back();
+        options->inputs.pop_back();
+        run = [options] { return cells::app::Convert(*options); };
+    });
+}
+
+void AddCheck(CLI::App & app, std::function<int()> & run) {
+    auto file = std::make_shared<std::string>(), recovered = std::make_shared<std::string>();
+    CLI::App * check =
+        app.add_subcommand("check", "Verify a saved document and tell what it holds");
+    check->add_option("FILE", *file, "a saved document")->required();
+    check->add_option("--recover", *recovered, "save the sheets that are whole as this document");
+    check->callback(
+        [&run, file, recovered] { run = [=] { return cells::app::Check(*file, *recovered); }; });
 }
 
 void AddEval(CLI::App & app, std::function<int()> & run) {
@@ -104,6 +142,8 @@ int main(int argc, char ** argv) {
     app.footer("Example: cvcells eval --set A1=1200 '=A1*1.05'");
     std::function<int()> run;
     AddCalc(app, run);
+    AddConvert(app, run);
+    AddCheck(app, run);
     AddEval(app, run);
     AddFormats(app, run);
     AddRepl(app, run);

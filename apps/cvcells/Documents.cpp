@@ -1,0 +1,128 @@
+#include "cvcells/Documents.h"
+
+#include "cvcells/Commands.h"
+#include "cvcells/Output.h"
+#include "platform/Text.h"
+#include "platform/Utf.h"
+
+#include <filesystem>
+#include <iostream>
+
+namespace cells::app {
+namespace {
+
+using host::Sheet;
+using host::Workbook;
+
+// A name that the workbook takes: that of the file, with "_" for what no name has, and a number
+// where another sheet has it already.
+std::string AddSheetFor(Workbook & book, std::string const & file) {
+    CString const title = FromUtf8(std::filesystem::path(file).stem().string());
+    CString name;
+    for (wchar_t unit : title.View()) name += IsAlnum(unit) ? unit : L'_';
+    std::string const stem = ToUtf8(name);
+    for (std::string const & candidate : {stem, "_" + stem})
+        for (int number = 1; number <= Workbook::kMostSheets; ++number) {
+            std::string const tried =
+                number == 1 ? candidate : candidate + "_" + std::to_string(number);
+            try {
+                book.Add(tried);
+                return tried;
+            } catch (std::invalid_argument const &) {
+                if (!book.Find(tried)) break; // no sheet can be called so
+            }
+        }
+    throw InputError(file + ": too many sheets");
+}
+
+std::unique_ptr<Workbook> ReadDocument(std::string const & file, std::string const & locale) {
+    try {
+        return Workbook::Read(ReadFile(file), locale);
+    } catch (host::DocumentError const & error) {
+        throw InputError(file + ": " + error.what() +
+                         "; \"cvcells check\" tells what can be recovered");
+    }
+}
+
+void PrintDamages(std::string const & file, std::vector<host::Damage> const & damages) {
+    for (host::Damage const & damage : damages)
+        std::cout << file << ": at byte " << damage.offset << ": " << damage.what << '\n';
+}
+
+void PrintSheets(Workbook & book) {
+    for (int i = 0; i < book.Count(); ++i) {
+        int values = 0, formulas = 0;
+        Sheet & sheet = book.At(i);
+        sheet.ForEachOccupied(
+            [&](host::Place place) { ++(sheet.Formula(place) ? formulas : values); });
+        auto const used = sheet.UsedArea();
+        std::cout << book.NameOf(i) << ": " << values << " values, " << formulas << " formulas"
+                  << (used ? " in " + host::NameOf(*used) : std::string())
+                  << (sheet.IsProtected() ? ", protected" : "") << '\n';
+    }
+}
+
+} // namespace
+
+bool IsDocumentName(std::string const & path) {
+    return std::filesystem::path(path).extension() == ".cvs";
+}
+
+std::unique_ptr<Workbook> LoadWorkbook(std::vector<std::string> const & files,
+                                       std::string const & locale,
+                                       std::optional<TextFormat> format) {
+    if (files.size() == 1 && IsDocumentName(files[0])) return ReadDocument(files[0], locale);
+    auto book = std::make_unique<Workbook>(locale);
+    std::vector<std::string> names;
+    for (std::string const & file : files) {
+        if (IsDocumentName(file)) throw InputError(file + ": a document is read by itself");
+        names.push_back(AddSheetFor(*book, file));
+    }
+    for (std::size_t i = 0; i < files.size(); ++i)
+        LoadText((*book)[names[i]], files[i], ReadFile(files[i]),
+                 format.value_or(FormatOf(files[i])));
+    return book;
+}
+
+Sheet & ChooseSheet(Workbook const & book, std::string const & name) {
+    if (book.Count() == 0) throw InputError("the workbook has no sheet");
+    if (name.empty()) return book.At(0);
+    if (Sheet * sheet = book.Find(name)) return *sheet;
+    throw InputError("--sheet " + name + ": no such sheet");
+}
+
+int Convert(ConvertOptions const & options) {
+    return Guarded([&] {
+        auto const book = LoadWorkbook(options.inputs, options.locale);
+        book->Recalculate();
+        if (IsDocumentName(options.output)) {
+            book->Save(options.output);
+            return 0;
+        }
+        if (options.sheet.empty() && book->Count() > 1)
+            throw InputError("there are " + std::to_string(book->Count()) +
+                             " sheets: choose one with --sheet, or write a .cvs document");
+        Sheet & sheet = ChooseSheet(*book, options.sheet);
+        host::Area const area{{0, 0}, sheet.UsedArea().value_or(host::Area{}).last};
+        WriteFile(options.output,
+                  Render(sheet, area,
+                         FormatOf(options.output) == TextFormat::kTsv ? OutputFormat::kTsv
+                                                                      : OutputFormat::kCsv,
+                         options.show == "values" ? Show::kValues : Show::kFormulas));
+        return 0;
+    });
+}
+
+int Check(std::string const & file, std::string const & recovered) {
+    return Guarded([&] {
+        auto const found = Workbook::Recover(ReadFile(file), "C");
+        PrintDamages(file, found.damages);
+        PrintSheets(*found.book);
+        for (std::string const & flaw : found.book->CheckInvariants())
+            std::cout << file << ": " << flaw << '\n';
+        if (!recovered.empty()) found.book->Save(recovered);
+        return found.damages.empty() ? 0 : 1;
+    });
+}
+
+} // namespace cells::app

@@ -1,0 +1,27 @@
+// Files of any kind as workbooks, and workbooks as files.
+#pragma once
+
+#include "cvcells/Csv.h"
+#include "host/Workbook.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace cells::app {
+
+// Whether a file name has the extension of saved documents, ".cvs".
+bool IsDocumentName(std::string const & path);
+
+// A saved document, or texts as the sheets of a workbook, which are named after their files. All
+// sheets are there before the first text is entered, so that texts may refer to each other. A
+// format given counts for the texts, otherwise each one's extension. Throws InputError.
+std::unique_ptr<host::Workbook> LoadWorkbook(std::vector<std::string> const & files,
+                                             std::string const & locale,
+                                             std::optional<TextFormat> format = {});
+
+// The sheet of a name; without a name the first. Throws InputError.
+host::Sheet & ChooseSheet(host::Workbook const & book, std::string const & name);
+
+} // namespace cells::app
