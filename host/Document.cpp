@@ -15,6 +15,7 @@
 #include <iterator>
 #include <map>
 #include <optional>
+#include <set>
 #include <utility>
 
 namespace cells::host {
@@ -68,18 +69,23 @@ public:
         head.Archive() << std::uint32_t(book.Count()) << std::uint32_t(book.IsProtected())
                        << book.GetPassword();
         m_Container.Add(SectionTag::kBook, kNoSheet, 0, head.Bytes());
-        WriteStrings();
         for (int i = 0; i < book.Count(); ++i) WriteSheet(std::uint32_t(i), book.At(i));
+        WriteStrings();
         m_Container.Finish();
     }
 
 private:
+    // Those that a format of the document shows, with the numbers that they have here.
     void WriteStrings() {
         PayloadWriter payload;
-        int const count = GetNumberLTStrings();
-        payload.Archive() << std::uint32_t(count);
-        for (int i = 0; i < count; ++i) payload.Archive() << GetLTStringAt(i);
+        payload.Archive() << std::uint32_t(m_Strings.size());
+        for (int index : m_Strings)
+            payload.Archive() << std::uint32_t(index) << GetLTStringAt(index);
         m_Container.Add(SectionTag::kStrings, kNoSheet, 0, payload.Bytes());
+    }
+
+    void Use(CCNumberFormat const & format) {
+        if (format.IsLTString()) m_Strings.insert(format.GetLTString());
     }
 
     void WriteSheet(std::uint32_t number, SheetManager & sheet) {
@@ -98,6 +104,7 @@ private:
         for (AreaFormats::Entry const & entry : formats) {
             WriteArea(ar, entry.area);
             entry.format.Write(ar);
+            Use(entry.format.GetNFmt());
         }
         m_Container.Add(SectionTag::kSheet, number, 0, head.Bytes());
         WriteCells(number, sheet);
@@ -126,7 +133,7 @@ private:
     }
 
     // False for a cell that holds nothing but its dependents.
-    static bool WriteCell(CArchive & ar, SheetManager & sheet, Place place) {
+    bool WriteCell(CArchive & ar, SheetManager & sheet, Place place) {
         double number;
         std::uint32_t format;
         bool const isNumber = sheet.Cells().FindNumber(place, number, format);
@@ -145,11 +152,14 @@ private:
             return true;
         }
         cell->WriteContent(&sheet, ar);
+        Use(cell->getCFmt().GetNFmt());
+        Use(cell->CCCell::GetValue().GetFormat());
         if (isLong) ar << cell->CCCell::GetValue().GetTextString();
         return true;
     }
 
     ContainerWriter m_Container;
+    std::set<int> m_Strings;
 };
 
 class DocumentReader {
@@ -248,17 +258,18 @@ private:
         });
     }
 
-    // Strings of the file have other numbers here, unless both lists begin alike.
+    // A string of the file may have another number here.
     void ReadStrings(Section const & section) {
         ReadSection(section, [&](CArchive & ar) {
             std::uint32_t count;
             ar >> count;
             for (std::uint32_t i = 0; i < count; ++i) {
+                std::uint32_t index;
                 CString text;
-                ar >> text;
+                ar >> index >> text;
                 int here = GetLTStringIndex(text);
                 if (here < 0) here = AddLTString(text);
-                if (here != int(i)) m_Strings[int(i)] = here;
+                if (here != std::int64_t(index)) m_Strings[index] = here;
             }
         });
     }
@@ -359,7 +370,7 @@ private:
     // Gives a format the number that its string has here.
     void Translate(CCNumberFormat & format) const {
         if (!format.IsLTString()) return;
-        auto const found = m_Strings.find(format.GetLTString());
+        auto const found = m_Strings.find(std::uint32_t(format.GetLTString()));
         if (found != m_Strings.end()) format.SetLTString(found->second);
     }
     void Translate(CCCellFormat & format) const {
@@ -405,7 +416,7 @@ private:
     Container m_Container;
     std::unique_ptr<Workbook> m_Book;
     std::map<std::uint32_t, SheetSections> m_Sheets;
-    std::map<int, int> m_Strings; // of the file, where they have another number here
+    std::map<std::uint32_t, int> m_Strings; // of the file, where they have another number here
     std::uint32_t m_nSheets = 0;
 };
 
