@@ -5,6 +5,7 @@
 #include "formula/CCNameRef.h"
 #include "host/AtomicFile.h"
 #include "host/Book.h"
+#include "host/CellState.h"
 #include "host/SheetManager.h"
 #include "host/Workbook.h"
 #include "platform/CArchive.h"
@@ -22,9 +23,6 @@ namespace cells::host {
 namespace {
 
 constexpr std::size_t kSectionSize = 60000; // bytes at which a run of cells ends
-constexpr int kLongestRecordText = 4096;    // units that the record of a value holds
-
-enum class CellKind : uchar { kNumber = 0, kCell = 1, kLongText = 2 };
 
 // A payload in the making.
 class PayloadWriter {
@@ -134,27 +132,14 @@ private:
 
     // False for a cell that holds nothing but its dependents.
     bool WriteCell(CArchive & ar, SheetManager & sheet, Place place) {
-        double number;
-        std::uint32_t format;
-        bool const isNumber = sheet.Cells().FindNumber(place, number, format);
-        GridCell * const cell = isNumber ? nullptr : sheet.Cells().FindCell(place);
+        GridCell const * const cell = sheet.Cells().FindCell(place);
         if (cell && cell->IsValueEmpty() && !cell->IsFormulaLink() && cell->getCFmt().IsEmpty())
             return false;
-        bool const isLong =
-            cell && cell->IsValueText() &&
-            cell->CCCell::GetValue().GetTextString().GetLength() > kLongestRecordText;
-        CellKind const kind = isNumber ? CellKind::kNumber
-                              : isLong ? CellKind::kLongText
-                                       : CellKind::kCell;
-        ar << uchar(place.column) << std::uint16_t(place.row) << uchar(kind);
-        if (isNumber) {
-            ar << number << format;
-            return true;
-        }
-        cell->WriteContent(&sheet, ar);
+        ar << uchar(place.column) << std::uint16_t(place.row);
+        WriteCellState(ar, sheet, place);
+        if (!cell) return true;
         Use(cell->getCFmt().GetNFmt());
         Use(cell->CCCell::GetValue().GetFormat());
-        if (isLong) ar << cell->CCCell::GetValue().GetTextString();
         return true;
     }
 
@@ -347,24 +332,8 @@ private:
 
     void ReadCell(CArchive & ar, SheetManager & sheet) {
         Place const place = ReadPlace(ar);
-        uchar kind;
-        ar >> kind;
-        if (kind == uchar(CellKind::kNumber)) {
-            double number;
-            std::uint32_t format;
-            ar >> number >> format;
-            if (sheet.Cells().FindCell(place)) throw std::runtime_error("a place comes twice");
-            return sheet.Cells().PutNumber(place, number, format);
-        }
-        if (kind > uchar(CellKind::kLongText)) throw std::runtime_error("an unknown kind of cell");
-        GridCell & cell = sheet.Cells().MakeCell(place);
-        cell.ReadContent(&sheet, ar);
-        if (kind == uchar(CellKind::kLongText)) {
-            CString text;
-            ar >> text;
-            cell.RestoreText(text);
-        }
-        Translate(cell);
+        ReadCellState(ar, sheet, place);
+        if (GridCell * cell = sheet.Cells().FindCell(place)) Translate(*cell);
     }
 
     // Gives a format the number that its string has here.

@@ -49,6 +49,30 @@ void Grid::RemoveNumber(Place place) {
     NoteChange(place);
 }
 
+std::unique_ptr<GridCell> Grid::TakeCell(Place place) {
+    if (!FindCell(place)) return nullptr;
+    Page & page = MakePage(place);
+    page.cellMask &= ~(std::uint64_t(1) << Slot(place));
+    NoteChange(place);
+    return std::move((*page.cells)[Slot(place)]);
+}
+
+void Grid::PutCell(Place place, std::unique_ptr<GridCell> cell) {
+    Page & page = MakePage(place);
+    if (!page.cells) page.cells = std::make_unique<Cells>();
+    cell->SetPlace(place);
+    cell->Join(*this);
+    (*page.cells)[Slot(place)] = std::move(cell);
+    page.cellMask |= std::uint64_t(1) << Slot(place);
+    NoteChange(place);
+}
+
+void GridCell::Empty(CTX * ctx) {
+    RemoveFormula(ctx);
+    CCCell::SetValue(CCCellValue());
+    putCFmt(CCCellFormat());
+}
+
 void Grid::Read(Place place, CCCellValue & value) const {
     double number;
     std::uint32_t packed;

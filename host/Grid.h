@@ -35,6 +35,10 @@ public:
     void Join(Grid & grid) { m_pGrid = &grid; }
 
     Place At() const { return {m_Ref.col, m_Ref.row}; }
+    // Takes everything away but the dependents, and tells nobody.
+    void Empty(CTX * ctx);
+    // For the grid that moves it. Its formula must be out of the graph.
+    void SetPlace(Place place) { m_Ref.Set(uchar(place.column), ushort(place.row)); }
     // Stores a formula without computing it; see CCCell::StoreFormula.
     using CCCell::StoreFormula;
     // Stores a text from a document.
@@ -76,6 +80,9 @@ public:
     // Stores a plain number where no cell object stands.
     void PutNumber(Place place, double number, std::uint32_t format);
     void RemoveNumber(Place place);
+    // Cell objects that go to another place: out of one, into another that is empty.
+    std::unique_ptr<GridCell> TakeCell(Place place);
+    void PutCell(Place place, std::unique_ptr<GridCell> cell);
 
     // The value at a place; an empty one where nothing stands.
     void Read(Place place, CCCellValue & value) const;

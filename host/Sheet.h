@@ -27,6 +27,7 @@ class CCCellFormat;
 
 namespace cells::host {
 
+class PlaceMap;
 class SheetManager;
 
 enum class Kind { kEmpty, kNumber, kText, kError };
@@ -65,6 +66,25 @@ public:
     void Enter(std::string_view place, std::string_view text) { Enter(At(place), text); }
     // Empties a cell: its value and its formula.
     void Clear(Place place);
+
+    // Rows and columns come and go: what lies behind them moves, and formulas on all sheets of the
+    // workbook name the new places, or #REF! where a place is gone. `at` counts from 0. False, with
+    // nothing changed, where cells would be pushed off the grid, or where protection refuses it.
+    bool InsertRows(int at, int count = 1);
+    bool InsertColumns(int at, int count = 1);
+    bool DeleteRows(int at, int count = 1);
+    bool DeleteColumns(int at, int count = 1);
+
+    // Carries an area to another corner: formulas everywhere that name its cells follow. What stood
+    // at the new place is overwritten.
+    bool Move(Area const & area, Place to);
+    // Copies values, formats and formulas. References of a copied formula to the area go with it,
+    // others keep their distance unless they are absolute. A transposed copy turns rows to columns.
+    bool Copy(Area const & area, Place to, bool transpose = false) {
+        return CopyFrom(*this, area, to, transpose);
+    }
+    // The same from another sheet.
+    bool CopyFrom(Sheet const & source, Area const & area, Place to, bool transpose = false);
 
     // Formats stay with their places, occupied or not. A number format is a name (general,
     // number:2, currency, percent:1, fraction, scientific:3, time, date, logical, hex, oct, bin) or
@@ -151,6 +171,7 @@ private:
     static Place At(std::string_view place);
     static void Require(Place place);
     bool Refuses(Area const & area);
+    bool ChangeLines(PlaceMap const & map, Area const & changed);
     bool Format(Area const & area, CCCellFormat const & format);
 
     std::unique_ptr<SheetManager> m_Manager;

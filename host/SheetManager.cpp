@@ -4,6 +4,7 @@
 #include "formula/CCNameRef.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRef3D.h"
+#include "formula/CCRefFormula.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
 #include "host/Book.h"
@@ -27,17 +28,34 @@ Area AreaOf(CCRegionRef const & region) {
 
 } // namespace
 
-bool HasPart(CCFormula const & formula, EFormulaType type) {
+namespace {
+
+template <typename Test>
+bool AnyPart(CCFormula const & formula, Test && test) {
     std::vector<CCFormula const *> stack{&formula};
     while (!stack.empty()) {
         CCFormula const * const node = stack.back();
         stack.pop_back();
-        if (node->GetType() == type) return true;
+        if (test(*node)) return true;
         if (node->GetType() < kOpFormula) continue;
         auto const * args = static_cast<CCOpFormula const *>(node)->GetArgs();
         for (; args; args = args->next) stack.push_back(args->formula);
     }
     return false;
+}
+
+} // namespace
+
+bool HasPart(CCFormula const & formula, EFormulaType type) {
+    return AnyPart(formula, [&](CCFormula const & node) { return node.GetType() == type; });
+}
+
+bool HasName(CCFormula const & formula) {
+    return AnyPart(formula, [](CCFormula const & node) {
+        if (node.GetType() != kRefFormula) return false;
+        CCRef const * const ref = static_cast<CCRefFormula const &>(node).GetRef();
+        return ref && ref->GetType() == kRefName;
+    });
 }
 
 void GridCell::OnValueChanged(CTX * ctx) {
@@ -93,6 +111,13 @@ GridCell & SheetManager::MakeCell(Place place) {
 void SheetManager::Join(Book * book, CString const & name) {
     m_Book = book;
     m_SheetName = name;
+}
+
+std::vector<SheetManager *> SheetManager::Family() {
+    if (!m_Book) return {this};
+    std::vector<SheetManager *> sheets;
+    for (int i = 0; i < m_Book->Count(); ++i) sheets.push_back(&m_Book->At(i));
+    return sheets;
 }
 
 CCWorkbook * SheetManager::GetWorkbook() const { return m_Book; }
@@ -291,6 +316,19 @@ void SheetManager::Redefine(CString const & name, std::unique_ptr<CCRef> target)
     for (GridCell * cell : cells) cell->UnregisterFormula(this);
     m_Names[Folded(name)].target = std::move(target);
     for (GridCell * cell : cells) EnterAgain(*cell);
+}
+
+void SheetManager::TellChanged(std::vector<Place> places) {
+    std::sort(places.begin(), places.end());
+    places.erase(std::unique(places.begin(), places.end()), places.end());
+    for (Place place : places) {
+        GridCell const * cell = m_Grid.FindCell(place);
+        // A number that nobody knew of yet may lie in a region that somebody reads.
+        if (!cell && IsWatched(place)) cell = &MakeCell(place);
+        if (cell) InitIdleRecalc(cell, cell->IsFormulaLink() && cell->IsValidFormula());
+        OnCellChanged(place);
+    }
+    SetDirty();
 }
 
 void SheetManager::EnterAgain(GridCell & cell) {

@@ -29,6 +29,8 @@ public:
 
     // Makes it a sheet of a workbook, under a name; of none, a sheet of its own.
     void Join(Book * book, CString const & name);
+    // The sheets of its workbook, or itself.
+    std::vector<SheetManager *> Family();
 
     // The grid.
     Grid & Cells() { return m_Grid; }
@@ -56,6 +58,8 @@ public:
     CCRef const * FindName(CString const & name) const;
     std::vector<CString> Names() const;
 
+    // After values were stored silently: queues what depends on the places, and their formulas.
+    void TellChanged(std::vector<Place> places);
     // Enters the formula of a cell anew, so that it finds its precedents where they are now.
     void EnterAgain(GridCell & cell);
     void FinishRecalc() { DoRecalc(-1); }
@@ -125,5 +129,7 @@ bool IsPlainName(CString const & text, CTX & reader);
 // Whether a part of the formula is of a type: of kRefOpFormula, which yields its place only when it
 // is computed, or of kDocOpFormula, of whose arguments only the places matter.
 bool HasPart(CCFormula const & formula, EFormulaType type);
+// Whether a part of the formula is a name.
+bool HasName(CCFormula const & formula);
 
 } // namespace cells::host

@@ -265,7 +265,9 @@ TEST(DamagedDocument, EveryPrefixIsRefusedAndGivesTheSheetsThatAreWhole) {
         auto const recovered = Workbook::Recover(prefix, "C");
         EXPECT_FALSE(recovered.damages.empty()) << length;
         ASSERT_LE(recovered.book->Count(), 2) << length;
-        if (recovered.book->Count() == 2) EXPECT_EQ(Shown(*recovered.book), Shown(*book)) << length;
+        if (recovered.book->Count() == 2) {
+            EXPECT_EQ(Shown(*recovered.book), Shown(*book)) << length;
+        }
     }
 }
 
@@ -284,8 +286,9 @@ TEST(DamagedDocument, EveryFlippedBitIsToldAndChangesNoValue) {
             }
             auto const recovered = Workbook::Recover(damaged, "C");
             EXPECT_FALSE(recovered.damages.empty()) << at;
-            if (recovered.book->Count() == 2)
+            if (recovered.book->Count() == 2) {
                 EXPECT_EQ(Shown(*recovered.book), Shown(*book)) << "byte " << at;
+            }
         }
 }
 

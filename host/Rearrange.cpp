@@ -1,0 +1,239 @@
+#include "host/Rearrange.h"
+
+#include "formula/CCConstFormula.h"
+#include "formula/CCNameRef.h"
+#include "formula/CCRef3D.h"
+#include "formula/CCRefFormula.h"
+#include "formula/CCRefOpFormula.h"
+#include "formula/CCRegionRef.h"
+#include "formula/OperatorObjects.h"
+#include "host/PlaceMap.h"
+#include "host/SheetManager.h"
+
+#include <memory>
+
+namespace cells::host {
+namespace {
+
+Area AreaOf(CCRef const & ref) {
+    if (ref.GetType() == kRefCell) {
+        auto const & cell = static_cast<CCRCRef const &>(ref);
+        return {{cell.col, cell.row}, {cell.col, cell.row}};
+    }
+    auto const & region = static_cast<CCRegionRef const &>(ref);
+    return {{region.left, region.top}, {region.right, region.bottom}};
+}
+
+// What a reference to the sheet means afterwards; null when it means nothing.
+std::unique_ptr<CCRef> Mapped(CCRef const & ref, PlaceMap const & map) {
+    Area const area = AreaOf(ref);
+    if (ref.GetType() == kRefCell) {
+        auto const place = map.ReferenceTo(area.first);
+        if (!place) return nullptr;
+        return std::make_unique<CCRCRef>(uchar(place->column), ushort(place->row));
+    }
+    auto const now = map.ReferenceTo(area);
+    if (!now) return nullptr;
+    return std::make_unique<CCRegionRef>(uchar(now->first.column), ushort(now->first.row),
+                                         uchar(now->last.column), ushort(now->last.row));
+}
+
+// A formula whose references are mapped, in a copy of its tree.
+class Rewriting {
+public:
+    Rewriting(SheetManager & sheet, PlaceMap const & map) : m_Sheet(sheet), m_Map(map) {}
+
+    // The copy; null where no reference is concerned.
+    std::unique_ptr<CCFormula> Rewrite(SheetManager & home, CCFormula const & formula) {
+        m_Changed = false;
+        CCFormula * copy = formula.Copy();
+        std::unique_ptr<CCFormula> owned;
+        try {
+            Walk(home, copy);
+        } catch (...) {
+            delete copy;
+            throw;
+        }
+        owned.reset(copy);
+        return m_Changed ? std::move(owned) : nullptr;
+    }
+
+private:
+    struct Step {
+        CCFormula ** slot;
+        bool onSheet; // plain references are to the sheet
+    };
+
+    void Walk(SheetManager & home, CCFormula *& root) {
+        std::vector<Step> steps{{&root, &home == &m_Sheet}};
+        while (!steps.empty()) {
+            Step const step = steps.back();
+            steps.pop_back();
+            CCFormula & node = **step.slot;
+            if (node.GetType() == kRefFormula) {
+                if (step.onSheet) Map(*step.slot);
+            } else if (node.GetType() >= kOpFormula) {
+                auto & call = static_cast<CCOpFormula &>(node);
+                bool const onSheet = IsFullRef(call) ? Names(home, call) : step.onSheet;
+                for (CCFormulaList * item = call.GetArgs(); item; item = item->next)
+                    steps.push_back({&item->formula, onSheet});
+            }
+        }
+    }
+
+    void Map(CCFormula *& slot) {
+        auto const & node = static_cast<CCRefFormula const &>(*slot);
+        CCRef const * const ref = node.GetRef();
+        if (!ref || (ref->GetType() != kRefCell && ref->GetType() != kRefRegion)) return;
+        std::unique_ptr<CCRef> const now = Mapped(*ref, m_Map);
+        // The reader of a cell that is overwritten registers with the one that comes.
+        bool const isReplaced = ref->GetType() == kRefCell && m_Map.Overwrites(AreaOf(*ref).first);
+        if (now && now->IsEqual(ref) && !isReplaced) return;
+        m_Changed = true;
+        CCFormula * const replaced =
+            now ? static_cast<CCFormula *>(new CCRefFormula(now.get(), node.GetMode()))
+                : new CCConstFormula(errRef);
+        delete slot;
+        slot = replaced;
+    }
+
+    static bool IsFullRef(CCOpFormula const & call) {
+        return call.GetType() == kRefOpFormula &&
+               call.GetFunc() == internal::OperatorObject(internal::Operator::kFullRef);
+    }
+
+    // Whether a "!" leads to the sheet alone. What a run of sheets names stays as it is.
+    bool Names(SheetManager & home, CCOpFormula & call) const {
+        CCRef const * const target = static_cast<CCRefOpFormula &>(call).GetTarget();
+        if (!target || target->GetType() != kRefSheets) return false;
+        auto const & sheets = *static_cast<CCRef3D const *>(target);
+        return sheets.IsOneSheet() && home.GetManForNameIndex(sheets.firstSheet) == &m_Sheet;
+    }
+
+    SheetManager & m_Sheet;
+    PlaceMap const & m_Map;
+    bool m_Changed = false;
+};
+
+// Whether what a formula reads, or gives, may change although its text does not: it names places
+// while it is computed, by a name, or its own.
+bool MayMove(CCFormula const & formula) {
+    return HasPart(formula, kRefOpFormula) || HasPart(formula, kDocOpFormula) || HasName(formula);
+}
+
+// A formula that leaves the graph for the time of the change.
+struct Affected {
+    SheetManager * sheet;
+    GridCell * cell;
+    std::unique_ptr<CCFormula> tree; // to be entered; null: as it stands
+};
+
+class Rearrangement {
+public:
+    Rearrangement(SheetManager & sheet, PlaceMap const & map) : m_Sheet(sheet), m_Map(map) {}
+
+    void Collect(SheetManager & home) {
+        Rewriting rewriting(m_Sheet, m_Map);
+        home.Cells().ForEachCell(kWholeGrid, [&](GridCell & cell) {
+            CCFormula const * const formula = cell.LoadFormula(&home);
+            if (!formula) return;
+            std::unique_ptr<CCFormula> tree = rewriting.Rewrite(home, *formula);
+            auto const to = &home == &m_Sheet ? m_Map.CellTo(cell.At()) : cell.At();
+            bool const moves = !to || *to != cell.At();
+            if (tree || moves || MayMove(*formula))
+                m_Affected.push_back({&home, &cell, std::move(tree)});
+        });
+    }
+
+    void Carry() {
+        for (Affected & affected : m_Affected) {
+            if (affected.cell->IsValidFormula()) affected.cell->UnregisterFormula(affected.sheet);
+            affected.sheet->OnRemoveItem(affected.cell);
+        }
+        std::erase_if(m_Affected, [&](Affected const & affected) {
+            return affected.sheet == &m_Sheet && !m_Map.CellTo(affected.cell->At());
+        });
+        MoveCells();
+        MoveNames();
+        MoveFormats();
+        for (Affected & affected : m_Affected) {
+            if (affected.tree)
+                affected.cell->SetFormula(affected.sheet, affected.tree.get(), 1);
+            else
+                affected.sheet->EnterAgain(*affected.cell);
+        }
+    }
+
+private:
+    struct Moving {
+        Place to;
+        std::unique_ptr<GridCell> cell; // null: a plain number
+        double number = 0;
+        std::uint32_t format = 0;
+    };
+
+    // What nobody fills stays empty, and cells that hold nothing are not carried.
+    void MoveCells() {
+        Grid & grid = m_Sheet.Cells();
+        std::vector<Place> places;
+        grid.ForEach(m_Map.Changed(), [&](Place place) {
+            auto const to = m_Map.CellTo(place);
+            if (!to || *to != place) places.push_back(place);
+        });
+        std::vector<Moving> moving;
+        for (Place place : places) {
+            Moving item;
+            bool const isNumber = grid.FindNumber(place, item.number, item.format);
+            if (isNumber)
+                grid.RemoveNumber(place);
+            else
+                item.cell = grid.TakeCell(place);
+            auto const to = m_Map.CellTo(place);
+            if (!to || (item.cell && item.cell->IsEmpty())) continue;
+            item.to = *to;
+            moving.push_back(std::move(item));
+        }
+        for (Moving & item : moving) {
+            if (item.cell)
+                grid.PutCell(item.to, std::move(item.cell));
+            else
+                grid.PutNumber(item.to, item.number, item.format);
+        }
+    }
+
+    void MoveNames() {
+        for (CString const & name : m_Sheet.Names()) {
+            std::unique_ptr<CCRef> const now = Mapped(*m_Sheet.FindName(name), m_Map);
+            if (now)
+                m_Sheet.DefineName(name, *now);
+            else
+                m_Sheet.RemoveName(name);
+        }
+    }
+
+    void MoveFormats() {
+        std::vector<AreaFormats::Entry> entries;
+        for (AreaFormats::Entry entry : m_Sheet.Formats().Entries())
+            if (auto const area = m_Map.ReferenceTo(entry.area)) {
+                entry.area = *area;
+                entries.push_back(entry);
+            }
+        m_Sheet.Formats().Restore(std::move(entries));
+    }
+
+    SheetManager & m_Sheet;
+    PlaceMap const & m_Map;
+    std::vector<Affected> m_Affected;
+};
+
+} // namespace
+
+void Rearrange(std::vector<SheetManager *> const & sheets, SheetManager & sheet,
+               PlaceMap const & map) {
+    Rearrangement rearrangement(sheet, map);
+    for (SheetManager * home : sheets) rearrangement.Collect(*home);
+    rearrangement.Carry();
+    sheet.SetDirty();
+}
+
+} // namespace cells::host
