@@ -27,24 +27,34 @@ CCCellManager * Book::GetSheetByNumber(int number) {
     return number >= 0 && number < Count() ? &At(number) : nullptr;
 }
 
-void Book::Restructure(std::function<void()> const & change) {
-    std::vector<std::pair<SheetManager *, GridCell *>> linked;
-    for (SheetManager * sheet : m_Sheets)
-        sheet->Cells().ForEachCell(kWholeGrid, [&](GridCell & cell) {
-            CCFormula const * const formula = cell.LoadFormula(sheet);
-            if (formula && HasPart(*formula, kRefOpFormula)) linked.emplace_back(sheet, &cell);
-        });
-    for (auto const & [sheet, cell] : linked) cell->UnregisterFormula(sheet);
-    change();
-    for (auto const & [sheet, cell] : linked)
-        if (PositionOf(sheet) >= 0) sheet->EnterAgain(*cell);
+// The cells of a sheet whose formulas name sheets.
+std::vector<GridCell *> Book::LinkedCells(SheetManager & sheet) {
+    std::vector<GridCell *> linked;
+    sheet.Cells().ForEachCell(kWholeGrid, [&](GridCell & cell) {
+        CCFormula const * const formula = cell.LoadFormula(&sheet);
+        if (formula && HasPart(*formula, kRefOpFormula)) linked.push_back(&cell);
+    });
+    return linked;
 }
 
+void Book::Restructure(std::function<void()> const & change) {
+    std::vector<std::pair<SheetManager *, std::vector<GridCell *>>> linked;
+    for (SheetManager * sheet : m_Sheets) linked.emplace_back(sheet, LinkedCells(*sheet));
+    for (auto const & [sheet, cells] : linked)
+        for (GridCell * cell : cells) cell->UnregisterFormula(sheet);
+    change();
+    for (auto const & [sheet, cells] : linked)
+        if (PositionOf(sheet) >= 0)
+            for (GridCell * cell : cells) sheet->EnterAgain(*cell);
+}
+
+// A sheet that comes back brings formulas along.
 void Book::Insert(int position, SheetManager & sheet, CString const & name) {
     Restructure([&] {
         m_Sheets.insert(m_Sheets.begin() + position, &sheet);
         sheet.Join(this, name);
     });
+    for (GridCell * cell : LinkedCells(sheet)) sheet.EnterAgain(*cell);
 }
 
 void Book::Remove(int position) {

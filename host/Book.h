@@ -12,6 +12,7 @@
 
 namespace cells::host {
 
+class GridCell;
 class SheetManager;
 
 class Book final : public CCWorkbook {
@@ -37,6 +38,7 @@ public:
     int HasManager(CCCellManager * manager) override { return PositionOf(manager); }
 
 private:
+    static std::vector<GridCell *> LinkedCells(SheetManager & sheet);
     void Restructure(std::function<void()> const & change);
 
     std::vector<SheetManager *> m_Sheets;

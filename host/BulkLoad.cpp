@@ -10,6 +10,7 @@
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
 #include "formula/Parser.h"
+#include "host/History.h"
 #include "host/Sheet.h"
 #include "host/SheetManager.h"
 #include "platform/Utf.h"
@@ -188,8 +189,9 @@ struct Sheet::Bulk::State {
 
     Sheet & sheet;
     SheetManager & manager;
-    std::deque<Entry> waiting; // from the first formula on
-    bool ordered = true;       // false: something in the load needs the order of entry
+    Recording recording{manager}; // the load is one edit
+    std::deque<Entry> waiting;    // from the first formula on
+    bool ordered = true;          // false: something in the load needs the order of entry
 
     void Enter(Place place, CString const & text);
     bool TryOrdered();
@@ -203,6 +205,7 @@ Sheet::Bulk::Bulk(Sheet & sheet) : m_State(std::make_unique<State>(sheet)) {}
 Sheet::Bulk::~Bulk() = default;
 
 void Sheet::Bulk::State::Enter(Place place, CString const & text) {
+    recording.Touch(manager, place);
     CCCellValue value;
     CCFormula * parsed = nullptr;
     int const kind = _Parse(&manager, text, value, parsed, nullptr);

@@ -7,6 +7,7 @@
 #include "formula/CCRefOpFormula.h"
 #include "formula/CCRegionRef.h"
 #include "formula/OperatorObjects.h"
+#include "host/History.h"
 #include "host/PlaceMap.h"
 #include "host/SheetManager.h"
 
@@ -145,6 +146,19 @@ public:
         });
     }
 
+    // Tells the recording which places will hold something else.
+    void Record(Recording & recording) {
+        for (Affected const & affected : m_Affected)
+            recording.Touch(*affected.sheet, affected.cell->At());
+        m_Sheet.Cells().ForEach(m_Map.Changed(), [&](Place place) {
+            auto const to = m_Map.CellTo(place);
+            if (to && *to == place) return;
+            recording.Touch(m_Sheet, place);
+            if (to) recording.Touch(m_Sheet, *to);
+        });
+        recording.TouchFacts(m_Sheet);
+    }
+
     void Carry() {
         for (Affected & affected : m_Affected) {
             if (affected.cell->IsValidFormula()) affected.cell->UnregisterFormula(affected.sheet);
@@ -229,9 +243,10 @@ private:
 } // namespace
 
 void Rearrange(std::vector<SheetManager *> const & sheets, SheetManager & sheet,
-               PlaceMap const & map) {
+               PlaceMap const & map, Recording & recording) {
     Rearrangement rearrangement(sheet, map);
     for (SheetManager * home : sheets) rearrangement.Collect(*home);
+    rearrangement.Record(recording);
     rearrangement.Carry();
     sheet.SetDirty();
 }

@@ -9,6 +9,7 @@
 #include "formula/Parser.h"
 #include "formula/Scanners.h"
 #include "host/Engine.h"
+#include "host/History.h"
 #include "host/Invariants.h"
 #include "host/SheetManager.h"
 #include "host/TextBuffer.h"
@@ -89,6 +90,8 @@ void Sheet::Require(Place place) {
 // A plain number goes straight to its page; everything else takes the road of the engine.
 void Sheet::Enter(Place place, std::string_view text) {
     Require(place);
+    Recording recording(*m_Manager);
+    TouchEntry(recording, place);
     CString const entered = FromUtf8(text);
     if (!m_Manager->Cells().FindCell(place)) {
         CCCellValue value;
@@ -107,8 +110,40 @@ void Sheet::Enter(Place place, std::string_view text) {
     m_Manager->SetCellText(&ref, entered);
 }
 
+// An edit source hands what is entered on to the cell that it shows.
+void Sheet::TouchEntry(Recording & recording, Place place) {
+    recording.Touch(*m_Manager, place);
+    GridCell * const cell = m_Manager->Cells().FindCell(place);
+    if (!cell || !cell->IsFormulaLink()) return;
+    std::unique_ptr<CCRef const> const source(cell->GetEditSourceRef(m_Manager.get()));
+    if (!source || source->GetType() != kRefCell) return;
+    auto const & target = static_cast<CCRCRef const &>(*source);
+    recording.Touch(*m_Manager, {target.col, target.row});
+}
+
+void Sheet::KeepHistory(int steps) {
+    m_History = steps > 0 ? std::make_unique<History>(std::size_t(steps)) : nullptr;
+    m_Manager->history = m_History.get();
+}
+
+bool Sheet::Undo() {
+    History * const history = m_Manager->history;
+    if (!history || !history->CanUndo()) return false;
+    history->Undo();
+    return true;
+}
+
+bool Sheet::Redo() {
+    History * const history = m_Manager->history;
+    if (!history || !history->CanRedo()) return false;
+    history->Redo();
+    return true;
+}
+
 void Sheet::Clear(Place place) {
     Require(place);
+    Recording recording(*m_Manager);
+    TouchEntry(recording, place);
     CCRCRef const ref = RefOf(place);
     m_Manager->ClearCell(&ref, kClearFormula);
     m_Manager->ClearCell(&ref, kClearValue);
@@ -195,12 +230,18 @@ bool Sheet::DefineName(std::string_view name, Area const & area) {
     Require(area.last);
     CString const text = FromUtf8(name);
     if (!IsPlainName(text, *m_Manager)) return false;
+    Recording recording(*m_Manager);
+    recording.TouchFacts(*m_Manager);
     if (area.first == area.last) return m_Manager->DefineName(text, RefOf(area.first));
     return m_Manager->DefineName(text, CCRegionRef(uchar(area.first.column), ushort(area.first.row),
                                                    uchar(area.last.column), ushort(area.last.row)));
 }
 
-bool Sheet::RemoveName(std::string_view name) { return m_Manager->RemoveName(FromUtf8(name)); }
+bool Sheet::RemoveName(std::string_view name) {
+    Recording recording(*m_Manager);
+    recording.TouchFacts(*m_Manager);
+    return m_Manager->RemoveName(FromUtf8(name));
+}
 
 void Sheet::ForEachOccupied(std::function<void(Place)> const & visit) const {
     Grid const & grid = m_Manager->Cells();

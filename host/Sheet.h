@@ -27,7 +27,9 @@ class CCCellFormat;
 
 namespace cells::host {
 
+class History;
 class PlaceMap;
+class Recording;
 class SheetManager;
 
 enum class Kind { kEmpty, kNumber, kText, kError };
@@ -85,6 +87,13 @@ public:
     }
     // The same from another sheet.
     bool CopyFrom(Sheet const & source, Area const & area, Place to, bool transpose = false);
+
+    // Remembers so many edits from now on, 0 for none, to take them back and to make them again. An
+    // edit is one call of an operation that changes something; a bulk load is one. Undo and Redo
+    // give false where there is nothing to do. A sheet of a workbook shares the workbook's history.
+    void KeepHistory(int steps);
+    bool Undo();
+    bool Redo();
 
     // Formats stay with their places, occupied or not. A number format is a name (general,
     // number:2, currency, percent:1, fraction, scientific:3, time, date, logical, hex, oct, bin) or
@@ -171,10 +180,13 @@ private:
     static Place At(std::string_view place);
     static void Require(Place place);
     bool Refuses(Area const & area);
+    void TouchEntry(Recording & recording, Place place);
+    void TouchFormats(Recording & recording, Area const & area);
     bool ChangeLines(PlaceMap const & map, Area const & changed);
     bool Format(Area const & area, CCCellFormat const & format);
 
     std::unique_ptr<SheetManager> m_Manager;
+    std::unique_ptr<History> m_History; // of a sheet of its own
     std::function<bool(int, int)> m_Progress;
     bool m_Cancelled = false;
 };

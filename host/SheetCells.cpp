@@ -1,6 +1,7 @@
 // cells::host::Sheet: cells that move, and copies of them.
 #include "formula/Clipboard.h"
 #include "host/CellState.h"
+#include "host/History.h"
 #include "host/PlaceMap.h"
 #include "host/Rearrange.h"
 #include "host/Sheet.h"
@@ -40,7 +41,8 @@ bool IsOccupied(Sheet const & sheet, Area const & area) {
 
 bool Sheet::ChangeLines(PlaceMap const & map, Area const & changed) {
     if (Refuses(changed)) return false;
-    Rearrange(m_Manager->Family(), *m_Manager, map);
+    Recording recording(*m_Manager);
+    Rearrange(m_Manager->Family(), *m_Manager, map, recording);
     return true;
 }
 
@@ -73,7 +75,8 @@ bool Sheet::Move(Area const & area, Place to) {
     Area const target =
         AreaAt(to, area.last.column - area.first.column + 1, area.last.row - area.first.row + 1);
     if (Refuses(area) || Refuses(target)) return false;
-    Rearrange(m_Manager->Family(), *m_Manager, PlaceMap::Moved(area, to));
+    Recording recording(*m_Manager);
+    Rearrange(m_Manager->Family(), *m_Manager, PlaceMap::Moved(area, to), recording);
     return true;
 }
 
@@ -98,6 +101,9 @@ bool Sheet::CopyFrom(Sheet const & source, Area const & area, Place to, bool tra
     });
     std::vector<Place> changed;
     m_Manager->Cells().ForEach(target, [&](Place place) { changed.push_back(place); });
+    Recording recording(*m_Manager);
+    for (Place place : changed) recording.Touch(*m_Manager, place);
+    for (Copied const & copy : copies) recording.Touch(*m_Manager, copy.to);
     for (Place place : changed) RestoreCellState(*m_Manager, place, {});
     CCClipboardData clip;
     clip.mode = 1;

@@ -1,4 +1,5 @@
 // cells::host::Sheet: formats, protection, search.
+#include "host/History.h"
 #include "host/NumberFormats.h"
 #include "host/Sheet.h"
 #include "host/SheetManager.h"
@@ -34,11 +35,19 @@ bool Sheet::Refuses(Area const & area) {
     return locked;
 }
 
+void Sheet::TouchFormats(Recording & recording, Area const & area) {
+    if (area.first == area.last) return recording.Touch(*m_Manager, area.first);
+    m_Manager->Cells().ForEach(area, [&](Place place) { recording.Touch(*m_Manager, place); });
+    recording.TouchFacts(*m_Manager);
+}
+
 bool Sheet::Format(Area const & area, CCCellFormat const & format) {
     Require(area.first);
     Require(area.last);
     if (Refuses(area)) return false;
     CTX * const ctx = m_Manager.get();
+    Recording recording(*m_Manager);
+    TouchFormats(recording, area);
     if (area.first == area.last) return m_Manager->MakeCell(area.first).SetFormat(ctx, format) != 0;
     m_Manager->ForEachMadeCell(area, [&](GridCell & cell) { cell.SetFormat(ctx, format); });
     m_Manager->Formats().Add(area, format);
@@ -91,16 +100,24 @@ bool Sheet::ClearFormat(Area const & area) {
     Require(area.last);
     if (Refuses(area)) return false;
     CTX * const ctx = m_Manager.get();
+    Recording recording(*m_Manager);
+    TouchFormats(recording, area);
     m_Manager->Cells().ForEachCell(area, [&](GridCell & cell) { cell.Clear(ctx, kClearFormat); });
     m_Manager->Formats().Clear(area);
     m_Manager->SetDirty();
     return true;
 }
 
-void Sheet::Protect(std::string_view password) { m_Manager->Protect(FromUtf8(password)); }
+void Sheet::Protect(std::string_view password) {
+    Recording recording(*m_Manager);
+    recording.TouchFacts(*m_Manager);
+    m_Manager->Protect(FromUtf8(password));
+}
 
 bool Sheet::Unprotect(std::string_view password) {
     if (m_Manager->IsProtected() && !(m_Manager->GetPassword() == FromUtf8(password))) return false;
+    Recording recording(*m_Manager);
+    recording.TouchFacts(*m_Manager);
     m_Manager->UnProtect();
     return true;
 }
@@ -129,8 +146,11 @@ int Sheet::Replace(std::string_view text, std::string_view by, FindOptions const
     CCFindData data = FindDataOf(text, options);
     data.replaceText = FromUtf8(by);
     int replaced = 0;
-    for (Place place : Find(text, options))
+    Recording recording(*m_Manager);
+    for (Place place : Find(text, options)) {
+        TouchEntry(recording, place);
         replaced += m_Manager->MakeCell(place).Replace(m_Manager.get(), data);
+    }
     return replaced;
 }
 

@@ -16,6 +16,7 @@
 namespace cells::host {
 
 class Book;
+class History;
 
 class SheetManager final : public CCSheet, public CTX {
 public:
@@ -71,6 +72,7 @@ public:
     std::function<void()> onTick;         // now and then during long work
     std::function<void(unsigned int)> onMessage;
     bool dirty = false;
+    History * history = nullptr; // of the workbook or the sheet; null: edits are not remembered
 
     // CCCellManager.
     int GetType() const override { return 1; }

@@ -4,6 +4,7 @@
 #include "formula/Parser.h"
 #include "host/Book.h"
 #include "host/Engine.h"
+#include "host/History.h"
 #include "host/Invariants.h"
 #include "host/SheetManager.h"
 #include "platform/Utf.h"
@@ -27,7 +28,10 @@ bool CanNameASheet(CString const & name, SheetManager & reader) {
 Workbook::Workbook(std::string_view locale)
     : m_Locale(FindLocale(locale)), m_Book(std::make_unique<Book>()) {}
 
-Workbook::~Workbook() { m_Sheets.clear(); }
+Workbook::~Workbook() {
+    m_History.reset(); // it may hold sheets
+    m_Sheets.clear();
+}
 
 int Workbook::Count() const { return m_Book->Count(); }
 
@@ -74,35 +78,87 @@ CString Workbook::CheckedName(std::string_view name, int position) const {
     return text;
 }
 
+// A sheet that is out of the workbook for as long as the history may bring it back.
+struct Workbook::Stash {
+    std::unique_ptr<Sheet> sheet;
+};
+
 Sheet & Workbook::Add(std::string_view name, std::optional<int> position) {
     int const at = position.value_or(Count());
     if (at != Count()) Require(at);
     if (Count() >= kMostSheets) throw std::invalid_argument("a workbook has at most 255 sheets");
     CString const text = CheckedName(name, -1);
-    auto sheet = std::unique_ptr<Sheet>(new Sheet(std::make_unique<SheetManager>(m_Locale)));
-    Sheet & added = **m_Sheets.insert(m_Sheets.begin() + at, std::move(sheet));
-    m_Book->Insert(at, *added.m_Manager, text);
-    return added;
+    Insert(std::unique_ptr<Sheet>(new Sheet(std::make_unique<SheetManager>(m_Locale))), at, text);
+    auto const stash = std::make_shared<Stash>();
+    Remember([this, at, stash] { stash->sheet = TakeOut(at); },
+             [this, at, text, stash] { Insert(std::move(stash->sheet), at, text); });
+    return At(at);
 }
 
-void Workbook::Remove(int position) {
-    Require(position);
+void Workbook::Remember(std::function<void()> undo, std::function<void()> redo) {
+    if (m_History) m_History->Add(std::move(undo), std::move(redo));
+}
+
+void Workbook::Insert(std::unique_ptr<Sheet> sheet, int position, CString const & name) {
+    Sheet & added = **m_Sheets.insert(m_Sheets.begin() + position, std::move(sheet));
+    added.m_Manager->history = m_History.get();
+    m_Book->Insert(position, *added.m_Manager, name);
+}
+
+std::unique_ptr<Sheet> Workbook::TakeOut(int position) {
     m_Book->Remove(position);
+    std::unique_ptr<Sheet> taken = std::move(m_Sheets[std::size_t(position)]);
     m_Sheets.erase(m_Sheets.begin() + position);
+    return taken;
 }
 
-void Workbook::Move(int from, int to) {
-    Require(from);
-    Require(to);
+void Workbook::Shift(int from, int to) {
     m_Book->Move(from, to);
     auto sheet = std::move(m_Sheets[std::size_t(from)]);
     m_Sheets.erase(m_Sheets.begin() + from);
     m_Sheets.insert(m_Sheets.begin() + to, std::move(sheet));
 }
 
+void Workbook::Remove(int position) {
+    Require(position);
+    CString const name = m_Book->At(position).GetSheetName();
+    auto const stash = std::make_shared<Stash>();
+    stash->sheet = TakeOut(position);
+    Remember([this, position, name, stash] { Insert(std::move(stash->sheet), position, name); },
+             [this, position, stash] { stash->sheet = TakeOut(position); });
+}
+
+void Workbook::Move(int from, int to) {
+    Require(from);
+    Require(to);
+    Shift(from, to);
+    Remember([this, from, to] { Shift(to, from); }, [this, from, to] { Shift(from, to); });
+}
+
 void Workbook::Rename(int position, std::string_view name) {
     Require(position);
-    m_Book->Rename(position, CheckedName(name, position));
+    CString const now = CheckedName(name, position);
+    CString const old = m_Book->At(position).GetSheetName();
+    m_Book->Rename(position, now);
+    Remember([this, position, old] { m_Book->Rename(position, old); },
+             [this, position, now] { m_Book->Rename(position, now); });
+}
+
+void Workbook::KeepHistory(int steps) {
+    m_History = steps > 0 ? std::make_unique<History>(std::size_t(steps)) : nullptr;
+    for (auto const & sheet : m_Sheets) sheet->m_Manager->history = m_History.get();
+}
+
+bool Workbook::Undo() {
+    if (!m_History || !m_History->CanUndo()) return false;
+    m_History->Undo();
+    return true;
+}
+
+bool Workbook::Redo() {
+    if (!m_History || !m_History->CanRedo()) return false;
+    m_History->Redo();
+    return true;
 }
 
 void Workbook::Recalculate() {

@@ -58,6 +58,12 @@ public:
     void Move(int from, int to);
     void Rename(int position, std::string_view name);
 
+    // As for a sheet; edits of the sheets themselves (Add, Remove, Move, Rename) are remembered
+    // too.
+    void KeepHistory(int steps);
+    bool Undo();
+    bool Redo();
+
     // Brings every sheet up to date.
     void Recalculate();
 
@@ -90,12 +96,19 @@ private:
     friend class DocumentReader;
     friend class DocumentWriter;
 
+    struct Stash;
+    void Insert(std::unique_ptr<Sheet> sheet, int position, CString const & name);
+    std::unique_ptr<Sheet> TakeOut(int position);
+    void Shift(int from, int to);
+    void Remember(std::function<void()> undo, std::function<void()> redo);
+
     CString CheckedName(std::string_view name, int position) const;
     void Require(int position) const;
 
     kbt::multilang::CLocaleInfo const & m_Locale;
     std::unique_ptr<Book> m_Book; // outlives the sheets
     std::vector<std::unique_ptr<Sheet>> m_Sheets;
+    std::unique_ptr<History> m_History;
 };
 
 } // namespace cells::host
