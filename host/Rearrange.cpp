@@ -11,6 +11,7 @@
 #include "host/PlaceMap.h"
 #include "host/SheetManager.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace cells::host {
@@ -62,40 +63,54 @@ public:
 private:
     struct Step {
         CCFormula ** slot;
-        bool onSheet; // plain references are to the sheet
+        bool onSheet;         // plain references are to the sheet
+        CCFormula ** fullRef; // the "!" around it, or null
     };
 
     void Walk(SheetManager & home, CCFormula *& root) {
-        std::vector<Step> steps{{&root, &home == &m_Sheet}};
+        std::vector<Step> steps{{&root, &home == &m_Sheet, nullptr}};
+        std::vector<CCFormula **> gone;
         while (!steps.empty()) {
             Step const step = steps.back();
             steps.pop_back();
             CCFormula & node = **step.slot;
             if (node.GetType() == kRefFormula) {
-                if (step.onSheet) Map(*step.slot);
+                if (step.onSheet && !Map(*step.slot) && step.fullRef) gone.push_back(step.fullRef);
             } else if (node.GetType() >= kOpFormula) {
                 auto & call = static_cast<CCOpFormula &>(node);
-                bool const onSheet = IsFullRef(call) ? Names(home, call) : step.onSheet;
+                bool const isFullRef = IsFullRef(call);
+                bool const onSheet = isFullRef ? Names(home, call) : step.onSheet;
                 for (CCFormulaList * item = call.GetArgs(); item; item = item->next)
-                    steps.push_back({&item->formula, onSheet});
+                    steps.push_back(
+                        {&item->formula, onSheet, isFullRef ? step.slot : step.fullRef});
             }
         }
+        // A sheet without a place on it is no reference.
+        std::sort(gone.begin(), gone.end());
+        gone.erase(std::unique(gone.begin(), gone.end()), gone.end());
+        for (CCFormula ** slot : gone) Put(*slot, std::make_unique<CCConstFormula>(errRef));
     }
 
-    void Map(CCFormula *& slot) {
+    static void Put(CCFormula *& slot, std::unique_ptr<CCFormula> formula) {
+        delete slot;
+        slot = formula.release();
+    }
+
+    // False when the reference means nothing any more.
+    bool Map(CCFormula *& slot) {
         auto const & node = static_cast<CCRefFormula const &>(*slot);
         CCRef const * const ref = node.GetRef();
-        if (!ref || (ref->GetType() != kRefCell && ref->GetType() != kRefRegion)) return;
+        if (!ref || (ref->GetType() != kRefCell && ref->GetType() != kRefRegion)) return true;
         std::unique_ptr<CCRef> const now = Mapped(*ref, m_Map);
         // The reader of a cell that is overwritten registers with the one that comes.
         bool const isReplaced = ref->GetType() == kRefCell && m_Map.Overwrites(AreaOf(*ref).first);
-        if (now && now->IsEqual(ref) && !isReplaced) return;
+        if (now && now->IsEqual(ref) && !isReplaced) return true;
         m_Changed = true;
-        CCFormula * const replaced =
-            now ? static_cast<CCFormula *>(new CCRefFormula(now.get(), node.GetMode()))
-                : new CCConstFormula(errRef);
-        delete slot;
-        slot = replaced;
+        if (now)
+            Put(slot, std::make_unique<CCRefFormula>(now.get(), node.GetMode()));
+        else
+            Put(slot, std::make_unique<CCConstFormula>(errRef));
+        return now != nullptr;
     }
 
     static bool IsFullRef(CCOpFormula const & call) {

@@ -165,7 +165,7 @@ int TestFiles(std::string const & locale, std::vector<std::string> const & files
                               << '\n';
                 }
             }
-            for (std::string const & flaw : session.GetSheet().CheckInvariants()) {
+            for (std::string const & flaw : session.GetBook().CheckInvariants()) {
                 ++failures;
                 std::cout << file << ": " << flaw << '\n';
             }

@@ -1,6 +1,6 @@
 #include "cvcells/Session.h"
 
-#include "cvcells/Csv.h"
+#include "cvcells/Documents.h"
 #include "cvcells/Output.h"
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <ostream>
 #include <stdexcept>
+#include <tuple>
 
 namespace cells::app {
 namespace {
@@ -17,6 +18,7 @@ using host::Kind;
 using host::Place;
 using host::Value;
 
+constexpr int kRememberedEdits = 100;
 constexpr char const * kClasses[] = {"general",    "fixed", "currency", "percent", "fraction",
                                      "scientific", "time",  "date",     "logical"};
 
@@ -42,16 +44,6 @@ std::string TakeText(std::string & text) {
     std::string const quoted = text.substr(1, end - 1);
     text = Trimmed(text.substr(end + 1));
     return quoted;
-}
-
-Place RequirePlace(std::string const & text) {
-    if (auto const place = host::ParsePlace(text)) return *place;
-    throw CommandError("no such cell: " + (text.empty() ? "(nothing)" : text));
-}
-
-Area RequireArea(std::string const & text) {
-    if (auto const area = host::ParseArea(text)) return *area;
-    throw CommandError("no such area: " + (text.empty() ? "(nothing)" : text));
 }
 
 template <typename Number>
@@ -87,15 +79,20 @@ std::string Joined(std::vector<std::string> const & words) {
 } // namespace
 
 Session::Command const Session::kCommands[] = {
-    {"?", &Session::Explain},        {"clear", &Session::Clear},
-    {"format", &Session::Format},    {"name", &Session::DefineName},
-    {"lock", &Session::Lock},        {"unlock", &Session::Unlock},
-    {"hide", &Session::Hide},        {"unhide", &Session::Unhide},
-    {"protect", &Session::Protect},  {"unprotect", &Session::Unprotect},
-    {"find", &Session::Find},        {"replace", &Session::Replace},
-    {"locale", &Session::SetLocale}, {"load", &Session::Load},
-    {"save", &Session::Save},        {"idle", &Session::Idle},
-    {"help", &Session::Help},        {"expect", &Session::Expect},
+    {"?", &Session::Explain},          {"clear", &Session::Clear},
+    {"format", &Session::Format},      {"name", &Session::DefineName},
+    {"lock", &Session::Lock},          {"unlock", &Session::Unlock},
+    {"hide", &Session::Hide},          {"unhide", &Session::Unhide},
+    {"protect", &Session::Protect},    {"unprotect", &Session::Unprotect},
+    {"find", &Session::Find},          {"replace", &Session::Replace},
+    {"locale", &Session::SetLocale},   {"load", &Session::Load},
+    {"save", &Session::Save},          {"idle", &Session::Idle},
+    {"help", &Session::Help},          {"expect", &Session::Expect},
+    {"sheets", &Session::Sheets},      {"sheet", &Session::GoToSheet},
+    {"rename", &Session::RenameSheet}, {"remove", &Session::RemoveSheet},
+    {"insert", &Session::InsertLines}, {"delete", &Session::DeleteLines},
+    {"copy", &Session::Copy},          {"move", &Session::Move},
+    {"undo", &Session::Undo},          {"redo", &Session::Redo},
 };
 
 std::string const & Session::HelpText() {
@@ -113,8 +110,17 @@ std::string const & Session::HelpText() {
         "find TEXT             the cells that show the text\n"
         "replace TEXT TEXT     the first by the second in all cells; quotes hold blanks\n"
         "name NAME AREA        give a cell or an area a name\n"
-        "locale TAG            start an empty sheet in another locale, such as de-DE\n"
-        "load FILE, save FILE  comma or tab separated text, by extension\n"
+        "sheets                the sheets of the workbook; \"*\" marks the present one\n"
+        "sheet NAME            go to a sheet, which is made if there is none; NAME!CELL and\n"
+        "                      NAME!AREA name places of other sheets in every command\n"
+        "rename NAME, remove   the present sheet\n"
+        "insert rows AT [COUNT], insert columns AT [COUNT], delete rows ..., delete columns ...\n"
+        "                      AT is the number of a row or the letters of a column\n"
+        "copy AREA CELL [transposed], move AREA CELL\n"
+        "undo, redo            edits, one by one\n"
+        "locale TAG            start an empty workbook in another locale, such as de-DE\n"
+        "load FILE, save FILE  a workbook (.cvs), or the present sheet as comma or tab separated\n"
+        "                      text, by extension\n"
         "idle                  bring everything up to date (edits do it by themselves)\n"
         "expect CELL TEXT      the cell shows the text; also: expect value CELL NUMBER,\n"
         "                      expect text CELL TEXT, expect error N CELL, expect empty CELL,\n"
@@ -127,38 +133,82 @@ std::string const & Session::HelpText() {
 }
 
 Session::Session(std::string locale, std::ostream & out, bool tellChanges)
-    : m_Out(out), m_bTellChanges(tellChanges) {
-    NewSheet(locale);
+    : m_Locale(std::move(locale)), m_Out(out), m_bTellChanges(tellChanges) {
+    SetLocale(m_Locale);
 }
 
-void Session::NewSheet(std::string const & locale) {
-    m_Sheet = std::make_unique<host::Sheet>(locale);
-    m_Sheet->OnChanged([this](Place place) { m_Changed.push_back(place); });
-    m_Sheet->OnMessage([this](unsigned int id, std::string const & text) {
+void Session::SetBook(std::unique_ptr<host::Workbook> book) {
+    if (book->Count() == 0) book->Add("Sheet1");
+    m_Changed.clear();
+    m_Book = std::move(book);
+    m_Book->KeepHistory(kRememberedEdits);
+    for (int i = 0; i < m_Book->Count(); ++i) Watch(m_Book->At(i));
+    m_Current = m_Sheet = &m_Book->At(0);
+}
+
+void Session::Watch(host::Sheet & sheet) {
+    sheet.OnChanged([this, &sheet](Place place) { m_Changed.emplace_back(&sheet, place); });
+    sheet.OnMessage([this](unsigned int id, std::string const & text) {
         m_Messages.push_back(id);
         if (m_bTellChanges) m_Out << text << '\n';
     });
 }
 
+bool Session::TakeSheet(std::string & text) {
+    std::size_t const bang = text.find('!');
+    if (bang == std::string::npos) return true;
+    host::Sheet * const sheet = m_Book->Find(Trimmed(text.substr(0, bang)));
+    if (!sheet) return false;
+    m_Sheet = sheet;
+    text = Trimmed(text.substr(bang + 1));
+    return true;
+}
+
+std::optional<Place> Session::FindPlace(std::string text) {
+    return TakeSheet(text) ? host::ParsePlace(text) : std::nullopt;
+}
+
+std::optional<Area> Session::FindArea(std::string text) {
+    return TakeSheet(text) ? host::ParseArea(text) : std::nullopt;
+}
+
+Place Session::RequirePlace(std::string const & text) {
+    if (auto const place = FindPlace(text)) return *place;
+    throw CommandError("no such cell: " + (text.empty() ? "(nothing)" : text));
+}
+
+Area Session::RequireArea(std::string const & text) {
+    if (auto const area = FindArea(text)) return *area;
+    throw CommandError("no such area: " + (text.empty() ? "(nothing)" : text));
+}
+
 // Brings dependents up to date and tells what changed.
 void Session::Edited() {
-    m_Sheet->Recalculate();
-    std::sort(m_Changed.begin(), m_Changed.end(), [](Place a, Place b) {
-        return a.row != b.row ? a.row < b.row : a.column < b.column;
-    });
-    m_Changed.erase(std::unique(m_Changed.begin(), m_Changed.end()), m_Changed.end());
-    if (m_bTellChanges)
-        for (Place place : m_Changed)
-            m_Out << host::NameOf(place) << " = " << m_Sheet->Text(place) << '\n';
+    m_Book->Recalculate();
+    std::vector<std::pair<int, Place>> changed; // by the position of the sheet
+    for (auto const & [sheet, place] : m_Changed)
+        for (int i = 0; i < m_Book->Count(); ++i)
+            if (&m_Book->At(i) == sheet) changed.emplace_back(i, place);
     m_Changed.clear();
+    std::sort(changed.begin(), changed.end(), [](auto const & a, auto const & b) {
+        return std::tuple(a.first, a.second.row, a.second.column) <
+               std::tuple(b.first, b.second.row, b.second.column);
+    });
+    changed.erase(std::unique(changed.begin(), changed.end()), changed.end());
+    if (!m_bTellChanges) return;
+    for (auto const & [position, place] : changed) {
+        host::Sheet const & sheet = m_Book->At(position);
+        m_Out << (&sheet == m_Current ? "" : m_Book->NameOf(position) + "!") << host::NameOf(place)
+              << " = " << sheet.Text(place) << '\n';
+    }
 }
 
 // "A1: text"; an area has no blank behind its colon.
 bool Session::TryEnter(std::string const & line) {
     std::size_t const colon = line.find(':');
     if (colon == std::string::npos) return false;
-    auto const place = host::ParsePlace(Trimmed(line.substr(0, colon)));
-    if (!place || host::ParseArea(line)) return false;
+    auto const place = FindPlace(Trimmed(line.substr(0, colon)));
+    if (!place) return false;
     std::string const text = line.substr(colon + 1);
     m_Messages.clear();
     m_Sheet->Enter(*place, text.empty() || text[0] != ' ' ? text : text.substr(1));
@@ -170,11 +220,14 @@ bool Session::Execute(std::string const & raw) {
     std::string line = Trimmed(raw);
     if (line.empty() || line[0] == '#') return true;
     if (line == "quit") return false;
-    if (auto const area = host::ParseArea(line)) {
+    m_Sheet = m_Current;
+    if (auto const area = FindArea(line)) {
         ShowArea(*area);
         return true;
     }
+    m_Sheet = m_Current;
     if (TryEnter(line)) return true;
+    m_Sheet = m_Current;
     if (line[0] == '?') line.insert(1, " ");
     std::string const word = TakeWord(line);
     for (Command const & command : kCommands) {
@@ -211,7 +264,8 @@ void Session::Explain(std::string const & rest) {
 
 void Session::Clear(std::string const & rest) {
     m_Messages.clear();
-    m_Sheet->Clear(RequirePlace(rest));
+    Place const place = RequirePlace(rest);
+    m_Sheet->Clear(place);
     Edited();
 }
 
@@ -232,7 +286,8 @@ void Session::Format(std::string const & rest) {
 
 void Session::SetFlag(std::string const & rest, host::CellFlag flag, bool on) {
     m_Messages.clear();
-    m_Sheet->SetFlag(RequireArea(rest), flag, on);
+    Area const area = RequireArea(rest);
+    m_Sheet->SetFlag(area, flag, on);
     Edited();
 }
 
@@ -264,23 +319,124 @@ void Session::Replace(std::string const & rest) {
 void Session::DefineName(std::string const & rest) {
     std::string words = rest;
     std::string const name = TakeWord(words);
-    if (!m_Sheet->DefineName(name, RequireArea(words))) throw CommandError("no good name: " + name);
+    Area const area = RequireArea(words);
+    if (!m_Sheet->DefineName(name, area)) throw CommandError("no good name: " + name);
     Edited();
 }
 
-void Session::SetLocale(std::string const & rest) { NewSheet(rest); }
+void Session::SetLocale(std::string const & rest) {
+    SetBook(std::make_unique<host::Workbook>(rest));
+    m_Locale = rest;
+}
 
 void Session::Load(std::string const & rest) {
+    if (IsDocumentName(rest)) return SetBook(LoadWorkbook({rest}, m_Locale));
     LoadText(*m_Sheet, rest, ReadFile(rest), FormatOf(rest));
     m_Changed.clear();
 }
 
 void Session::Save(std::string const & rest) {
     if (rest.empty()) throw CommandError("save needs the name of a file");
+    if (IsDocumentName(rest)) return m_Book->Save(rest);
     Area const area{{0, 0}, m_Sheet->UsedArea().value_or(Area{}).last};
     OutputFormat const format =
         FormatOf(rest) == TextFormat::kTsv ? OutputFormat::kTsv : OutputFormat::kCsv;
     WriteFile(rest, Render(*m_Sheet, area, format, Show::kFormulas));
+}
+
+// Sheets
+
+void Session::Sheets(std::string const &) {
+    for (int i = 0; i < m_Book->Count(); ++i)
+        m_Out << (&m_Book->At(i) == m_Current ? "* " : "  ") << m_Book->NameOf(i) << '\n';
+}
+
+void Session::GoToSheet(std::string const & rest) {
+    m_Current = m_Book->Find(rest);
+    if (m_Current) return;
+    m_Current = m_Sheet;
+    m_Current = &m_Book->Add(rest);
+    Watch(*m_Current);
+    Edited();
+}
+
+void Session::RenameSheet(std::string const & rest) {
+    m_Book->Rename(m_Book->PositionOf(*m_Current), rest);
+    Edited();
+}
+
+void Session::RemoveSheet(std::string const &) {
+    if (m_Book->Count() == 1) throw CommandError("it is the only sheet");
+    m_Book->Remove(m_Book->PositionOf(*m_Current));
+    m_Current = &m_Book->At(0);
+    Edited();
+}
+
+// Cells that move
+
+void Session::InsertLines(std::string const & rest) { ChangeLines(rest, true); }
+void Session::DeleteLines(std::string const & rest) { ChangeLines(rest, false); }
+
+void Session::ChangeLines(std::string const & rest, bool insert) {
+    std::string words = rest;
+    std::string const kind = TakeWord(words), at = TakeWord(words);
+    bool const isRows = kind == "rows" || kind == "row";
+    if (!isRows && kind != "columns" && kind != "column")
+        throw CommandError("expected rows or columns: " + kind);
+    // A line is named as the place where it begins.
+    Place const first = RequirePlace(isRows ? "A" + at : at + "1");
+    int const count = words.empty() ? 1 : RequireNumber<int>(words);
+    m_Messages.clear();
+    host::Sheet & sheet = *m_Sheet;
+    bool const done =
+        isRows   ? insert ? sheet.InsertRows(first.row, count) : sheet.DeleteRows(first.row, count)
+          : insert ? sheet.InsertColumns(first.column, count)
+                 : sheet.DeleteColumns(first.column, count);
+    if (!done) throw CommandError("cells would leave the grid, or are locked");
+    Edited();
+}
+
+void Session::Copy(std::string const & rest) {
+    std::string words = rest;
+    Area const area = RequireArea(TakeWord(words));
+    host::Sheet const & source = *m_Sheet;
+    m_Sheet = m_Current;
+    Place const to = RequirePlace(TakeWord(words));
+    if (!words.empty() && words != "transposed")
+        throw CommandError("expected transposed: " + words);
+    m_Messages.clear();
+    m_Sheet->CopyFrom(source, area, to, !words.empty());
+    Edited();
+}
+
+void Session::Move(std::string const & rest) {
+    std::string words = rest;
+    Area const area = RequireArea(TakeWord(words));
+    host::Sheet const * const source = m_Sheet;
+    m_Messages.clear();
+    Place const to = RequirePlace(TakeWord(words));
+    if (m_Sheet != source) throw CommandError("an area moves on its own sheet only; copy it");
+    m_Sheet->Move(area, to);
+    Edited();
+}
+
+void Session::Undo(std::string const &) {
+    if (!m_Book->Undo()) throw CommandError("there is nothing to undo");
+    Replayed();
+}
+
+void Session::Redo(std::string const &) {
+    if (!m_Book->Redo()) throw CommandError("there is nothing to redo");
+    Replayed();
+}
+
+// The present sheet may be gone.
+void Session::Replayed() {
+    bool found = false;
+    for (int i = 0; i < m_Book->Count(); ++i) found = found || &m_Book->At(i) == m_Current;
+    if (m_Book->Count() == 0) Watch(m_Book->Add("Sheet1"));
+    if (!found) m_Current = &m_Book->At(0);
+    Edited();
 }
 
 void Session::Idle(std::string const &) { Edited(); }
@@ -315,11 +471,12 @@ void Session::Expect(std::string const & rest) {
     } else if (what == "empty") {
         ExpectKind(RequirePlace(words), Kind::kEmpty);
     } else if (what == "formula") {
-        std::string const found =
-            m_Sheet->Formula(RequirePlace(TakeWord(words))).value_or("no formula");
+        Place const place = RequirePlace(TakeWord(words));
+        std::string const found = m_Sheet->Formula(place).value_or("no formula");
         require(found == words, found);
     } else if (what == "format") {
-        std::string const found = m_Sheet->NumberFormat(RequirePlace(TakeWord(words)));
+        Place const place = RequirePlace(TakeWord(words));
+        std::string const found = m_Sheet->NumberFormat(place);
         require(found == words, found);
     } else if (what == "class") {
         int const number = RequireNumber<int>(TakeWord(words));
@@ -336,7 +493,8 @@ void Session::Expect(std::string const & rest) {
         require(m_Messages.empty(),
                 m_Messages.empty() ? "" : "message " + std::to_string(m_Messages.front()));
     } else {
-        std::string const shown = m_Sheet->Text(RequirePlace(what));
+        Place const place = RequirePlace(what);
+        std::string const shown = m_Sheet->Text(place);
         require(shown == words, shown.empty() ? "nothing" : shown);
     }
 }

@@ -2,18 +2,21 @@
 //
 //     A1: =B1*2            enters a text into a cell
 //     A1  or  A1:C3        shows values
+//     Two!A1: 5            the same on another sheet of the workbook
 //     ? A1                 tells all about a cell
 //     expect A1 12.50      checks what a cell shows
 //
 // HelpText() lists every command.
 #pragma once
 
-#include "host/Sheet.h"
+#include "host/Workbook.h"
 
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace cells::app {
@@ -36,7 +39,7 @@ public:
     // Carries out one line; false for "quit". Throws CommandError and Unmet.
     bool Execute(std::string const & line);
 
-    host::Sheet & GetSheet() { return *m_Sheet; }
+    host::Workbook & GetBook() { return *m_Book; }
     static std::string const & HelpText();
 
 private:
@@ -47,7 +50,15 @@ private:
     };
     static Command const kCommands[];
 
-    void NewSheet(std::string const & locale);
+    void SetBook(std::unique_ptr<host::Workbook> book);
+    void Watch(host::Sheet & sheet);
+    // Places and areas as commands name them: behind "NAME!" on that sheet, which is the command's
+    // sheet then.
+    bool TakeSheet(std::string & text);
+    std::optional<host::Place> FindPlace(std::string text);
+    std::optional<host::Area> FindArea(std::string text);
+    host::Place RequirePlace(std::string const & text);
+    host::Area RequireArea(std::string const & text);
     void Edited();
     bool TryEnter(std::string const & line);
     void ShowArea(host::Area const & area);
@@ -68,14 +79,29 @@ private:
     void Load(std::string const & rest);
     void Save(std::string const & rest);
     void Idle(std::string const & rest);
+    void Sheets(std::string const & rest);
+    void GoToSheet(std::string const & rest);
+    void RenameSheet(std::string const & rest);
+    void RemoveSheet(std::string const & rest);
+    void InsertLines(std::string const & rest);
+    void DeleteLines(std::string const & rest);
+    void ChangeLines(std::string const & rest, bool insert);
+    void Copy(std::string const & rest);
+    void Move(std::string const & rest);
+    void Undo(std::string const & rest);
+    void Redo(std::string const & rest);
+    void Replayed();
     void Help(std::string const & rest);
     void Expect(std::string const & rest);
     void ExpectKind(host::Place place, host::Kind kind) const;
 
-    std::unique_ptr<host::Sheet> m_Sheet;
+    std::string m_Locale;
+    std::unique_ptr<host::Workbook> m_Book;
+    host::Sheet * m_Current = nullptr; // where commands go that name no sheet
+    host::Sheet * m_Sheet = nullptr;   // the sheet of the running command
     std::ostream & m_Out;
     bool m_bTellChanges;
-    std::vector<host::Place> m_Changed;
+    std::vector<std::pair<host::Sheet *, host::Place>> m_Changed;
     std::vector<unsigned int> m_Messages; // of the last edit
 };
 

@@ -83,6 +83,7 @@ TEST_F(Cells, DeletedRowsCloseUpAndReferencesToThemAreErrors) {
     sheet.Enter("B2", "=SUM(A1:A6)");
     sheet.Enter("B6", "=A6");
     other.Enter("A1", "=SUM(One!A3:A4)");
+    other.Enter("A2", "=SUM(One!A2..A6)+SUM(One!A2..A3)");
     EXPECT_TRUE(sheet.DeleteRows(2, 2));
     book.Recalculate();
     EXPECT_EQ(sheet.Text("B1"), "#REF!");
@@ -90,7 +91,8 @@ TEST_F(Cells, DeletedRowsCloseUpAndReferencesToThemAreErrors) {
     EXPECT_EQ(sheet.Text("B2"), "14");
     EXPECT_EQ(Formula("B4"), "=A4");
     EXPECT_EQ(sheet.Text("A3"), "5");
-    EXPECT_EQ(other.EditText(P("A1")), "=SUM (One ! #REF!)");
+    EXPECT_EQ(*other.Formula(P("A1")), "=SUM (#REF!)");
+    EXPECT_EQ(*other.Formula(P("A2")), "=SUM (One ! A2:A4) + SUM (One ! A2:A2)");
 }
 
 TEST_F(Cells, DeletedColumnsCutRegions) {
