@@ -83,7 +83,9 @@ private:
     }
 
     void Use(CCNumberFormat const & format) {
-        if (format.IsLTString()) m_Strings.insert(format.GetLTString());
+        // A number without a string shows nothing, here and there.
+        if (format.IsLTString() && !GetLTStringAt(format.GetLTString()).IsEmpty())
+            m_Strings.insert(format.GetLTString());
     }
 
     void WriteSheet(std::uint32_t number, SheetManager & sheet) {
@@ -139,7 +141,7 @@ private:
         WriteCellState(ar, sheet, place);
         if (!cell) return true;
         Use(cell->getCFmt().GetNFmt());
-        Use(cell->CCCell::GetValue().GetFormat());
+        if (cell->IsValueNumber()) Use(cell->CCCell::GetValue().GetFormat());
         return true;
     }
 
@@ -252,6 +254,7 @@ private:
                 std::uint32_t index;
                 CString text;
                 ar >> index >> text;
+                if (text.IsEmpty()) continue;
                 int here = GetLTStringIndex(text);
                 if (here < 0) here = AddLTString(text);
                 if (here != std::int64_t(index)) m_Strings[index] = here;
