@@ -267,7 +267,7 @@ private:
         std::string const name = "sheet " + std::to_string(number + 1);
         std::uint64_t const offset = sheet.head ? sheet.head->offset : 0;
         if (!sheet.head || !sheet.end) return Complain(offset, name + " is not whole");
-        ReadSection(*sheet.head, [&](CArchive & ar) {
+        bool const ok = ReadSection(*sheet.head, [&](CArchive & ar) {
             CString title;
             ar >> title;
             try {
@@ -278,6 +278,7 @@ private:
             sheet.position = m_Book->Count() - 1;
             ReadHead(ar, sheet);
         });
+        if (!ok && sheet.position) Drop(sheet);
     }
 
     SheetManager & ManagerOf(SheetSections const & sheet) const {

@@ -308,6 +308,24 @@ TEST(DamagedDocument, TheOtherSheetsAreRecoveredAndComputedAnew) {
     EXPECT_EQ(recovered.damages[0].what.substr(0, 13), "damaged bytes");
 }
 
+TEST(DamagedDocument, ASheetWhoseHeadCannotBeReadIsLeftOut) {
+    std::string const bytes = BytesOf(*SmallBook());
+    std::string document;
+    cells::host::ContainerWriter writer([&](std::string_view piece) { document += piece; });
+    for (cells::host::Section const & section : cells::host::ReadContainer(bytes).sections) {
+        bool const isHead = section.tag == cells::host::SectionTag::kSheet && section.sheet == 0;
+        if (section.tag != cells::host::SectionTag::kDone)
+            writer.Add(section.tag, section.sheet, section.part,
+                       section.payload.substr(0, section.payload.size() - (isHead ? 3 : 0)));
+    }
+    writer.Finish();
+    auto const recovered = Workbook::Recover(document, "C");
+    ASSERT_EQ(recovered.book->Count(), 1);
+    EXPECT_EQ(recovered.book->NameOf(0), "Two");
+    EXPECT_EQ(recovered.damages.front().what,
+              "a section cannot be read: the archive ends too early");
+}
+
 TEST(DamagedDocument, AnUnknownVersionIsNamed) {
     std::string bytes = BytesOf(*SmallBook());
     bytes[8] = 2;
