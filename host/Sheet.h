@@ -174,6 +174,7 @@ public:
     };
 
 private:
+    friend class ExchangeReader;
     friend class Workbook;
 
     explicit Sheet(std::unique_ptr<SheetManager> manager);

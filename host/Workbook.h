@@ -95,6 +95,7 @@ public:
 private:
     friend class DocumentReader;
     friend class DocumentWriter;
+    friend class ExchangeWriter;
 
     struct Stash;
     void Insert(std::unique_ptr<Sheet> sheet, int position, CString const & name);
