@@ -38,22 +38,26 @@ private:
     bool m_Shown = false;
 };
 
-// "A1=5": the text behind the first "=" is entered.
-void EnterAssignment(Sheet & sheet, std::string const & assignment) {
+// "A1=5" or "Two!A1=5": the text behind the first "=" is entered.
+void EnterAssignment(host::Workbook const & book, Sheet & sheet, std::string const & assignment) {
     std::size_t const equals = assignment.find('=');
-    auto const place = host::ParsePlace(assignment.substr(0, std::min(equals, assignment.size())));
+    std::string name = assignment.substr(0, std::min(equals, assignment.size()));
+    Sheet & target = TakeSheet(book, sheet, name);
+    auto const place = host::ParsePlace(name);
     if (equals == std::string::npos || !place)
         throw InputError("--set " + assignment + ": expected CELL=TEXT");
-    sheet.Enter(*place, assignment.substr(equals + 1));
+    target.Enter(*place, assignment.substr(equals + 1));
 }
 
 // "B2:B9=#,##0.00": a number format for an area.
-void FormatAssignment(Sheet & sheet, std::string const & assignment) {
+void FormatAssignment(host::Workbook const & book, Sheet & sheet, std::string const & assignment) {
     std::size_t const equals = assignment.find('=');
-    auto const area = host::ParseArea(assignment.substr(0, std::min(equals, assignment.size())));
+    std::string name = assignment.substr(0, std::min(equals, assignment.size()));
+    Sheet & target = TakeSheet(book, sheet, name);
+    auto const area = host::ParseArea(name);
     if (equals == std::string::npos || !area)
         throw InputError("--number-format " + assignment + ": expected AREA=FORMAT");
-    sheet.SetNumberFormat(*area, assignment.substr(equals + 1));
+    target.SetNumberFormat(*area, assignment.substr(equals + 1));
 }
 
 std::optional<TextFormat> InputFormatOf(CalcOptions const & options) {
@@ -87,15 +91,17 @@ int Guarded(std::function<int()> const & work) {
 int Calc(CalcOptions const & options) {
     return Guarded([&] {
         auto const book = LoadWorkbook(options.files, options.locale, InputFormatOf(options));
-        Sheet & sheet = ChooseSheet(*book, options.sheet);
+        std::string range = options.range;
+        Sheet & sheet = TakeSheet(*book, ChooseSheet(*book, options.sheet), range);
         ProgressLine progress;
         sheet.OnProgress([&](int done, int total) { return progress.Tick(done, total); });
-        for (std::string const & assignment : options.set) EnterAssignment(sheet, assignment);
-        for (std::string const & format : options.formats) FormatAssignment(sheet, format);
+        for (std::string const & assignment : options.set)
+            EnterAssignment(*book, sheet, assignment);
+        for (std::string const & format : options.formats) FormatAssignment(*book, sheet, format);
         sheet.Recalculate();
         Show const show = options.show == "formulas" ? Show::kFormulas : Show::kValues;
-        WriteFile(options.output, Render(sheet, ShownArea(sheet, options.range),
-                                         OutputFormatOf(options.format), show));
+        WriteFile(options.output,
+                  Render(sheet, ShownArea(sheet, range), OutputFormatOf(options.format), show));
         return 0;
     });
 }
@@ -103,9 +109,10 @@ int Calc(CalcOptions const & options) {
 // Each text has a cell of its own below and beyond whatever is set.
 int Eval(EvalOptions const & options) {
     return Guarded([&] {
-        Sheet sheet(options.locale);
+        host::Workbook book(options.locale);
+        Sheet & sheet = book.Add("Sheet1");
         std::vector<std::string> const & texts = options.texts;
-        for (std::string const & assignment : options.set) EnterAssignment(sheet, assignment);
+        for (std::string const & assignment : options.set) EnterAssignment(book, sheet, assignment);
         int const column = sheet.UsedArea() ? sheet.UsedArea()->last.column + 1 : 0;
         if (column >= host::kColumns || texts.size() > std::size_t(host::kRows))
             throw InputError("no room beyond the used part of the sheet");

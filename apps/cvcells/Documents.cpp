@@ -91,6 +91,15 @@ Sheet & ChooseSheet(Workbook const & book, std::string const & name) {
     throw InputError("--sheet " + name + ": no such sheet");
 }
 
+Sheet & TakeSheet(Workbook const & book, Sheet & sheet, std::string & text) {
+    std::size_t const bang = text.find('!');
+    if (bang == std::string::npos) return sheet;
+    std::string const name = text.substr(0, bang);
+    text.erase(0, bang + 1);
+    if (Sheet * named = book.Find(name)) return *named;
+    throw InputError(name + ": no such sheet");
+}
+
 int Convert(ConvertOptions const & options) {
     return Guarded([&] {
         auto const book = LoadWorkbook(options.inputs, options.locale);

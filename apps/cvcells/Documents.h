@@ -24,4 +24,8 @@ std::unique_ptr<host::Workbook> LoadWorkbook(std::vector<std::string> const & fi
 // The sheet of a name; without a name the first. Throws InputError.
 host::Sheet & ChooseSheet(host::Workbook const & book, std::string const & name);
 
+// Cuts "NAME!" off a place or an area, which then belongs to that sheet; without it, to `sheet`.
+// Throws InputError for a sheet that is not there.
+host::Sheet & TakeSheet(host::Workbook const & book, host::Sheet & sheet, std::string & text);
+
 } // namespace cells::app

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -167,6 +168,67 @@ TEST(BaseWorkbook, AReferenceOf80UnitsIsRefusedAndTheRequestStaysAsItIs) {
         EXPECT_EQ(book.TransportFile(&book.one, file), length == 79 ? 7 : 0) << length;
         EXPECT_EQ(file.Bytes() == before, length != 79) << length;
     }
+}
+
+namespace {
+
+// A sheet with cells, whose calculation can be switched to manual.
+class CellSheet : public TestSheet {
+public:
+    class Cell : public CCCell {
+    public:
+        explicit Cell(CCRCRef const & place) : m_Place(place) {}
+        CCRef const * GetRef() const override { return &m_Place; }
+        bool IsEqual(CCItem const * item) const override { return item == this; }
+
+    private:
+        CCRCRef m_Place;
+    };
+
+    using TestSheet::GetItem;
+    using TestSheet::TestSheet;
+    CCItem * GetItem(CCRef const * ref) override {
+        if (!ref || ref->GetType() != kRefCell) return nullptr;
+        return &Make(*static_cast<CCRCRef const *>(ref));
+    }
+    int GetAutoCalc() const override { return automatic; }
+    Cell & Make(CCRCRef const & place) {
+        auto & cell = m_Cells[{place.col, place.row}];
+        if (!cell) cell = std::make_unique<Cell>(place);
+        return *cell;
+    }
+    void Enter(int row, wchar_t const * text) {
+        CCRCRef const place(0, ushort(row));
+        SetCellText(&place, text);
+    }
+    double Number(int row) { return Make(CCRCRef(0, ushort(row))).GetValue().GetNumber(); }
+    int automatic = 1;
+
+private:
+    std::map<std::pair<int, int>, std::unique_ptr<Cell>> m_Cells;
+};
+
+} // namespace
+
+TEST(BaseSheet, ManualCalculationRemembersNewFormulasOfAWorkbook) {
+    TestBook book;
+    CellSheet sheet(&book, L"One");
+    sheet.Enter(0, L"1");
+    sheet.Enter(1, L"=A1*10");
+    EXPECT_EQ(sheet.DoIdle(0), 0);
+    sheet.automatic = 0;
+    sheet.Enter(0, L"=2+0");
+    EXPECT_EQ(sheet.DoIdle(0), 0);
+    EXPECT_EQ(sheet.Number(1), 10);
+    sheet.automatic = 1;
+    sheet.DoIdle(0);
+    EXPECT_EQ(sheet.Number(1), 20);
+    // A value that is entered in the meantime is lost to the dependents.
+    sheet.automatic = 0;
+    sheet.Enter(0, L"3");
+    sheet.automatic = 1;
+    sheet.DoIdle(0);
+    EXPECT_EQ(sheet.Number(1), 20);
 }
 
 TEST(BaseSheet, HasNoWorkbookNoNameAndNoPlace) {
