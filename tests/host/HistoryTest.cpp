@@ -174,6 +174,15 @@ TEST(History, ASheetOfItsOwnHasOneToo) {
     EXPECT_EQ(sheet.Text("A1"), "1");
 }
 
+TEST(History, ASheetOfAWorkbookDoesNotSwitchIt) {
+    Workbook book("C");
+    Sheet & sheet = book.Add("One");
+    book.KeepHistory(5);
+    sheet.KeepHistory(0);
+    sheet.Enter("A1", "1");
+    EXPECT_TRUE(book.Undo());
+}
+
 TEST(History, EditsOfARemovedSheetComeBackWithIt) {
     auto const book = Sample();
     book->KeepHistory(10);
