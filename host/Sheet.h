@@ -90,8 +90,8 @@ public:
 
     // Remembers so many edits from now on, 0 for none, to take them back and to make them again. An
     // edit is one call of an operation that changes something; a bulk load is one. Undo and Redo
-    // give false where there is nothing to do. A sheet of a workbook has the workbook's history, which
-    // Workbook::KeepHistory switches.
+    // give false where there is nothing to do. A sheet of a workbook has the workbook's history,
+    // which Workbook::KeepHistory switches.
     void KeepHistory(int steps);
     bool Undo();
     bool Redo();
