@@ -11,6 +11,7 @@
 #include "formula/CCRegionRef.h"
 #include "formula/Parser.h"
 #include "host/History.h"
+#include "host/PlaceRefs.h"
 #include "host/Sheet.h"
 #include "host/SheetManager.h"
 #include "platform/Utf.h"
@@ -165,13 +166,8 @@ private:
     void AddRead(CCRef const * ref, std::vector<Area> & reads) {
         if (ref && ref->GetType() == kRefName)
             ref = m_Sheet.FindName(static_cast<CCNameRef const *>(ref)->name());
-        if (ref && ref->GetType() == kRefCell) {
-            auto const & cell = *static_cast<CCRCRef const *>(ref);
-            reads.push_back({{cell.col, cell.row}, {cell.col, cell.row}});
-        } else if (ref && ref->GetType() == kRefRegion) {
-            auto const & region = *static_cast<CCRegionRef const *>(ref);
-            reads.push_back({{region.left, region.top}, {region.right, region.bottom}});
-        }
+        if (ref && (ref->GetType() == kRefCell || ref->GetType() == kRefRegion))
+            reads.push_back(AreaOf(*ref));
     }
 
     SheetManager & m_Sheet;
@@ -217,7 +213,7 @@ void Sheet::Bulk::State::Enter(Place place, CString const & text) {
     if (plain) {
         if (value.IsEmpty() && !manager.Cells().FindCell(place))
             return manager.Cells().RemoveNumber(place);
-        CCRCRef const ref{uchar(place.column), ushort(place.row)};
+        CCRCRef const ref = RefOf(place);
         manager.MakeCell(place).SetText(&manager, text, 0);
         return;
     }
@@ -288,7 +284,7 @@ void Sheet::Bulk::Commit() {
     if (!waiting.empty() && !m_State->TryOrdered())
         for (Entry const & entry : waiting) {
             m_State->manager.MakeCell(entry.place);
-            CCRCRef const ref{uchar(entry.place.column), ushort(entry.place.row)};
+            CCRCRef const ref = RefOf(entry.place);
             m_State->manager.SetCellText(&ref, entry.text);
         }
     waiting.clear();

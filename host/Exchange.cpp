@@ -1,8 +1,8 @@
 #include "host/Exchange.h"
 
 #include "core/ManagerContext.h"
-#include "formula/CCRegionRef.h"
 #include "host/Book.h"
+#include "host/PlaceRefs.h"
 #include "host/SheetManager.h"
 #include "persist/CCRWExchange.h"
 #include "platform/CArchive.h"
@@ -90,17 +90,10 @@ private:
     }
 
     void WriteName(SheetManager & sheet, CString const & name) {
-        CCRef const & target = *sheet.FindName(name);
-        CCRegionRef region;
-        if (target.GetType() == kRefCell) {
-            auto const & cell = static_cast<CCRCRef const &>(target);
-            region = CCRegionRef(cell.col, cell.row, cell.col, cell.row);
-        } else {
-            region = static_cast<CCRegionRef const &>(target);
-        }
+        Area const area = AreaOf(*sheet.FindName(name));
         std::string payload;
-        PutPlace(payload, {region.left, region.top});
-        PutPlace(payload, {region.right, region.bottom});
+        PutPlace(payload, area.first);
+        PutPlace(payload, area.last);
         PutUnits(payload, name);
         Write(kExchangeName, payload);
     }
@@ -163,10 +156,9 @@ private:
     void ReadName(std::string_view payload) {
         Place const first = PlaceAt(payload, 0), last = PlaceAt(payload, 3);
         CString const name = UnitsOf(payload.substr(6));
-        CCRegionRef region(uchar(first.column), ushort(first.row), uchar(last.column),
-                           ushort(last.row));
+        CCRegionRef region = RefOf(Area{first, last});
         region.Normalize();
-        CCRCRef const cell(uchar(first.column), ushort(first.row));
+        CCRCRef const cell = RefOf(first);
         CCRef const & target = region.IsSingle() ? static_cast<CCRef const &>(cell) : region;
         if (!IsPlainName(name, Sheet()) || !Sheet().DefineName(name, target))
             throw std::invalid_argument("a name cannot be defined");

@@ -9,6 +9,7 @@
 #include "formula/OperatorObjects.h"
 #include "host/History.h"
 #include "host/PlaceMap.h"
+#include "host/PlaceRefs.h"
 #include "host/SheetManager.h"
 
 #include <algorithm>
@@ -17,27 +18,17 @@
 namespace cells::host {
 namespace {
 
-Area AreaOf(CCRef const & ref) {
-    if (ref.GetType() == kRefCell) {
-        auto const & cell = static_cast<CCRCRef const &>(ref);
-        return {{cell.col, cell.row}, {cell.col, cell.row}};
-    }
-    auto const & region = static_cast<CCRegionRef const &>(ref);
-    return {{region.left, region.top}, {region.right, region.bottom}};
-}
-
 // What a reference to the sheet means afterwards; null when it means nothing.
 std::unique_ptr<CCRef> Mapped(CCRef const & ref, PlaceMap const & map) {
     Area const area = AreaOf(ref);
     if (ref.GetType() == kRefCell) {
         auto const place = map.ReferenceTo(area.first);
         if (!place) return nullptr;
-        return std::make_unique<CCRCRef>(uchar(place->column), ushort(place->row));
+        return std::make_unique<CCRCRef>(RefOf(*place));
     }
     auto const now = map.ReferenceTo(area);
     if (!now) return nullptr;
-    return std::make_unique<CCRegionRef>(uchar(now->first.column), ushort(now->first.row),
-                                         uchar(now->last.column), ushort(now->last.row));
+    return std::make_unique<CCRegionRef>(RefOf(*now));
 }
 
 // A formula whose references are mapped, in a copy of its tree.

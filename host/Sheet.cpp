@@ -11,6 +11,7 @@
 #include "host/Engine.h"
 #include "host/History.h"
 #include "host/Invariants.h"
+#include "host/PlaceRefs.h"
 #include "host/SheetManager.h"
 #include "host/TextBuffer.h"
 #include "platform/Resources.h"
@@ -21,8 +22,6 @@
 
 namespace cells::host {
 namespace {
-
-CCRCRef RefOf(Place place) { return CCRCRef(uchar(place.column), ushort(place.row)); }
 
 TextBuffer & Buffer() {
     static TextBuffer buffer;
@@ -117,8 +116,7 @@ void Sheet::TouchEntry(Recording & recording, Place place) {
     if (!cell || !cell->IsFormulaLink()) return;
     std::unique_ptr<CCRef const> const source(cell->GetEditSourceRef(m_Manager.get()));
     if (!source || source->GetType() != kRefCell) return;
-    auto const & target = static_cast<CCRCRef const &>(*source);
-    recording.Touch(*m_Manager, {target.col, target.row});
+    recording.Touch(*m_Manager, PlaceOf(*source));
 }
 
 void Sheet::KeepHistory(int steps) {
@@ -234,8 +232,7 @@ bool Sheet::DefineName(std::string_view name, Area const & area) {
     Recording recording(*m_Manager);
     recording.TouchFacts(*m_Manager);
     if (area.first == area.last) return m_Manager->DefineName(text, RefOf(area.first));
-    return m_Manager->DefineName(text, CCRegionRef(uchar(area.first.column), ushort(area.first.row),
-                                                   uchar(area.last.column), ushort(area.last.row)));
+    return m_Manager->DefineName(text, RefOf(area));
 }
 
 bool Sheet::RemoveName(std::string_view name) {

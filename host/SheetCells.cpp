@@ -3,6 +3,7 @@
 #include "host/CellState.h"
 #include "host/History.h"
 #include "host/PlaceMap.h"
+#include "host/PlaceRefs.h"
 #include "host/Rearrange.h"
 #include "host/Sheet.h"
 #include "host/SheetManager.h"
@@ -119,7 +120,7 @@ bool Sheet::CopyFrom(Sheet const & source, Area const & area, Place to, bool tra
     for (Copied const & copy : copies) {
         GridCell * const cell = m_Manager->Cells().FindCell(copy.to);
         if (!cell || !cell->IsFormulaLink()) continue;
-        CCRCRef const from{uchar(copy.from.column), ushort(copy.from.row)};
+        CCRCRef const from = RefOf(copy.from);
         cell->UpdateInPaste(m_Manager.get(), &from, cell->GetRef(), &clip);
         m_Manager->EnterAgain(*cell); // it may name its own cell now
     }

@@ -8,6 +8,7 @@
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
 #include "host/Book.h"
+#include "host/PlaceRefs.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -15,16 +16,7 @@
 namespace cells::host {
 namespace {
 
-Place PlaceOf(CCRef const * ref) {
-    auto const & cell = *static_cast<CCRCRef const *>(ref);
-    return {cell.col, cell.row};
-}
-
 CCRegionRef const & RegionOf(CCRef const * ref) { return *static_cast<CCRegionRef const *>(ref); }
-
-Area AreaOf(CCRegionRef const & region) {
-    return {{region.left, region.top}, {region.right, region.bottom}};
-}
 
 } // namespace
 
@@ -137,7 +129,7 @@ ushort SheetManager::GetNameIndex(wchar_t const * name) {
 CCItem * SheetManager::GetItem(CCRef const * ref) {
     CCRef const * const target = Target(ref);
     if (!target || target->Kind() != kRefCell) return nullptr;
-    Place const place = PlaceOf(target);
+    Place const place = PlaceOf(*target);
     if (GridCell * cell = m_Grid.FindCell(place)) return cell;
     double number;
     std::uint32_t format;
@@ -168,7 +160,7 @@ int SheetManager::GetValue(CCRef const * ref, CCCellValue & value, int index) {
     CCRef const * const target = direct ? ref : Target(ref);
     if (!target || index < 0) return 0;
     if (target->Kind() == kRefCell) {
-        if (index == 0) m_Grid.Read(PlaceOf(target), value);
+        if (index == 0) m_Grid.Read(PlaceOf(*target), value);
         return index == 0;
     }
     CCRegionRef const & region = RegionOf(target);
@@ -183,14 +175,14 @@ int SheetManager::GetValue(CCRef const * ref, CCCellValue & value, int index) {
 int SheetManager::ReadNumbers(CCRef const * ref, NumberSink & sink) {
     CCRef const * const target = Target(ref);
     if (!target || target->GetType() != kRefRegion) return 0;
-    m_Grid.ReadNumbers(AreaOf(RegionOf(target)), sink);
+    m_Grid.ReadNumbers(AreaOf(*target), sink);
     return 1;
 }
 
 int SheetManager::FindNumber(CCRef const * ref, double number, CCCellValue & value) {
     CCRef const * const target = Target(ref);
     if (!target || target->GetType() != kRefRegion) return 0;
-    auto const place = m_Grid.FindNumberIn(AreaOf(RegionOf(target)), number);
+    auto const place = m_Grid.FindNumberIn(AreaOf(*target), number);
     if (place) m_Grid.Read(*place, value);
     return place.has_value();
 }
@@ -198,13 +190,13 @@ int SheetManager::FindNumber(CCRef const * ref, double number, CCCellValue & val
 int SheetManager::FindKey(CCRef const * ref, CCCellValue const & key, int & position) {
     CCRef const * const target = Target(ref);
     if (!target || target->GetType() != kRefRegion) return 0;
-    return m_Grid.FindKey(AreaOf(RegionOf(target)), key, position);
+    return m_Grid.FindKey(AreaOf(*target), key, position);
 }
 
 int SheetManager::CountOccupied(CCRef const * ref, double & count) {
     CCRef const * const target = Target(ref);
     if (!target || target->GetType() != kRefRegion) return 0;
-    count = double(m_Grid.CountValues(AreaOf(RegionOf(target))));
+    count = double(m_Grid.CountValues(AreaOf(*target)));
     return 1;
 }
 
@@ -233,7 +225,7 @@ int SheetManager::RegisterDependent(CCRef const * ref, CCRef const * dependent) 
     if (!target) return 1;
     std::unique_ptr<CCRef> const placed(internal::MakeDependentRef(this, dependent));
     if (target->GetType() == kRefCell)
-        return MakeCell(PlaceOf(target)).RegisterDependent(this, placed.get());
+        return MakeCell(PlaceOf(*target)).RegisterDependent(this, placed.get());
     if (m_Regions.Register(RegionOf(target), placed.get()) && GetDirtyMarking()) SetDirty();
     return 1;
 }
@@ -250,7 +242,7 @@ int SheetManager::UnRegisterDependent(CCRef const * ref, CCRef const * dependent
     if (!target) return 0;
     std::unique_ptr<CCRef> const placed(internal::MakeDependentRef(this, dependent));
     if (target->GetType() == kRefCell)
-        return UnRegisterDependent(static_cast<CCItem *>(m_Grid.FindCell(PlaceOf(target))),
+        return UnRegisterDependent(static_cast<CCItem *>(m_Grid.FindCell(PlaceOf(*target))),
                                    placed.get());
     return m_Regions.UnRegister(RegionOf(target), placed.get());
 }
@@ -268,7 +260,7 @@ CCRefList * SheetManager::LoadDependencies(CCRef const * ref) {
     CCRef const * const target = Target(ref);
     if (!target) return nullptr;
     if (target->GetType() == kRefRegion) return m_Regions.LoadDependents(RegionOf(target));
-    Place const place = PlaceOf(target);
+    Place const place = PlaceOf(*target);
     GridCell * const cell = m_Grid.FindCell(place);
     CCRefList * own = cell ? cell->LoadDependents(this) : nullptr;
     if (m_Regions.IsEmpty()) return own;

@@ -5,6 +5,7 @@
 #include "host/AtomicFile.h"
 #include "host/Engine.h"
 #include "host/Workbook.h"
+#include "support/Workbooks.h"
 
 #include <filesystem>
 #include <fstream>
@@ -20,6 +21,7 @@ using cells::host::DocumentError;
 using cells::host::Place;
 using cells::host::Sheet;
 using cells::host::Workbook;
+using cells::test::Shown;
 
 namespace {
 
@@ -31,22 +33,6 @@ std::string BytesOf(Workbook const & book) {
 
 std::unique_ptr<Workbook> ThereAndBack(Workbook const & book, char const * locale = "C") {
     return Workbook::Read(BytesOf(book), locale);
-}
-
-// Everything that a user can see of a sheet.
-std::string Shown(Sheet & sheet) {
-    std::string shown;
-    sheet.ForEachOccupied([&](Place place) {
-        shown += cells::host::NameOf(place) + " " + sheet.Text(place) + " | " +
-                 sheet.EditText(place) + " | " + sheet.NumberFormat(place) + "\n";
-    });
-    return shown;
-}
-
-std::string Shown(Workbook & book) {
-    std::string shown;
-    for (int i = 0; i < book.Count(); ++i) shown += book.NameOf(i) + "\n" + Shown(book.At(i));
-    return shown;
 }
 
 std::unique_ptr<Workbook> SmallBook() {

@@ -3,6 +3,7 @@
 
 #include "catalogue/Language.h"
 #include "host/Engine.h"
+#include "support/Workbooks.h"
 
 #include <gtest/gtest.h>
 
@@ -13,23 +14,10 @@ using cells::host::NameOf;
 using cells::host::Place;
 using cells::host::Sheet;
 using cells::host::Workbook;
+using cells::test::A;
+using cells::test::Shown;
 
 namespace {
-
-cells::host::Area A(char const * text) { return *cells::host::ParseArea(text); }
-
-std::string Shown(Workbook & book) {
-    std::string shown;
-    for (int i = 0; i < book.Count(); ++i) {
-        Sheet & sheet = book.At(i);
-        shown += book.NameOf(i) + (sheet.IsProtected() ? " protected\n" : "\n");
-        sheet.ForEachOccupied([&](Place place) {
-            shown += NameOf(place) + " " + sheet.EditText(place) + " | " + sheet.Text(place) +
-                     " | " + sheet.NumberFormat(place) + "\n";
-        });
-    }
-    return shown;
-}
 
 std::unique_ptr<Workbook> Sample(char const * locale = "C") {
     auto book = std::make_unique<Workbook>(locale);

@@ -1,5 +1,6 @@
 // Edits that are taken back and made again.
 #include "host/Workbook.h"
+#include "support/Workbooks.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -11,24 +12,16 @@ using cells::host::NameOf;
 using cells::host::Place;
 using cells::host::Sheet;
 using cells::host::Workbook;
+using cells::test::A;
+using cells::test::P;
 
 namespace {
 
-Area A(char const * text) { return *cells::host::ParseArea(text); }
-Place P(char const * text) { return *cells::host::ParsePlace(text); }
-
+// Everything that can be seen, up to date, with a format that an area gives to a new cell.
 std::string Shown(Workbook & book) {
     book.Recalculate();
-    std::string shown;
-    for (int i = 0; i < book.Count(); ++i) {
-        Sheet & sheet = book.At(i);
-        shown += book.NameOf(i) + (sheet.IsProtected() ? " protected\n" : "\n");
-        sheet.ForEachOccupied([&](Place place) {
-            shown += NameOf(place) + " " + sheet.EditText(place) + " | " + sheet.Text(place) +
-                     " | " + sheet.NumberFormat(place) + "\n";
-        });
-        shown += "C9 would show " + sheet.NumberFormat({2, 8}) + "\n";
-    }
+    std::string shown = cells::test::Shown(book);
+    for (int i = 0; i < book.Count(); ++i) shown += book.At(i).NumberFormat({2, 8}) + "\n";
     return shown;
 }
 

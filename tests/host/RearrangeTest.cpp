@@ -1,5 +1,6 @@
 // Rows and columns that come and go, areas that move, copies.
 #include "host/Workbook.h"
+#include "support/Workbooks.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -10,11 +11,11 @@ using cells::host::NameOf;
 using cells::host::Place;
 using cells::host::Sheet;
 using cells::host::Workbook;
+using cells::test::A;
+using cells::test::P;
+using cells::test::Shown;
 
 namespace {
-
-Area A(char const * text) { return *cells::host::ParseArea(text); }
-Place P(char const * text) { return *cells::host::ParsePlace(text); }
 
 class Cells : public testing::Test {
 protected:
@@ -25,16 +26,6 @@ protected:
     std::string Formula(char const * place) { return sheet.EditText(P(place)); }
     ~Cells() override { EXPECT_EQ(book.CheckInvariants(), std::vector<std::string>()); }
 };
-
-std::string Shown(Workbook & book) {
-    std::string shown;
-    for (int i = 0; i < book.Count(); ++i)
-        book.At(i).ForEachOccupied([&](Place place) {
-            shown += std::to_string(i) + NameOf(place) + " " + book.At(i).EditText(place) + " " +
-                     book.At(i).Text(place) + "\n";
-        });
-    return shown;
-}
 
 } // namespace
 
