@@ -26,8 +26,14 @@ AtomicFile::AtomicFile(std::filesystem::path const & target) {
     std::error_code ignored;
     m_Target = std::filesystem::weakly_canonical(target, ignored);
     if (m_Target.empty()) m_Target = target;
-    std::string name = m_Target.string() + ".XXXXXX";
     Step("create");
+    if (std::filesystem::exists(m_Target, ignored) &&
+        !std::filesystem::is_regular_file(m_Target, ignored)) {
+        m_File = ::open(m_Target.c_str(), O_WRONLY);
+        if (m_File < 0) Fail("the file cannot be written");
+        return;
+    }
+    std::string name = m_Target.string() + ".XXXXXX";
     m_File = ::mkstemp(name.data());
     if (m_File < 0) Fail("the file cannot be created");
     m_Temporary = name;
@@ -55,10 +61,12 @@ void AtomicFile::Write(std::string_view bytes) {
 
 void AtomicFile::Commit() {
     Step("flush");
-    if (::fsync(m_File) != 0) Fail("the file cannot be written");
+    // A device has nothing to flush.
+    if (::fsync(m_File) != 0 && !m_Temporary.empty()) Fail("the file cannot be written");
     int const file = m_File;
     m_File = -1;
     if (::close(file) != 0) Fail("the file cannot be written");
+    if (m_Temporary.empty()) return;
     Step("rename");
     if (::rename(m_Temporary.c_str(), m_Target.c_str()) != 0) Fail("the file cannot be replaced");
     m_Temporary.clear();

@@ -85,7 +85,7 @@ public:
     bool Copy(Area const & area, Place to, bool transpose = false) {
         return CopyFrom(*this, area, to, transpose);
     }
-    // The same from another sheet.
+    // The same from another sheet, whose protection may refuse to show the area.
     bool CopyFrom(Sheet const & source, Area const & area, Place to, bool transpose = false);
 
     // Remembers so many edits from now on, 0 for none, to take them back and to make them again. An
@@ -182,6 +182,7 @@ private:
     static Place At(std::string_view place);
     static void Require(Place place);
     bool Refuses(Area const & area);
+    bool Conceals(Area const & area) const;
     void TouchEntry(Recording & recording, Place place);
     void TouchFormats(Recording & recording, Area const & area);
     bool ChangeLines(PlaceMap const & map, Area const & changed);

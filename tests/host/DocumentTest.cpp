@@ -7,11 +7,14 @@
 #include "host/Workbook.h"
 #include "support/Workbooks.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <random>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using cells::host::Area;
@@ -397,6 +400,22 @@ TEST(SavedFile, KeepsItsPermissionsAndIsReachedThroughALink) {
     EXPECT_TRUE(fs::is_symlink(folder / "link.cvs"));
     EXPECT_EQ(Contents(folder / "book.cvs"), BytesOf(*book));
     EXPECT_EQ(fs::status(folder / "book.cvs").permissions(), fs::perms(0640));
+}
+
+TEST(SavedFile, APipeIsWrittenAndNotReplaced) {
+    Folder folder;
+    fs::path const pipe = folder / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    int const reader = open(pipe.c_str(), O_RDWR); // so that nobody waits for the other end
+    auto const book = SmallBook();
+    book->Save(pipe);
+    std::string const expected = BytesOf(*book);
+    std::string found(expected.size(), 0);
+    EXPECT_EQ(read(reader, found.data(), found.size()), ssize_t(found.size()));
+    close(reader);
+    EXPECT_EQ(found, expected);
+    EXPECT_TRUE(fs::is_fifo(pipe));
+    EXPECT_EQ(folder.Count(), 1u);
 }
 
 TEST(SavedFile, WhatCannotBeWrittenOrReadIsNamed) {

@@ -262,6 +262,21 @@ TEST_F(Cells, CopiesGoToOtherSheets) {
     EXPECT_EQ(other.Text("B3"), "8");
 }
 
+TEST_F(Cells, WhatAProtectedSheetHidesIsNotCopiedToAnother) {
+    sheet.Enter("A1", "=2*21");
+    sheet.SetFlag(A("A1:A1"), CellFlag::kHidden);
+    EXPECT_TRUE(other.CopyFrom(sheet, A("A1:A1"), P("C1")));
+    sheet.Protect("p");
+    std::vector<unsigned> messages;
+    sheet.OnMessage([&](unsigned id, std::string const &) { messages.push_back(id); });
+    EXPECT_FALSE(other.CopyFrom(sheet, A("A1:B2"), P("D1")));
+    EXPECT_EQ(messages, std::vector<unsigned>{13037});
+    EXPECT_EQ(other.EditText(P("D1")), "");
+    EXPECT_TRUE(other.CopyFrom(sheet, A("B1:B2"), P("D1")));
+    EXPECT_TRUE(sheet.Copy(A("A1:A1"), P("B5"))); // its copy is hidden as well
+    EXPECT_EQ(sheet.EditText(P("B5")), "");
+}
+
 TEST(Rearranging, InsertingAndDeletingTheSameLinesChangesNothing) {
     for (unsigned seed = 1; seed <= 15; ++seed) {
         std::mt19937 random(seed);
