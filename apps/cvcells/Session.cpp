@@ -235,6 +235,7 @@ bool Session::Execute(std::string const & raw) {
         (this->*command.action)(line);
         return true;
     }
+    if (word.find('!') != std::string::npos) throw CommandError("no such cell: " + word);
     throw CommandError("unknown command: " + word + " (help lists them)");
 }
 
