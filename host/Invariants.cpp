@@ -30,6 +30,9 @@ std::string PlaceOf(SheetManager & sheet, CCRef const * ref) {
     return NameOf(named ? *named : sheet, sheets.ref);
 }
 
+// Links between documents are kept by both, so one cannot tell.
+bool IsLink(CCRef const * ref) { return ref && ref->GetType() == kRefRemote; }
+
 void Sort(std::vector<std::string> & lines) {
     std::sort(lines.begin(), lines.end());
     lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
@@ -50,7 +53,8 @@ void Invariants::Read(SheetManager & sheet) {
         std::string const place = PlaceOf(sheet, cell.GetRef());
         internal::RefListHolder const dependents(cell.LoadDependents(ctx));
         for (CCRefList const * node = dependents.list; node; node = node->m_pNext)
-            m_Stored.push_back(PlaceOf(sheet, node->m_pRef) + " reads " + place);
+            if (!IsLink(node->m_pRef))
+                m_Stored.push_back(PlaceOf(sheet, node->m_pRef) + " reads " + place);
         CCFormula const * const formula = cell.IsValidFormula() ? cell.LoadFormula(ctx) : nullptr;
         if (!formula) return;
         bool const moves = HasPart(*formula, kRefOpFormula);
@@ -64,11 +68,12 @@ void Invariants::Read(SheetManager & sheet) {
                 named.reset(sheet.TranslateNameRef(static_cast<CCNameRef const *>(ref)));
                 ref = named.get();
             }
-            if (ref) m_Implied.push_back(place + " reads " + PlaceOf(sheet, ref));
+            if (ref && !IsLink(ref)) m_Implied.push_back(place + " reads " + PlaceOf(sheet, ref));
         }
     });
     sheet.Regions().ForEach([&](CCRegionRef const & region, CCRef * dependent) {
-        m_Stored.push_back(PlaceOf(sheet, dependent) + " reads " + PlaceOf(sheet, &region));
+        if (!IsLink(dependent))
+            m_Stored.push_back(PlaceOf(sheet, dependent) + " reads " + PlaceOf(sheet, &region));
     });
     if (int const open = sheet.GetOpenRefCount())
         m_Lines.push_back(std::to_string(open) + " walks left open");

@@ -16,7 +16,7 @@ void PrintList(CFunctionCategories const & catalogue) {
         std::cout << ToUtf8(category.name) << '\n';
         for (FunctionDescription const & function : category.functions)
             std::cout << "  " << ToUtf8(function.Call()) << "  " << ToUtf8(function.description)
-                      << (function.func->eval ? "" : "  [not computed yet]") << '\n';
+                      << '\n';
     }
 }
 
@@ -35,8 +35,8 @@ constexpr char const * kPageHead = R"(# Functions
 
 `cvcells functions NAME` shows one of them. Arguments stand between the list separator of the locale.
 Where a function asks for a number, anything else is `#VALUE!`: text, an error, and a blank cell too.
-Functions of many values skip what they cannot use unless their line says otherwise. Names whose
-example is missing are known but not computed yet; a call of one gives an empty value.
+Functions of many values skip what they cannot use unless their line says otherwise. Those without
+an example read other documents, databases ([links](links.md)) or properties of the document.
 
 | Call | Gives | Example | Shows |
 |---|---|---|---|

@@ -326,26 +326,21 @@ void CCCalcCache::SetDirty(SCCalcEntry & entry) {
     if (entry.m_nIndex >= 0) m_Dirty.insert(&entry);
 }
 
-// Makes the dependents of a place dirty; those that were not yet are `reached`. Other documents are
-// told once the place is done, since they may call back.
-void CCCalcCache::MarkDependents(CCRef const * placed, Entries & reached) {
-    std::vector<std::unique_ptr<CCRemoteRef>> remote;
-    {
-        RefListHolder const dependents(LoadDependents(placed));
-        for (CCRefList const * node = dependents.list; node; node = node->m_pNext) {
-            if (!node->m_pRef) continue;
-            if (IsRemote(node->m_pRef)) {
-                remote.emplace_back(static_cast<CCRemoteRef *>(node->m_pRef->Copy()));
-                continue;
-            }
-            SCCalcEntry * entry = FindInOrder(node->m_pRef);
-            if (!entry) entry = InsertPlaced(Normalised(node->m_pRef));
-            if (entry->m_bDirty) continue;
-            SetDirty(*entry);
-            reached.push_back(entry);
+// Makes the dependents of a place dirty; those that were not yet are `reached`.
+void CCCalcCache::MarkDependents(CCRef const * placed, Entries & reached, RemoteRefs & remote) {
+    RefListHolder const dependents(LoadDependents(placed));
+    for (CCRefList const * node = dependents.list; node; node = node->m_pNext) {
+        if (!node->m_pRef) continue;
+        if (IsRemote(node->m_pRef)) {
+            remote.emplace_back(static_cast<CCRemoteRef *>(node->m_pRef->Copy()));
+            continue;
         }
+        SCCalcEntry * entry = FindInOrder(node->m_pRef);
+        if (!entry) entry = InsertPlaced(Normalised(node->m_pRef));
+        if (entry->m_bDirty) continue;
+        SetDirty(*entry);
+        reached.push_back(entry);
     }
-    for (auto const & ref : remote) Manager()->DoRemoteInitRecalc(ref.get(), 1);
 }
 
 void CCCalcCache::Mark(CCRef const * ref) {
@@ -353,12 +348,16 @@ void CCCalcCache::Mark(CCRef const * ref) {
     std::unique_ptr<CCRef> const placed = Normalised(ref);
     SCCalcEntry * const root = Find(placed.get());
     if (root && root->m_nIndex >= 0) SetDirty(*root);
-    Entries reached;
-    MarkDependents(placed.get(), reached);
-    for (std::size_t at = 0; at < reached.size(); ++at) {
-        std::unique_ptr<CCRef> const next(reached[at]->m_pRef->Copy());
-        MarkDependents(next.get(), reached);
+    RemoteRefs remote;
+    {
+        Entries reached;
+        MarkDependents(placed.get(), reached, remote);
+        for (std::size_t at = 0; at < reached.size(); ++at)
+            MarkDependents(reached[at]->m_pRef, reached, remote);
     }
+    // Other documents are told behind all marks, since they may call back.
+    for (auto const & link : remote)
+        if (CCCellManager * manager = Manager()) manager->DoRemoteInitRecalc(link.get(), 1);
 }
 
 void CCCalcCache::MarkAll() {
@@ -382,11 +381,54 @@ void CCCalcCache::Calculate(CCCellManager & manager) {
         if (next == m_Dirty.end() || !m_pEnd || (*next)->label > m_pEnd->label) return;
         SCCalcEntry * const entry = *next;
         m_pAt = entry;
-        // Clean before it is computed: a hook may change what it has just read.
-        m_Dirty.erase(next);
-        entry->m_bDirty = 0;
-        manager.RecalcCell(entry->m_pRef);
+        Compute(manager, *entry);
     }
+}
+
+// Clean before it is computed: a hook may change what it has just read.
+void CCCalcCache::Compute(CCCellManager & manager, SCCalcEntry & entry) {
+    m_Dirty.erase(&entry);
+    entry.m_bDirty = 0;
+    manager.RecalcCell(entry.m_pRef);
+}
+
+// What is dirty at a place and in all that feeds it, in order. What is clean has nothing dirty
+// before it.
+CCCalcCache::Entries CCCalcCache::DirtyBefore(CCRef const * ref) {
+    Entries found;
+    auto const take = [&](SCCalcEntry * entry) {
+        if (!entry || !entry->m_bDirty || entry->m_bVisited || entry->m_nIndex < 0) return;
+        entry->m_bVisited = 1;
+        found.push_back(entry);
+    };
+    auto const takeAt = [&](CCRef const * place) {
+        std::unique_ptr<CCRef> const placed = Normalised(place);
+        if (!placed) return;
+        take(Find(placed.get()));
+        if (InnerType(placed.get()) == kRefRegion)
+            for (SCCalcEntry * entry : m_Dirty)
+                if (placed->Contain(entry->m_pRef)) take(entry);
+    };
+    takeAt(ref);
+    for (std::size_t at = 0; at < found.size(); ++at) {
+        Place const place = Resolve(*Manager(), found[at]->m_pRef);
+        RefListHolder const precedents(place.item ? place.item->GetPrecedents(place.owner->ctx())
+                                                  : nullptr);
+        Adjust3DDependencies(found[at]->m_pRef, precedents.list);
+        for (CCRefList const * node = precedents.list; node; node = node->m_pNext)
+            if (node->m_pRef && !IsRemote(node->m_pRef)) takeAt(node->m_pRef);
+    }
+    for (SCCalcEntry * entry : found) entry->m_bVisited = 0;
+    std::sort(found.begin(), found.end(), cells::internal::CalcOrder::Before());
+    return found;
+}
+
+void CCCalcCache::Settle(CCCellManager & manager, CCRef const * ref) {
+    if (m_Dirty.empty() || !ref) return;
+    if (!m_bCalculating) return Calculate(manager);
+    SetManager(&manager);
+    for (SCCalcEntry * entry : DirtyBefore(ref))
+        if (entry->m_bDirty && entry->m_nIndex >= 0) Compute(manager, *entry);
 }
 
 // By number

@@ -19,6 +19,7 @@
 
 class CCCellManager;
 class CCRef;
+class CCRemoteRef;
 struct CCRefList;
 
 namespace cells {
@@ -51,6 +52,11 @@ public:
     // Computes what is dirty through a manager of the workbook. What becomes dirty before the place
     // that the pass has reached waits for the next one.
     void Calculate(CCCellManager & manager);
+    // Brings a place up to date for a reader that asks for it in the middle of a pass: another
+    // document, which this one has just asked. What is dirty at the place and before it is computed
+    // now; the formula whose computing asks counts with the value that it has. Outside a pass this
+    // is Calculate.
+    void Settle(CCCellManager & manager, CCRef const * ref);
 
     // The manager of the current call; references without a sheet are on it.
     void SetManager(CCCellManager * manager);
@@ -77,6 +83,7 @@ public:
 private:
     struct Neighbours;
     using Entries = std::vector<SCCalcEntry *>;
+    using RemoteRefs = std::vector<std::unique_ptr<CCRemoteRef>>;
 
     std::unique_ptr<CCRef> Normalised(CCRef const * ref) const;
     SCCalcEntry * Find(CCRef const * placed) const;
@@ -91,7 +98,9 @@ private:
     void SetDirty(SCCalcEntry & entry);
 
     CCRefList * LoadDependents(CCRef const * placed) const;
-    void MarkDependents(CCRef const * placed, Entries & reached);
+    void MarkDependents(CCRef const * placed, Entries & reached, RemoteRefs & remote);
+    Entries DirtyBefore(CCRef const * ref);
+    void Compute(CCCellManager & manager, SCCalcEntry & entry);
     void CollectDependents(SCCalcEntry const & entry, Entries & found) const;
     Neighbours FindNeighbours(SCCalcEntry const & entry);
     cells::RegionIndex * RegionsOn(CCRef const * placed, bool make);

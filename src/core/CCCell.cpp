@@ -3,6 +3,7 @@
 #include "core/CCCellManager.h"
 #include "core/Context.h"
 #include "core/Guards.h"
+#include "core/TreesInUse.h"
 #include "core/ValueCompare.h"
 #include "format/FormatTables.h"
 #include "formula/CCConstFormula.h"
@@ -13,7 +14,10 @@
 #include "formula/CCRemoteOpFormula.h"
 #include "platform/Resources.h"
 
+#include <utility>
+
 using cells::internal::SessionGuard;
+using cells::internal::TreesInUse;
 using Placed = std::unique_ptr<CCRef>;
 
 CCCell::CCCell(CCCell const & other)
@@ -61,6 +65,7 @@ CCRef * CCCell::MakeCellRef3D(cells::CTX * ctx, CCCell const * cell) {
 // Values
 
 int CCCell::SetValue(cells::CTX * ctx, CCCellValue const & value) {
+    TreesInUse const walk;
     CCCellManager * const manager = ctx->manager();
     {
         SessionGuard const session(manager);
@@ -133,12 +138,15 @@ int CCCell::LoadFormula(cells::CTX * ctx, CCFormula *& formula, uchar & type) {
 }
 
 void CCCell::StoreTree(CCFormula * formula) {
-    m_pFormula.reset(formula);
+    std::unique_ptr<CCFormula> old(formula);
+    m_pFormula.swap(old);
+    TreesInUse::Discard(std::move(old));
     m_pFormulaData.reset();
 }
 
 void CCCell::RemoveFormula(cells::CTX * ctx) {
     if (!IsFormulaLink()) return;
+    TreesInUse const walk;
     CCFormula * const tree = LoadFormula(ctx);
     if (tree && !m_bCircular) {
         Placed const place(MakeCellRef3D(ctx, this));
@@ -149,6 +157,7 @@ void CCCell::RemoveFormula(cells::CTX * ctx) {
 }
 
 int CCCell::RegisterFormula(cells::CTX * ctx) {
+    TreesInUse const walk;
     CCFormula const * const tree = LoadFormula(ctx);
     if (!tree) return 0;
     Placed const place(MakeCellRef3D(ctx, this));
@@ -157,6 +166,7 @@ int CCCell::RegisterFormula(cells::CTX * ctx) {
 }
 
 int CCCell::UnregisterFormula(cells::CTX * ctx) {
+    TreesInUse const walk;
     CCFormula const * const tree = LoadFormula(ctx);
     if (!tree) return 0;
     Placed const place(MakeCellRef3D(ctx, this));
@@ -168,13 +178,16 @@ int CCCell::UnregisterFormula(cells::CTX * ctx) {
 void CCCell::Compute(cells::CTX * ctx, CCFormula const & formula, CCRef const * place) {
     CCCellValue result = m_Value;
     EvalFormula(ctx, result, &formula, place);
+    if (m_pFormula.get() != &formula) return; // another one came meanwhile
     m_Value.Swap(result);
     OnValueStored();
     UpdateNumberFormat(ctx);
 }
 
-void CCCell::FailToRegister(cells::CTX * ctx, CCRef const * place) {
-    m_pFormula->UnRegisterDependents(ctx, place);
+// For this function and the next: another tree, which came meanwhile, stays as it is.
+void CCCell::FailToRegister(cells::CTX * ctx, CCFormula const & tree, CCRef const * place) {
+    if (m_pFormula.get() == &tree) tree.UnRegisterDependents(ctx, place);
+    if (m_pFormula.get() != &tree) return;
     TurnIntoText(ctx);
     OnChange(ctx);
     if (CCCellManager * manager = ctx->manager()) manager->InitIdleRecalc(this, 0);
@@ -189,9 +202,11 @@ void CCCell::TurnIntoText(cells::CTX * ctx) {
     OnValueStored();
 }
 
-void CCCell::MarkCircular(cells::CTX * ctx, CCRef const * place, int quiet) {
+void CCCell::MarkCircular(cells::CTX * ctx, CCFormula const & tree, CCRef const * place,
+                          int quiet) {
     CCCellManager * const manager = ctx->manager();
-    m_pFormula->UnRegisterDependents(ctx, place);
+    tree.UnRegisterDependents(ctx, place);
+    if (m_pFormula.get() != &tree) return;
     m_bCircular = true;
     if (m_pFormulaData) m_pFormulaData[4] = kFormulaCircular;
     m_Value.Set(errCirc);
@@ -203,6 +218,7 @@ void CCCell::MarkCircular(cells::CTX * ctx, CCRef const * place, int quiet) {
 
 int CCCell::SetFormula(cells::CTX * ctx, CCFormula const * formula, int quiet) {
     if (!formula) return 0;
+    TreesInUse const walk;
     CCCellManager * const manager = ctx->manager();
     int done = 0;
     {
@@ -214,15 +230,17 @@ int CCCell::SetFormula(cells::CTX * ctx, CCFormula const * formula, int quiet) {
         if (IsEditSource(ctx) && !m_pFormula->IsEditSourceRef(ctx, place.get()) && !quiet &&
             manager)
             manager->ErrorMessage(cells::kStringNoEditSource);
-        if (!m_pFormula->RegisterDependents(ctx, place.get())) {
-            FailToRegister(ctx, place.get());
+        // Where another formula comes meanwhile, from another document, that one stays.
+        CCFormula const * const own = m_pFormula.get();
+        if (!own->RegisterDependents(ctx, place.get())) {
+            FailToRegister(ctx, *own, place.get());
         } else {
-            Compute(ctx, *m_pFormula, place.get());
-            if (IsCirc(ctx)) {
-                MarkCircular(ctx, place.get(), quiet);
-            } else {
-                if (manager) manager->InitFormulaRecalc(this);
+            Compute(ctx, *own, place.get());
+            if (m_pFormula.get() == own && IsCirc(ctx)) {
+                MarkCircular(ctx, *own, place.get(), quiet);
+            } else if (m_pFormula.get() == own) {
                 m_bCircular = false;
+                if (manager) manager->InitFormulaRecalc(this);
             }
             OnChange(ctx);
             done = 1;
@@ -234,6 +252,7 @@ int CCCell::SetFormula(cells::CTX * ctx, CCFormula const * formula, int quiet) {
 
 int CCCell::SetFormula1(cells::CTX * ctx, CCFormula const * formula) {
     if (!formula) return 0;
+    TreesInUse const walk;
     int done = 0;
     {
         SessionGuard const session(ctx->manager());
@@ -243,9 +262,10 @@ int CCCell::SetFormula1(cells::CTX * ctx, CCFormula const * formula) {
         std::unique_ptr<CCFormula> copy(formula->Copy());
         RemoveFormula(ctx);
         StoreTree(copy.release());
-        if (!m_pFormula->RegisterDependents(ctx, place.get())) {
-            FailToRegister(ctx, place.get());
-        } else {
+        CCFormula const * const own = m_pFormula.get();
+        if (!own->RegisterDependents(ctx, place.get())) {
+            FailToRegister(ctx, *own, place.get());
+        } else if (m_pFormula.get() == own) {
             SetValue(result);
             UpdateNumberFormat(ctx);
             OnChange(ctx);
@@ -257,15 +277,18 @@ int CCCell::SetFormula1(cells::CTX * ctx, CCFormula const * formula) {
 }
 
 int CCCell::StoreFormula(cells::CTX * ctx, std::unique_ptr<CCFormula> formula) {
+    TreesInUse const walk;
     RemoveFormula(ctx);
     StoreTree(formula.release());
     CCRef3D const place(ctx, GetRef());
-    if (m_pFormula->RegisterDependents(ctx, &place)) return 1;
-    FailToRegister(ctx, &place);
+    CCFormula const * const own = m_pFormula.get();
+    if (own->RegisterDependents(ctx, &place)) return 1;
+    FailToRegister(ctx, *own, &place);
     return 0;
 }
 
 void CCCell::Recalc(cells::CTX * ctx) {
+    TreesInUse const walk;
     CCFormula const * const tree = LoadFormula(ctx);
     if (!tree) return;
     CCCellValue other = m_Value; // the result, and after the exchange the value before
@@ -275,8 +298,9 @@ void CCCell::Recalc(cells::CTX * ctx) {
         int const outer = CCRemoteOpFormula::RefRemoteChanged;
         CCRemoteOpFormula::RefRemoteChanged = 0;
         EvalFormula(ctx, other, tree, GetRef());
-        if (CCRemoteOpFormula::RefRemoteChanged) StoreTree(tree->Copy());
-        CCRemoteOpFormula::RefRemoteChanged = outer;
+        bool const moved = std::exchange(CCRemoteOpFormula::RefRemoteChanged, outer) != 0;
+        if (m_pFormula.get() != tree) return; // another one came meanwhile, with its own value
+        if (moved) StoreTree(tree->Copy());
     }
     m_Value.Swap(other);
     OnValueStored(); // equal values may differ in their last bit
@@ -306,18 +330,19 @@ CCRefList * CCCell::GetPrecedents(cells::CTX * ctx) {
 
 // Puts a new tree, which it takes over, in the place of the old one and computes it.
 int CCCell::ReplaceTree(cells::CTX * ctx, CCFormula * now) {
+    TreesInUse const walk;
     CCCellManager * const manager = ctx->manager();
     std::unique_ptr<CCFormula> fresh(now);
-    std::unique_ptr<CCFormula> const old = std::move(m_pFormula);
     Placed const place(MakeCellRef3D(ctx, this));
-    old->UnRegisterDependents(ctx, place.get());
+    m_pFormula->UnRegisterDependents(ctx, place.get());
     StoreTree(fresh.release());
-    if (!m_pFormula->RegisterDependents(ctx, place.get())) {
-        FailToRegister(ctx, place.get());
+    CCFormula const * const own = m_pFormula.get();
+    if (!own->RegisterDependents(ctx, place.get())) {
+        FailToRegister(ctx, *own, place.get());
         OnValueChanged(ctx);
         return 1;
     }
-    Compute(ctx, *m_pFormula, place.get());
+    Compute(ctx, *own, place.get());
     OnChange(ctx);
     OnValueChanged(ctx);
     if (manager) manager->InitIdleRecalc(this, 0);
@@ -325,6 +350,7 @@ int CCCell::ReplaceTree(cells::CTX * ctx, CCFormula * now) {
 }
 
 int CCCell::InvalidateRef(cells::CTX * ctx, CCRef const * ref) {
+    TreesInUse const walk;
     CCFormula * const tree = LoadFormula(ctx);
     if (!tree) return 0;
     Placed const place(MakeCellRef3D(ctx, this));
@@ -335,6 +361,7 @@ int CCCell::InvalidateRef(cells::CTX * ctx, CCRef const * ref) {
 }
 
 int CCCell::InvalidateItem(cells::CTX * ctx, CCItem const * item) {
+    TreesInUse const walk;
     CCFormula * const tree = LoadFormula(ctx);
     if (!tree) return 0;
     Placed const place(MakeCellRef3D(ctx, this));
@@ -345,6 +372,7 @@ int CCCell::InvalidateItem(cells::CTX * ctx, CCItem const * item) {
 }
 
 int CCCell::UpdateFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to, int mode) {
+    TreesInUse const walk;
     CCFormula * const tree = LoadFormula(ctx);
     if (!tree) return 0;
     Placed const place(MakeCellRef3D(ctx, this));
@@ -364,33 +392,37 @@ int CCCell::UpdateFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to
 
 int CCCell::UpdateInPaste(cells::CTX * ctx, CCRef const * oldRef, CCRef const * newRef,
                           CCClipboardData const * clip) {
+    TreesInUse const walk;
     if (!LoadFormula(ctx)) return 0;
     SessionGuard const session(ctx->manager());
     Placed const place(MakeCellRef3D(ctx, this));
-    if (!m_bCircular) m_pFormula->UnRegisterDependents(ctx, place.get());
+    CCFormula * own = m_pFormula.get();
+    if (!m_bCircular) own->UnRegisterDependents(ctx, place.get());
+    if (m_pFormula.get() != own) return 1; // another one came meanwhile
     try {
-        m_pFormula->UpdateInPaste(ctx, oldRef, newRef, clip);
+        own->UpdateInPaste(ctx, oldRef, newRef, clip);
     } catch (int) {
-        m_pFormula = std::make_unique<CCConstFormula>(errRef);
+        StoreTree(own = new CCConstFormula(errRef));
     }
-    StoreTree(m_pFormula.release());
+    m_pFormulaData.reset();
     m_bCircular = false;
-    if (!m_pFormula->RegisterDependents(ctx, place.get())) {
-        FailToRegister(ctx, place.get());
+    if (!own->RegisterDependents(ctx, place.get())) {
+        FailToRegister(ctx, *own, place.get());
         return 1;
     }
-    Compute(ctx, *m_pFormula, place.get());
+    Compute(ctx, *own, place.get());
     OnChange(ctx);
     return 1;
 }
 
 int CCCell::ValidateFormulaRef(cells::CTX * ctx, CCRef const * ref) {
+    TreesInUse const walk;
     if (!IsValidFormula()) return 0;
     CCFormula * const tree = LoadFormula(ctx);
     if (!tree || !tree->ContainsLink(ctx, ref, GetRef())) return 0;
     Placed const place(MakeCellRef3D(ctx, this));
     if (!tree->RegisterDependents(ctx, place.get())) {
-        FailToRegister(ctx, place.get());
+        FailToRegister(ctx, *tree, place.get());
         return 0;
     }
     if (CCCellManager * manager = ctx->manager()) manager->InitIdleRecalc(this, 1);
@@ -398,14 +430,16 @@ int CCCell::ValidateFormulaRef(cells::CTX * ctx, CCRef const * ref) {
 }
 
 void CCCell::Move(cells::CTX * ctx, CCRef const * to, CCItem * from) {
+    TreesInUse const walk;
     {
         SessionGuard const session(ctx->manager());
         CCItem::Move(ctx, to, from);
         if (LoadFormula(ctx) && !m_bCircular) {
             Placed const oldPlace(MakeCellRef3D(ctx, this));
             Placed const newPlace(cells::internal::MakeDependentRef(ctx, to));
-            m_pFormula->MoveFormula(ctx, oldPlace.get(), newPlace.get());
-            m_pFormula->RegisterDependents(ctx, newPlace.get());
+            CCFormula * const own = m_pFormula.get();
+            own->MoveFormula(ctx, oldPlace.get(), newPlace.get());
+            if (m_pFormula.get() == own) own->RegisterDependents(ctx, newPlace.get());
         }
     }
     MarkDirty(ctx);
@@ -424,6 +458,7 @@ int CCCell::Delete(cells::CTX * ctx) {
 // Edit sources and links
 
 CCRef const * CCCell::GetEditSourceRef(cells::CTX * ctx) {
+    TreesInUse const walk;
     CCFormula const * const tree = IsEditSource(ctx) ? LoadFormula(ctx) : nullptr;
     return tree ? tree->GetEditSourceRef(ctx, GetRef()) : nullptr;
 }
@@ -440,6 +475,7 @@ int CCCell::SetEditSource(cells::CTX * ctx, CCRef const * ref, uchar flags) {
 int CCCell::IsHyperLink() { return m_pFormula ? m_pFormula->IsHyperLink() : 0; }
 
 int CCCell::GetHyperLink(cells::CTX * ctx, CString & text) {
+    TreesInUse const walk;
     CCFormula const * const tree = LoadFormula(ctx);
     if (!tree || !tree->IsHyperLink()) return 0;
     CCFormulaList const * const args = static_cast<CCOpFormula const *>(tree)->GetArgs();

@@ -132,9 +132,9 @@ private:
     int RefusesChange(cells::CTX * ctx) const;
     void TakeTypedValue(cells::CTX * ctx, wchar_t const * text, CCCellValue & value);
     void TurnIntoText(cells::CTX * ctx);
-    void FailToRegister(cells::CTX * ctx, CCRef const * place);
+    void FailToRegister(cells::CTX * ctx, CCFormula const & tree, CCRef const * place);
     void Compute(cells::CTX * ctx, CCFormula const & formula, CCRef const * place);
-    void MarkCircular(cells::CTX * ctx, CCRef const * place, int quiet);
+    void MarkCircular(cells::CTX * ctx, CCFormula const & tree, CCRef const * place, int quiet);
     void StoreTree(CCFormula * formula);
     int ReplaceTree(cells::CTX * ctx, CCFormula * now);
     int ClearEditSource(cells::CTX * ctx);

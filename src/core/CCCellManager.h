@@ -30,8 +30,8 @@ class CCNameRef;
 class CCRemoteRef;
 class CCWorkbook;
 
-// Whether remote data is recalculated: asked, always or never.
-enum ECRecalcRemote : int { kRecalcRemoteAsk = 0, kRecalcRemoteAlways = 1, kRecalcRemoteNever = 2 };
+// Whether remote data is recalculated: the user was not asked yet, or answered.
+enum ECRecalcRemote : int { rrUnknown = 0, rrNo = 1, rrYes = 2 };
 
 class CVCELLS_API CCCellManager : public CCTransportInterface,
                                   public CCBaseListener,
@@ -63,6 +63,8 @@ public:
     // Host facts. Type 1 is a spreadsheet: text references are then read as cells first.
     virtual int GetType() const { return 0; }
     virtual void ErrorMessage(unsigned int id);
+    // Whether data of other documents is to be read anew when a document is opened; asks the user
+    // once, where `ask` is set and the document calculates by itself. The engine never calls it.
     virtual int GetRecalcRemote(int ask);
     virtual CSize GetRefSize(CCRef const *) { return {1, 1}; }
 
@@ -175,6 +177,37 @@ public:
     virtual int DoRemoteMoveDependent(CCRemoteRef const * ref, CCRef const * from, CCRef const * to,
                                       int mode);
 
+    // What other documents ask: the plain operation of the same name on the place that the request
+    // names, 0 for a request that is not for this document.
+    int OnRemoteIsValidRef(CCRemoteRef const * ref) override;
+    int OnRemoteGetValue(CCRemoteRef const * ref, CCCellValue & value, int index) override;
+    int OnRemoteGetDataSources(CCRemoteRef const * ref, CStringArray & sources, int flag) override;
+    int OnRemoteGetItems(CCRemoteRef const * ref, CStringArray & items) override;
+    ushort OnRemoteOpenRef(CCRemoteRef const * ref) override;
+    int OnRemoteGetFirstRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values) override;
+    int OnRemoteGetNextRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values) override;
+    int OnRemoteGetPreviousRecord(CCRemoteRef const * ref, ushort handle,
+                                  CPtrArray & values) override;
+    int OnRemoteGetLastRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values) override;
+    int OnRemoteGetRecord(CCRemoteRef const * ref, ushort handle, int number,
+                          CPtrArray & values) override;
+    int OnRemoteRefSize(CCRemoteRef const * ref, ushort handle, CSize & size) override;
+    int OnRemoteNextValue(CCRemoteRef const * ref, ushort handle, CCCellValue & value) override;
+    int OnRemoteCloseRef(CCRemoteRef const * ref, ushort handle) override;
+    int OnRemoteRegisterDependent(CCRemoteRef const * ref, CCRemoteRef const * dependent) override;
+    int OnRemoteUnRegisterDependent(CCRemoteRef const * ref,
+                                    CCRemoteRef const * dependent) override;
+    int OnRemoteInvalidateRef(CCRemoteRef const * ref, CCRemoteRef const * by) override;
+    int OnRemoteMoveFormula(CCRemoteRef const * ref, CCRemoteRef const * old,
+                            CCRemoteRef const * now) override;
+    int OnRemoteMoveDependent(CCRemoteRef const * ref, CCRemoteRef const * old,
+                              CCRemoteRef const * now, int mode) override;
+    int OnRemoteIsSingleValue(CCRemoteRef const * ref) override;
+    int OnRemoteInitRecalc(CCRemoteRef const * ref, int flag) override;
+    int OnRemoteSetSourceValue(CCRemoteRef const * ref, CCCellValue const & value) override;
+    int OnRemoteSetValueInCompound(CCRemoteRef const * ref, CString const & name, int number,
+                                   CCCellValue const & value) override;
+
     virtual void Read(CArchive & ar);
     virtual void Write(CArchive & ar) const;
 
@@ -234,6 +267,8 @@ public:
     int GetOpenRefCount() const; // walks that are open now
     int GetDirtyMarking() const { return m_nDirtyMarking; }
     int SetDirtyMarking(int marking);
+    // The place inside a reference, and the sheet that it is on; null for none.
+    CCRef const * InnerPlace(CCRef const * ref, CCCellManager const *& sheet) const;
     void NoteRemoteDependent() { m_bRemoteDependents = true; }
     void NoteStoredDependents() { m_bStoredDependents = true; }
     bool HasStoredDependents() const { return m_bStoredDependents; }
@@ -262,6 +297,9 @@ private:
     SCOpenRef * OpenSlot(ushort handle);
     int ReadRecordAt(ushort handle, CPtrArray & values, long long position);
     CCDocItem * FindDocItem(CCRef const * ref) const;
+    CCRef * ScanPlace(wchar_t const *& at) const;
+    bool IsAsked(CCRemoteRef const * ref) const;
+    std::unique_ptr<CCRef> AskedPlace(CCRemoteRef const * ref) const;
     CCRefList * LoadPlacedDependents(CCRef const * ref, CCItem *& item);
     int WalkForCycle(CCItem const * item, RemoteRefs & remote);
     void OrderLinearly(std::uint64_t firstNewStamp);
@@ -269,9 +307,10 @@ private:
 
     int m_bProtected = 0;
     CString m_strPassword;
-    ECRecalcRemote m_eRecalcRemote = kRecalcRemoteAsk;
-    CCItem const * m_pFormulaItem = nullptr; // origin of the running InitFormulaRecalc
-    unsigned long m_nAllRecalc = 0;          // high-water mark of the recalculation list
+    ECRecalcRemote m_eRecalcRemote = rrUnknown;
+    // Items for which InitFormulaRecalc is running; the first is where the walk began.
+    std::vector<CCItem const *> m_FormulaItems;
+    unsigned long m_nAllRecalc = 0; // high-water mark of the recalculation list
     std::vector<SCOpenRef> m_OpenRefs;
     std::priority_queue<int, std::vector<int>, std::greater<int>> m_FreeSlots;
     unsigned long long m_nOpenStamp = 0;

@@ -20,10 +20,12 @@ int CCSheet::IsValidSheetName(wchar_t const * name) const {
 }
 
 CCRemoteRef * CCSheet::TranslateToSheetRef(CCRef const * ref) {
-    if (!ref) return nullptr;
+    CCCellManager const * sheet;
+    CCRef const * const inner = InnerPlace(ref, sheet);
+    if (!inner) return nullptr;
     std::wostringstream text;
-    ref->Print(ctx(), text, 0);
-    return new CCRemoteRef(LinkTo(GetSheetName()), CString(std::wstring_view(text.str())));
+    inner->Print(ctx(), text, 0);
+    return new CCRemoteRef(LinkTo(sheet->GetSheetName()), CString(std::wstring_view(text.str())));
 }
 
 void CCSheet::OnRename(wchar_t const * name) {

@@ -36,10 +36,10 @@ void CCCellManager::ErrorMessage(unsigned int id) {
     if (GetNotifyEnable()) cells::ShowMessage(id);
 }
 
-// Asks the user where the answer is not settled, and only when told to.
 int CCCellManager::GetRecalcRemote(int ask) {
-    if (m_eRecalcRemote != kRecalcRemoteAsk) return m_eRecalcRemote == kRecalcRemoteAlways;
-    return ask && cells::AskYesNo(cells::kStringRecalcRemote);
+    if (ask && GetAutoCalc() && m_eRecalcRemote == rrUnknown)
+        m_eRecalcRemote = cells::AskYesNo(cells::kStringRecalcRemote) ? rrYes : rrNo;
+    return m_eRecalcRemote == rrYes;
 }
 
 void CCCellManager::Protect(wchar_t const * password) {
@@ -74,8 +74,8 @@ void CCCellManager::Revert() {
     ReleaseContents();
     m_bProtected = 0;
     m_strPassword.Empty();
-    m_eRecalcRemote = kRecalcRemoteAsk;
-    m_pFormulaItem = nullptr;
+    m_eRecalcRemote = rrUnknown;
+    m_FormulaItems.clear();
     m_nAllRecalc = 0;
 }
 
@@ -164,27 +164,4 @@ int CCCellManager::SetSourceValue(CCRef const * ref, CCCellValue const & value) 
         cell = current->CellAt(source.get(), owner);
         if (!cell) return 1;
     }
-}
-
-int CCCellManager::IsValidReference(wchar_t const * text) const {
-    if (!text) return 0;
-    cells::CTX * const context = ctx();
-    wchar_t const * at = text;
-    CCRef * parsed = nullptr;
-    uchar flags = 0;
-    int const found = GetType() == 1 ? _EatSpreadRef(context, at, parsed, flags)
-                                     : _EatNameRef(context, at, parsed, flags);
-    std::unique_ptr<CCRef> const ref(found ? parsed : nullptr);
-    return ref && *at == 0 && const_cast<CCCellManager *>(this)->IsValidRef(ref.get());
-}
-
-int CCCellManager::IsValidDocument(wchar_t const * name) const {
-    CString const path = GetDocumentName();
-    CString const asked(name);
-    int const slash = std::max(path.ReverseFind(L'/'), path.ReverseFind(L'\\'));
-    CString const file = path.Mid(slash + 1);
-    int const dot = file.ReverseFind(L'.');
-    CString const bare = dot < 0 ? file : file.Left(dot);
-    return asked.CompareNoCase(path) == 0 || asked.CompareNoCase(bare) == 0 ||
-           asked.CompareNoCase(file) == 0;
 }

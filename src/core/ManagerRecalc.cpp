@@ -433,9 +433,10 @@ int CCCellManager::WalkForCycle(CCItem const * item, RemoteRefs & remote) {
     CCRecalcList list;
     PatchProcessDependents(item->GetRef(), list);
     if (list.IsEmpty()) return 1;
-    CCRef const * const origin = m_pFormulaItem->GetRef();
+    CCRef const * const origin = m_FormulaItems.front()->GetRef();
     std::unique_ptr<CCRef> const placed(MakeDependentRef(ctx(), origin));
-    bool const mayLookBack = item == m_pFormulaItem && !m_bRemoteDependents && !m_bStoredDependents;
+    bool const mayLookBack =
+        item == m_FormulaItems.front() && !m_bRemoteDependents && !m_bStoredDependents;
     std::unique_ptr<BackwardSearch> back;
     if (mayLookBack) back = std::make_unique<BackwardSearch>(*this, item);
     std::vector<std::unique_ptr<CCRef>> kept;
@@ -468,12 +469,22 @@ int CCCellManager::InitFormulaRecalc(CCItem const * item) {
         workbook->GetCalcCache().SetManager(this);
         return workbook->GetCalcCache().EnsureAndMark(item->GetRef());
     }
-    if (item == m_pFormulaItem) return 0; // a re-entry through another document, and so a cycle
-    if (!m_pFormulaItem) m_pFormulaItem = item;
-    RemoteRefs remote;
-    int result = WalkForCycle(item, remote);
-    if (!remote.IsEmpty() && result) result = remote.Tell(*this, 0, true);
-    if (m_pFormulaItem == item) m_pFormulaItem = nullptr;
+    // A re-entry through another document, and so a cycle.
+    if (std::find(m_FormulaItems.begin(), m_FormulaItems.end(), item) != m_FormulaItems.end())
+        return 0;
+    struct Walk {
+        std::vector<CCItem const *> & items;
+        CCItem const * item;
+        ~Walk() { std::erase(items, item); }
+    };
+    int result;
+    {
+        m_FormulaItems.push_back(item);
+        Walk const walk{m_FormulaItems, item};
+        RemoteRefs remote;
+        result = WalkForCycle(item, remote);
+        if (!remote.IsEmpty() && result) result = remote.Tell(*this, 0, true);
+    }
     if (result) InitIdleRecalc(item, 1);
     return result;
 }

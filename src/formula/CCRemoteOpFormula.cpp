@@ -40,16 +40,22 @@ CCOpFormula * CCRemoteOpFormula::Rebuild(CCFormulaList * args) const {
 }
 
 int CCRemoteOpFormula::Check(CTX * ctx, CCRef const * current) const {
+    if (m_bChecked) return 0;
     if (int const status = CCOpFormula::Check(ctx, current)) return status;
     CCRemoteRef remote;
-    return NamesLink(ctx, remote, current) ? 0 : int(errRef);
+    m_bChecked = NamesLink(ctx, remote, current);
+    return m_bChecked ? 0 : int(errRef);
 }
 
+// Asking elsewhere may come back to this very formula, so it holds nothing of its own across it.
 void CCRemoteOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * current) const {
     CCRemoteRef remote;
-    if (NamesLink(ctx, remote, current) && !remote.IsEqual(m_Remote)) {
-        if (CCCellManager * manager = ctx->manager(); manager && current) {
-            manager->DoRemoteUnRegisterDependent(&m_Remote, current);
+    if (!NamesLink(ctx, remote, current)) remote.Clear();
+    if (!remote.IsEqual(m_Remote)) {
+        CCRemoteRef const old(m_Remote);
+        if (CCCellManager * manager = ctx->manager()) {
+            if (!old.document().IsEmpty() || !old.item().IsEmpty())
+                manager->DoRemoteUnRegisterDependent(&old, current);
             manager->DoRemoteRegisterDependent(&remote, current);
         }
         m_Remote.Set(remote);
@@ -86,12 +92,12 @@ int CCRemoteOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) co
     int const all = CCOpFormula::RegisterDependents(ctx, dependent);
     CCRemoteRef remote;
     if (!NamesLink(ctx, remote, dependent)) {
-        m_Remote = CCRemoteRef(kInvalidLink, CString());
+        m_Remote = CCRemoteRef(kInvalidLink, kInvalidLink);
         return 0;
     }
     m_Remote.Set(remote);
     CCCellManager * const manager = ctx->manager();
-    return manager && manager->DoRemoteRegisterDependent(&m_Remote, dependent) ? all : 0;
+    return manager && manager->DoRemoteRegisterDependent(&remote, dependent) ? all : 0;
 }
 
 void CCRemoteOpFormula::UnRegisterDependents(CTX * ctx, CCRef const * dependent) const {

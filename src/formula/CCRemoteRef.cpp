@@ -10,20 +10,6 @@
 #include <memory>
 #include <sstream>
 
-namespace {
-
-using Translated = std::unique_ptr<CCRemoteRef>;
-
-// How the peer knows a place of this document: as a sheet of the workbook where it takes the
-// document's name for one, else as a document.
-Translated TranslateFor(CCCellManager & manager, CCRemoteRef const & peer, CCRef const * ref) {
-    if (manager.IsValidSheetName(peer.document()))
-        return Translated(manager.TranslateToSheetRef(ref));
-    return Translated(manager.TranslateToRemoteRef(ref));
-}
-
-} // namespace
-
 void CCRemoteRef::Clear() {
     m_strDocument.Empty();
     m_strReference.Empty();
@@ -114,10 +100,7 @@ int CCRemoteRef::UnRegisterDependent(cells::CTX * ctx, CCRef const * dependent) 
 
 int CCRemoteRef::InvalidateRef(cells::CTX * ctx, CCRef const * by) {
     CCCellManager * manager = ctx->manager();
-    if (!manager) return 0;
-    Translated const translated = TranslateFor(*manager, *this, by);
-    CCTransportInterface & transport = *manager;
-    return translated ? transport.DoRemoteInvalidateRef(this, translated.get()) : 0;
+    return manager ? manager->DoRemoteInvalidateRef(this, by) : 0;
 }
 
 int CCRemoteRef::MoveFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to) {

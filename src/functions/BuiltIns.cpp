@@ -19,7 +19,7 @@ std::unique_ptr<CCFunc> NewFunction(FunctionRow const & row) {
     case kChooseFunc:
         return std::make_unique<CCChooseFunc>(row.choice);
     case kRemoteFunc:
-        return std::make_unique<CCRemoteFunc>();
+        return std::make_unique<CCRemoteFunc>(row.link);
     case kDocumentFunc:
         return std::make_unique<CCDocumentFunc>(row.property);
     case kRefFunc:

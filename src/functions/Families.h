@@ -13,10 +13,6 @@
 namespace cells::internal {
 
 struct FunctionRow {
-    // A name whose body has not come yet.
-    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, char const * k,
-                          wchar_t const * d)
-        : id(i), name(n), arguments(a), kinds(k), description(d) {}
     constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, char const * k,
                           wchar_t const * d, CheckFn c, EvalFn e, EFuncType t = kPlainFunc,
                           ChoiceFn ch = nullptr, bool r = true)
@@ -36,6 +32,12 @@ struct FunctionRow {
         : FunctionRow(i, n, a, k, d, x, s, c, e, kDocumentFunc) {
         property = p;
     }
+    // A link to another document.
+    constexpr FunctionRow(unsigned int i, wchar_t const * n, wchar_t const * a, char const * k,
+                          wchar_t const * d, CheckFn c, EvalFn e, RemoteFn l)
+        : FunctionRow(i, n, a, k, d, c, e, kRemoteFunc) {
+        link = l;
+    }
 
     unsigned int id; // its string resource
     wchar_t const * name;
@@ -51,6 +53,7 @@ struct FunctionRow {
     EFuncType type = kPlainFunc;
     ChoiceFn choice = nullptr;     // of type kChooseFunc
     DocumentFn property = nullptr; // of type kDocumentFunc
+    RemoteFn link = nullptr;       // of type kRemoteFunc
     bool reachable = true;         // false: the object exists, but no name leads to it
 };
 

@@ -1,4 +1,4 @@
-// The results of a document without a transport.
+// What a document answers that overrides nothing.
 #include "remote/CCTransportInterface.h"
 
 int CCTransportInterface::IsRemoteDocumentOpen(wchar_t const *) { return 0; }
@@ -8,60 +8,6 @@ int CCTransportInterface::BeginSession() { return 0; }
 void CCTransportInterface::EndSession(int) {}
 void CCTransportInterface::EndSession() {}
 int CCTransportInterface::DoTransport(CCRemoteRef const *, CFile &) { return 0; }
-int CCTransportInterface::OnTransport(CFile &) { return 0; }
-int CCTransportInterface::DoRemoteIsValidRef(CCRemoteRef const *) { return 0; }
-int CCTransportInterface::DoRemoteGetValue(CCRemoteRef const *, CCCellValue &, int) { return 0; }
-int CCTransportInterface::DoRemoteGetDataSources(CCRemoteRef const *, CStringArray &, int) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteGetItems(CCRemoteRef const *, CStringArray &) { return 0; }
-ushort CCTransportInterface::DoRemoteOpenRef(CCRemoteRef const *) { return 0; }
-int CCTransportInterface::DoRemoteGetFirstRecord(CCRemoteRef const *, ushort, CPtrArray &) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteGetNextRecord(CCRemoteRef const *, ushort, CPtrArray &) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteGetPreviousRecord(CCRemoteRef const *, ushort, CPtrArray &) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteGetLastRecord(CCRemoteRef const *, ushort, CPtrArray &) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteGetRecord(CCRemoteRef const *, ushort, int, CPtrArray &) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteRefSize(CCRemoteRef const *, ushort, CSize &) { return 0; }
-int CCTransportInterface::DoRemoteNextValue(CCRemoteRef const *, ushort, CCCellValue &) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteCloseRef(CCRemoteRef const *, ushort) { return 0; }
-int CCTransportInterface::DoRemoteRegisterDependent(CCRemoteRef const *, CCRemoteRef const *) {
-    return 1;
-}
-int CCTransportInterface::DoRemoteUnRegisterDependent(CCRemoteRef const *, CCRemoteRef const *) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteInvalidateRef(CCRemoteRef const *, CCRemoteRef const *) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteMoveFormula(CCRemoteRef const *, CCRemoteRef const *,
-                                              CCRemoteRef const *) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteMoveDependent(CCRemoteRef const *, CCRemoteRef const *,
-                                                CCRemoteRef const *, int) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteIsSingleValue(CCRemoteRef const *) { return 0; }
-int CCTransportInterface::DoRemoteInitRecalc(CCRemoteRef const *, int) { return 1; }
-int CCTransportInterface::DoRemoteSetSourceValue(CCRemoteRef const *, CCCellValue const &) {
-    return 0;
-}
-int CCTransportInterface::DoRemoteSetValueInCompound(CCRemoteRef const *, CString const &, int,
-                                                     CCCellValue const &) {
-    return 0;
-}
 int CCTransportInterface::OnRemoteIsValidRef(CCRemoteRef const *) { return 0; }
 int CCTransportInterface::OnRemoteGetValue(CCRemoteRef const *, CCCellValue &, int) { return 0; }
 int CCTransportInterface::OnRemoteGetDataSources(CCRemoteRef const *, CStringArray &, int) {

@@ -2,9 +2,16 @@
 //
 // Every operation on a reference has a remote twin, DoRemote..., which asks the document that the
 // reference names, and an OnRemote... of the same parameters, which answers such a request. The
-// library knows no process and no network: the host moves requests in DoTransport. Without a
-// transport a registration and a recalculation proceed, and a read fails; these are the results of
-// the bodies here.
+// library knows no process and no network: a host moves requests.
+//
+//     int DoTransport(CCRemoteRef const * ref, CFile & file) override {
+//         Document * there = Find(ref->document());         // whoever answers for it
+//         return there ? there->OnTransport(file) : 0;      // the reply stands in the file then
+//     }
+//
+// Where nobody answers, a registration and a recalculation proceed (1) and all else fails (0). A
+// reply that ends too early throws CArchiveException. A document that answers may ask back before
+// it does; requests nest 256 deep, and beyond that nobody answers.
 #pragma once
 
 #include "core/Context.h"
@@ -49,6 +56,7 @@ struct CVCELLS_API CCDocOpenRef {
 
 class CVCELLS_API CCTransportInterface : public cells::CCTXProvider {
 public:
+    virtual ~CCTransportInterface() = default;
     virtual int IsRemoteDocumentOpen(wchar_t const * name);
     virtual int IsValidRemoteRef(CCRemoteRef const * ref, int op);
     virtual int IsFunctionAvailable(int op);
@@ -60,6 +68,9 @@ public:
     // Moves a request to the document of the reference and brings the reply back in the same file;
     // 0 when there is none.
     virtual int DoTransport(CCRemoteRef const * ref, CFile & file);
+    // Answers the request in the file and puts the reply over it; 0, with the file as it was, for a
+    // request that is not for this document. A request that ends too early throws
+    // CArchiveException.
     virtual int OnTransport(CFile & file);
 
     virtual int DoRemoteIsValidRef(CCRemoteRef const * ref);
@@ -123,8 +134,14 @@ public:
     void SetNotifyEnable(int enable) { m_nNotifyEnable = enable; }
     void Revert() {}
 
-protected:
-    ~CCTransportInterface() = default;
+    // For hosts that move requests. What a request asks; false for what is none. The file stands at
+    // its begin then.
+    static bool ReadRequest(CFile & file, int & operation, CCRemoteRef & ref);
+    // Whether the file holds a whole reply to such a request: what comes from elsewhere is tested
+    // before DoTransport takes it for one.
+    static bool IsReply(CFile & file, int operation);
+    // How many requests of this process wait for their replies.
+    static int GetRequestDepth();
 
 private:
     int m_nNotifyEnable = 1;

@@ -76,7 +76,7 @@ TEST(Manager, BaseAnswersOfAHostThatOverridesNothing) {
     EXPECT_EQ(host.IsRemoteDocumentOpen(L"x"), 0);
     EXPECT_FALSE(host.OnEvent(CCDestroySheetEvent()));
     EXPECT_EQ(host.GetNotifyEnable(), 1);
-    EXPECT_EQ(host.GetTrueRecalcRemote(), kRecalcRemoteAsk);
+    EXPECT_EQ(host.GetTrueRecalcRemote(), rrUnknown);
     CCRemoteRef const remote(L"d", L"i");
     CCCellValue value;
     EXPECT_EQ(host.DoRemoteRegisterDependent(&remote, &remote), 1);

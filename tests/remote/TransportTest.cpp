@@ -22,7 +22,6 @@ TEST(Transport, WithoutOneNothingIsReachable) {
     Alone alone;
     CMemFile file;
     EXPECT_EQ(alone.DoTransport(&kThere, file), 0);
-    EXPECT_EQ(alone.OnTransport(file), 0);
     EXPECT_EQ(file.GetLength(), 0u);
     EXPECT_EQ(alone.IsRemoteDocumentOpen(L"other"), 0);
     EXPECT_EQ(alone.BeginSession(), 0);
