@@ -100,8 +100,7 @@ using Remote = std::unique_ptr<CCRemoteRef>;
 Remote KnownAs(CCCellManager & manager, CCRemoteRef const * peer, CCRef const * ref) {
     if (!peer || !ref) return nullptr;
     if (ref->GetType() == kRefRemote) return Remote(static_cast<CCRemoteRef *>(ref->Copy()));
-    if (manager.IsValidSheetName(peer->document()))
-        return Remote(manager.TranslateToSheetRef(ref));
+    if (manager.IsValidSheetName(peer->document())) return Remote(manager.TranslateToSheetRef(ref));
     return Remote(manager.TranslateToRemoteRef(ref));
 }
 

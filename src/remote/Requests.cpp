@@ -73,11 +73,13 @@ int CCTransportInterface::DoRemoteIsValidRef(CCRemoteRef const * ref) {
     return Ask(*this, kRemoteIsValidRef, ref, 0, Out());
 }
 
-int CCTransportInterface::DoRemoteGetValue(CCRemoteRef const * ref, CCCellValue & value, int index) {
+int CCTransportInterface::DoRemoteGetValue(CCRemoteRef const * ref, CCCellValue & value,
+                                           int index) {
     return Ask(*this, kRemoteGetValue, ref, 0, Out(value), index);
 }
 
-int CCTransportInterface::DoRemoteGetDataSources(CCRemoteRef const * ref, CStringArray & sources, int flag) {
+int CCTransportInterface::DoRemoteGetDataSources(CCRemoteRef const * ref, CStringArray & sources,
+                                                 int flag) {
     return Ask(*this, kRemoteGetDataSources, ref, 0, Out(sources), flag);
 }
 
@@ -89,23 +91,28 @@ ushort CCTransportInterface::DoRemoteOpenRef(CCRemoteRef const * ref) {
     return Ask(*this, kRemoteOpenRef, ref, ushort(0), Out());
 }
 
-int CCTransportInterface::DoRemoteGetFirstRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values) {
+int CCTransportInterface::DoRemoteGetFirstRecord(CCRemoteRef const * ref, ushort handle,
+                                                 CPtrArray & values) {
     return Ask(*this, kRemoteGetFirstRecord, ref, 0, Out(values), handle);
 }
 
-int CCTransportInterface::DoRemoteGetNextRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values) {
+int CCTransportInterface::DoRemoteGetNextRecord(CCRemoteRef const * ref, ushort handle,
+                                                CPtrArray & values) {
     return Ask(*this, kRemoteGetNextRecord, ref, 0, Out(values), handle);
 }
 
-int CCTransportInterface::DoRemoteGetPreviousRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values) {
+int CCTransportInterface::DoRemoteGetPreviousRecord(CCRemoteRef const * ref, ushort handle,
+                                                    CPtrArray & values) {
     return Ask(*this, kRemoteGetPreviousRecord, ref, 0, Out(values), handle);
 }
 
-int CCTransportInterface::DoRemoteGetLastRecord(CCRemoteRef const * ref, ushort handle, CPtrArray & values) {
+int CCTransportInterface::DoRemoteGetLastRecord(CCRemoteRef const * ref, ushort handle,
+                                                CPtrArray & values) {
     return Ask(*this, kRemoteGetLastRecord, ref, 0, Out(values), handle);
 }
 
-int CCTransportInterface::DoRemoteGetRecord(CCRemoteRef const * ref, ushort handle, int number, CPtrArray & values) {
+int CCTransportInterface::DoRemoteGetRecord(CCRemoteRef const * ref, ushort handle, int number,
+                                            CPtrArray & values) {
     return Ask(*this, kRemoteGetRecord, ref, 0, Out(values), handle, number);
 }
 
@@ -113,7 +120,8 @@ int CCTransportInterface::DoRemoteRefSize(CCRemoteRef const * ref, ushort handle
     return Ask(*this, kRemoteRefSize, ref, 0, Out(size), handle);
 }
 
-int CCTransportInterface::DoRemoteNextValue(CCRemoteRef const * ref, ushort handle, CCCellValue & value) {
+int CCTransportInterface::DoRemoteNextValue(CCRemoteRef const * ref, ushort handle,
+                                            CCCellValue & value) {
     return Ask(*this, kRemoteNextValue, ref, 0, Out(value), handle);
 }
 
@@ -121,12 +129,14 @@ int CCTransportInterface::DoRemoteCloseRef(CCRemoteRef const * ref, ushort handl
     return Ask(*this, kRemoteCloseRef, ref, 0, Out(), handle);
 }
 
-int CCTransportInterface::DoRemoteRegisterDependent(CCRemoteRef const * ref, CCRemoteRef const * dependent) {
+int CCTransportInterface::DoRemoteRegisterDependent(CCRemoteRef const * ref,
+                                                    CCRemoteRef const * dependent) {
     if (!dependent) return 1;
     return Ask(*this, kRemoteRegisterDependent, ref, 1, Out(), *dependent);
 }
 
-int CCTransportInterface::DoRemoteUnRegisterDependent(CCRemoteRef const * ref, CCRemoteRef const * dependent) {
+int CCTransportInterface::DoRemoteUnRegisterDependent(CCRemoteRef const * ref,
+                                                      CCRemoteRef const * dependent) {
     if (!dependent) return 0;
     return Ask(*this, kRemoteUnRegisterDependent, ref, 0, Out(), *dependent);
 }
@@ -136,12 +146,14 @@ int CCTransportInterface::DoRemoteInvalidateRef(CCRemoteRef const * ref, CCRemot
     return Ask(*this, kRemoteInvalidateRef, ref, 0, Out(), *by);
 }
 
-int CCTransportInterface::DoRemoteMoveFormula(CCRemoteRef const * ref, CCRemoteRef const * old, CCRemoteRef const * now) {
+int CCTransportInterface::DoRemoteMoveFormula(CCRemoteRef const * ref, CCRemoteRef const * old,
+                                              CCRemoteRef const * now) {
     if (!old || !now) return 0;
     return Ask(*this, kRemoteMoveFormula, ref, 0, Out(), *old, *now);
 }
 
-int CCTransportInterface::DoRemoteMoveDependent(CCRemoteRef const * ref, CCRemoteRef const * old, CCRemoteRef const * now, int mode) {
+int CCTransportInterface::DoRemoteMoveDependent(CCRemoteRef const * ref, CCRemoteRef const * old,
+                                                CCRemoteRef const * now, int mode) {
     if (!old || !now) return 0;
     return Ask(*this, kRemoteMoveDependent, ref, 0, Out(), *old, *now, mode);
 }
@@ -154,10 +166,12 @@ int CCTransportInterface::DoRemoteInitRecalc(CCRemoteRef const * ref, int flag) 
     return Ask(*this, kRemoteInitRecalc, ref, 1, Out(), flag);
 }
 
-int CCTransportInterface::DoRemoteSetSourceValue(CCRemoteRef const * ref, CCCellValue const & value) {
+int CCTransportInterface::DoRemoteSetSourceValue(CCRemoteRef const * ref,
+                                                 CCCellValue const & value) {
     return Ask(*this, kRemoteSetSourceValue, ref, 0, Out(), value);
 }
 
-int CCTransportInterface::DoRemoteSetValueInCompound(CCRemoteRef const * ref, CString const & name, int number, CCCellValue const & value) {
+int CCTransportInterface::DoRemoteSetValueInCompound(CCRemoteRef const * ref, CString const & name,
+                                                     int number, CCCellValue const & value) {
     return Ask(*this, kRemoteSetValueInCompound, ref, 0, Out(), name, number, value);
 }
