@@ -220,8 +220,14 @@ using Transport = CCTransportInterface;
 
 std::vector<Operation> const & Operations() {
     static std::vector<Operation> const operations = {
-        {"IsValidRef", 1, [](Asker & a) { return Line(a.DoRemoteIsValidRef(&kThere)); },
-         {}, U32(5), "", "5", "0"},
+        {"IsValidRef",
+         1,
+         [](Asker & a) { return Line(a.DoRemoteIsValidRef(&kThere)); },
+         {},
+         U32(5),
+         "",
+         "5",
+         "0"},
         {"GetValue", 2,
          [](Asker & a) {
              CCCellValue value;
@@ -236,15 +242,26 @@ std::vector<Operation> const & Operations() {
              return Line(result, texts);
          },
          U32(4), Join(U32(1), Bytes{2, 0}, Text("ab"), Text("")), " 4", "1 [ab][]", "0 "},
-        {"GetItems", 4,
+        {"GetItems",
+         4,
          [](Asker & a) {
              CStringArray texts;
              int const result = a.DoRemoteGetItems(&kThere, texts);
              return Line(result, texts);
          },
-         {}, Join(U32(1), Bytes{1, 0}, Text("c")), "", "1 [c]", "0 "},
-        {"OpenRef", 5, [](Asker & a) { return Line(int(a.DoRemoteOpenRef(&kThere))); },
-         {}, Handle(0x1234), "", "4660", "0"},
+         {},
+         Join(U32(1), Bytes{1, 0}, Text("c")),
+         "",
+         "1 [c]",
+         "0 "},
+        {"OpenRef",
+         5,
+         [](Asker & a) { return Line(int(a.DoRemoteOpenRef(&kThere))); },
+         {},
+         Handle(0x1234),
+         "",
+         "4660",
+         "0"},
         {"GetFirstRecord", 6, &AskRecord<&Transport::DoRemoteGetFirstRecord>, Handle(7),
          Join(U32(1), kRow), " 7", "1 [error 1]", "0 "},
         {"GetNextRecord", 7, &AskRecord<&Transport::DoRemoteGetNextRecord>, Handle(7),
@@ -259,8 +276,8 @@ std::vector<Operation> const & Operations() {
              int const result = a.DoRemoteGetRecord(&kThere, 7, 9, values.array);
              return Line(result, values.array);
          },
-         Join(Handle(7), U32(9)), Join(U32(5), U32(2), 0, 1, kError1), " 7 9",
-         "5 [none][error 1]", "0 "},
+         Join(Handle(7), U32(9)), Join(U32(5), U32(2), 0, 1, kError1), " 7 9", "5 [none][error 1]",
+         "0 "},
         {"RefSize", 11,
          [](Asker & a) {
              CSize size;
@@ -292,8 +309,14 @@ std::vector<Operation> const & Operations() {
         {"MoveDependent", 18,
          [](Asker & a) { return Line(a.DoRemoteMoveDependent(&kThere, &kOld, &kNow, -2)); },
          Join(kOldBytes, kNowBytes, U32(0xFFFFFFFE)), U32(1), " me/!B1 me/!B2 -2", "1", "0"},
-        {"IsSingleValue", 19, [](Asker & a) { return Line(a.DoRemoteIsSingleValue(&kThere)); },
-         {}, U32(0xFFFFFFFF), "", "-1", "0"},
+        {"IsSingleValue",
+         19,
+         [](Asker & a) { return Line(a.DoRemoteIsSingleValue(&kThere)); },
+         {},
+         U32(0xFFFFFFFF),
+         "",
+         "-1",
+         "0"},
         {"InitRecalc", 20, [](Asker & a) { return Line(a.DoRemoteInitRecalc(&kThere, 1)); }, U32(1),
          U32(0), " 1", "0", "1"},
         {"SetSourceValue", 21,
