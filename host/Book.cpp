@@ -1,5 +1,6 @@
 #include "host/Book.h"
 
+#include "host/LinkTable.h"
 #include "host/SheetManager.h"
 
 #include <algorithm>
@@ -83,6 +84,34 @@ void Book::Rename(int position, CString const & name) {
     sheet.OnRename(name);
     UpdateAllOnRename(old, name);
     Restructure([&] { sheet.Join(this, name); });
+}
+
+void Book::Link(LinkTable * links, CString const & document) {
+    m_pLinks = links;
+    m_Document = document;
+}
+
+void Book::ForEachLink(std::function<void(SheetManager &, GridCell &)> const & visit) const {
+    std::vector<std::pair<SheetManager *, GridCell *>> linked;
+    for (SheetManager * sheet : m_Sheets)
+        sheet->Cells().ForEachCell(kWholeGrid, [&](GridCell & cell) {
+            CCFormula * const formula = cell.LoadFormula(sheet);
+            if (formula && cell.IsValidFormula() && HasPart(*formula, kRemoteOpFormula))
+                linked.emplace_back(sheet, &cell);
+        });
+    for (auto const & [sheet, cell] : linked) visit(*sheet, *cell);
+}
+
+void Book::BringUpToDate() {
+    for (std::size_t i = 0; i < m_Sheets.size(); ++i)
+        while (m_Sheets[i]->DoIdle(1)) {
+        }
+}
+
+int Book::Transport(CCRemoteRef const & ref, CFile & request) {
+    if (!ref.IsSheetLink()) return m_pLinks && m_pLinks->Carry(ref, request);
+    CCCellManager * const sheet = GetSheet(ref.document());
+    return sheet ? sheet->OnTransport(request) : 0;
 }
 
 } // namespace cells::host

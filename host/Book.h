@@ -5,14 +5,18 @@
 #pragma once
 
 #include "core/CCWorkbook.h"
+#include "host/Properties.h"
 
 #include <functional>
 #include <memory>
 #include <vector>
 
+class CCRemoteRef;
+
 namespace cells::host {
 
 class GridCell;
+class LinkTable;
 class SheetManager;
 
 class Book final : public CCWorkbook {
@@ -29,6 +33,19 @@ public:
     void Move(int from, int to);
     void Rename(int position, CString const & name);
 
+    // Links to other documents.
+    void Link(LinkTable * links, CString const & document);
+    LinkTable * Links() const { return m_pLinks; }
+    CString const & Document() const { return m_Document; } // its name; empty while not open
+    bool WantsLinks() const;                                // whether the user wants links read
+    // Visits the formulas that read other documents.
+    void ForEachLink(std::function<void(SheetManager &, GridCell &)> const & visit) const;
+    void BringUpToDate();
+    // Takes a request of a sheet to whoever answers it.
+    int Transport(CCRemoteRef const & ref, CFile & request);
+
+    Properties properties;
+
     // CCWorkbook.
     CCCellManager * GetSheet(wchar_t const * link) override;
     CCCellManager * GetDefaultSheet() override { return GetSheetByNumber(0); }
@@ -42,6 +59,8 @@ private:
     void Restructure(std::function<void()> const & change);
 
     std::vector<SheetManager *> m_Sheets;
+    LinkTable * m_pLinks = nullptr;
+    CString m_Document;
 };
 
 } // namespace cells::host

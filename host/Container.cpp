@@ -35,8 +35,9 @@ std::array<std::uint32_t, 256> MakeChecksumTable() {
 }
 
 bool IsTag(std::uint32_t tag) {
-    for (SectionTag known : {SectionTag::kBook, SectionTag::kStrings, SectionTag::kSheet,
-                             SectionTag::kCells, SectionTag::kSheetEnd, SectionTag::kDone})
+    for (SectionTag known :
+         {SectionTag::kBook, SectionTag::kProperties, SectionTag::kStrings, SectionTag::kSheet,
+          SectionTag::kCells, SectionTag::kSheetEnd, SectionTag::kDone})
         if (tag == std::uint32_t(known)) return true;
     return false;
 }

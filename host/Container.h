@@ -14,12 +14,13 @@
 namespace cells::host {
 
 enum class SectionTag : std::uint32_t {
-    kBook = 0x4B4F4F42,     // "BOOK": number of sheets, protection
-    kStrings = 0x53525453,  // "STRS": leading and trailing strings
-    kSheet = 0x54454853,    // "SHET": name, protection, names, formats of areas
-    kCells = 0x4C4C4543,    // "CELL": a run of cells
-    kSheetEnd = 0x444E4553, // "SEND": how many parts the sheet has
-    kDone = 0x454E4F44,     // "DONE": how many sections stand before it
+    kBook = 0x4B4F4F42,       // "BOOK": number of sheets, protection
+    kProperties = 0x504F5250, // "PROP": title, author, dates and so on
+    kStrings = 0x53525453,    // "STRS": leading and trailing strings
+    kSheet = 0x54454853,      // "SHET": name, protection, names, formats of areas
+    kCells = 0x4C4C4543,      // "CELL": a run of cells
+    kSheetEnd = 0x444E4553,   // "SEND": how many parts the sheet has
+    kDone = 0x454E4F44,       // "DONE": how many sections stand before it
 };
 
 constexpr std::uint32_t kNoSheet = 0xFFFFFFFF;

@@ -67,12 +67,20 @@ public:
         head.Archive() << std::uint32_t(book.Count()) << std::uint32_t(book.IsProtected())
                        << book.GetPassword();
         m_Container.Add(SectionTag::kBook, kNoSheet, 0, head.Bytes());
+        WriteProperties(book.properties);
         for (int i = 0; i < book.Count(); ++i) WriteSheet(std::uint32_t(i), book.At(i));
         WriteStrings();
         m_Container.Finish();
     }
 
 private:
+    void WriteProperties(Properties const & properties) {
+        if (properties.IsEmpty()) return;
+        PayloadWriter payload;
+        properties.Write(payload.Archive());
+        m_Container.Add(SectionTag::kProperties, kNoSheet, 0, payload.Bytes());
+    }
+
     // Those that a format of the document shows, with the numbers that they have here.
     void WriteStrings() {
         PayloadWriter payload;
@@ -207,6 +215,8 @@ private:
         for (Section const & section : m_Container.sections) {
             if (section.tag == SectionTag::kBook && !hasBook) hasBook = ReadBook(section);
             if (section.tag == SectionTag::kStrings) ReadStrings(section);
+            if (section.tag == SectionTag::kProperties)
+                ReadSection(section, [&](CArchive & ar) { m_Book->m_Book->properties.Read(ar); });
         }
         if (!hasBook) Complain(0, "the list of sheets is missing");
         if (hasBook && m_nSheets != m_Sheets.size())
@@ -405,10 +415,24 @@ Workbook::Recovered Workbook::Recover(std::string_view document, std::string_vie
     return DocumentReader(document, locale).Recover();
 }
 
-void Workbook::Save(std::filesystem::path const & file) const {
-    AtomicFile target(file);
-    Write([&](std::string_view bytes) { target.Write(bytes); });
-    target.Commit();
+void Workbook::Save(std::filesystem::path const & file) {
+    Properties const before = m_Book->properties;
+    NoteSaving();
+    try {
+        AtomicFile target(file);
+        std::uint64_t size = 0;
+        Write([&](std::string_view bytes) {
+            target.Write(bytes);
+            size += bytes.size();
+        });
+        target.Commit();
+        NoteFile(file, size);
+    } catch (...) {
+        m_Book->properties = before;
+        throw;
+    }
+    for (Property property : AllProperties())
+        if (m_Book->properties.Text(property) != before.Text(property)) TellProperty(property);
 }
 
 std::unique_ptr<Workbook> Workbook::Open(std::filesystem::path const & file,
@@ -417,7 +441,11 @@ std::unique_ptr<Workbook> Workbook::Open(std::filesystem::path const & file,
     std::string const bytes{std::istreambuf_iterator<char>(stream), {}};
     if (!stream.is_open() || stream.bad())
         throw std::runtime_error(file.string() + ": the file cannot be read");
-    return Read(bytes, locale);
+    auto book = Read(bytes, locale);
+    book->NoteFile(file, bytes.size());
+    for (Property property : {Property::kFileName, Property::kFileSize})
+        book->TellProperty(property);
+    return book;
 }
 
 } // namespace cells::host

@@ -166,6 +166,7 @@ public:
     }
 
     void Carry() {
+        std::vector<SheetManager::RemoteReader> const readers = TakeReaders();
         for (Affected & affected : m_Affected) {
             if (affected.cell->IsValidFormula()) affected.cell->UnregisterFormula(affected.sheet);
             affected.sheet->OnRemoveItem(affected.cell);
@@ -182,9 +183,23 @@ public:
             else
                 affected.sheet->EnterAgain(*affected.cell);
         }
+        for (auto const & reader : readers)
+            m_Sheet.TellMoved(reader, Mapped(*reader.place, m_Map).get());
     }
 
 private:
+    // Those of other documents whose places change, out of the graph for the time of the change.
+    std::vector<SheetManager::RemoteReader> TakeReaders() {
+        auto readers = m_Sheet.RemoteReaders();
+        std::erase_if(readers, [&](auto const & reader) {
+            std::unique_ptr<CCRef> const now = Mapped(*reader.place, m_Map);
+            return now && now->IsEqual(reader.place.get());
+        });
+        for (auto const & reader : readers)
+            m_Sheet.UnRegisterDependent(reader.place.get(), reader.reader.get());
+        return readers;
+    }
+
     struct Moving {
         Place to;
         std::unique_ptr<GridCell> cell; // null: a plain number

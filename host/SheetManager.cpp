@@ -7,9 +7,11 @@
 #include "formula/CCRefFormula.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
+#include "formula/CCRemoteOpFormula.h"
 #include "host/Book.h"
 #include "host/PlaceRefs.h"
 #include "platform/Text.h"
+#include "platform/Utf.h"
 
 #include <algorithm>
 
@@ -42,6 +44,17 @@ bool HasPart(CCFormula const & formula, EFormulaType type) {
     return AnyPart(formula, [&](CCFormula const & node) { return node.GetType() == type; });
 }
 
+std::vector<std::string> LinksOf(CCFormula const & formula) {
+    std::vector<std::string> documents;
+    AnyPart(formula, [&](CCFormula const & node) {
+        if (node.GetType() == kRemoteOpFormula)
+            documents.push_back(
+                ToUtf8(static_cast<CCRemoteOpFormula const &>(node).Remote().document()));
+        return false;
+    });
+    return documents;
+}
+
 bool HasName(CCFormula const & formula) {
     return AnyPart(formula, [](CCFormula const & node) {
         if (node.GetType() != kRefFormula) return false;
@@ -49,6 +62,8 @@ bool HasName(CCFormula const & formula) {
         return ref && ref->GetType() == kRefName;
     });
 }
+
+void GridCell::Recalc(CTX * ctx) { static_cast<SheetManager *>(ctx->manager())->Compute(*this); }
 
 void GridCell::OnValueChanged(CTX * ctx) {
     if (auto * sheet = static_cast<SheetManager *>(ctx->manager())) sheet->OnCellChanged(At());
@@ -258,7 +273,7 @@ int SheetManager::MoveFormula(CCRef const * ref, CCRef const * from, CCRef const
 
 CCRefList * SheetManager::LoadDependencies(CCRef const * ref) {
     CCRef const * const target = Target(ref);
-    if (!target) return nullptr;
+    if (!target) return CCSheet::LoadDependencies(ref);
     if (target->GetType() == kRefRegion) return m_Regions.LoadDependents(RegionOf(target));
     Place const place = PlaceOf(*target);
     GridCell * const cell = m_Grid.FindCell(place);

@@ -4,6 +4,7 @@
 #include "core/CCSheet.h"
 #include "core/RegionIndex.h"
 #include "formula/CCFormula.h"
+#include "formula/CCRemoteRef.h"
 #include "host/AreaFormats.h"
 #include "host/Grid.h"
 #include "host/Place.h"
@@ -68,6 +69,17 @@ public:
         if (onChanged) onChanged(place);
     }
 
+    // What other documents read here. The remote dependents of all places, with those places.
+    struct RemoteReader {
+        std::unique_ptr<CCRef> place;
+        std::unique_ptr<CCRemoteRef> reader;
+    };
+    std::vector<RemoteReader> RemoteReaders();
+    // Tells a reader that its place went elsewhere, to null: nowhere.
+    void TellMoved(RemoteReader const & reader, CCRef const * to);
+    // Computes a formula; another document that asks for it meanwhile closes a circle.
+    void Compute(GridCell & cell);
+
     std::function<void(Place)> onChanged; // a value changed
     std::function<void()> onTick;         // now and then during long work
     std::function<void(unsigned int)> onMessage;
@@ -99,6 +111,32 @@ public:
     int MoveFormula(CCRef const * ref, CCRef const * from, CCRef const * to) override;
     CCRef * TranslateNameRef(CCNameRef const * name) override;
     CCRefList * LoadDependencies(CCRef const * ref) override;
+    // Links: names of the document are those of its workbook; a name of the sheet is an item too.
+    CString GetDocumentName() const override;
+    int DoTransport(CCRemoteRef const * ref, CFile & file) override;
+    int IsValidReference(wchar_t const * text) const override;
+    CCRef * TranslateToInternalRef(CCRemoteRef const * ref) const override;
+    int OnRemoteGetValue(CCRemoteRef const * ref, CCCellValue & value, int index) override;
+    ushort OnRemoteOpenRef(CCRemoteRef const * ref) override;
+    int OnRemoteInitRecalc(CCRemoteRef const * ref, int flag) override;
+    // Properties of the document.
+    int GetDocumentCreateDate(ATL::COleDateTime & date) override;
+    int GetDocumentEditTime(ATL::COleDateTime & date) override;
+    int GetDocumentPrintDate(ATL::COleDateTime & date) override;
+    int GetDocumentSaveDate(ATL::COleDateTime & date) override;
+    int GetDocumentAuthor(CString & text) override;
+    int GetDocumentComments(CString & text) override;
+    int GetDocumentFileName(CString & text) override;
+    int GetDocumentFileSize(double & size) override;
+    int GetDocumentKeywords(CString & text) override;
+    int GetDocumentNumChars(unsigned int & count) override;
+    int GetDocumentNumPages(unsigned int & count) override;
+    int GetDocumentNumWords(unsigned int & count) override;
+    int GetDocumentSubject(CString & text) override;
+    int GetDocumentTitle(CString & text) override;
+    int GetDocumentRevNum(unsigned int & count) override;
+    int GetDocumentMergeRec(unsigned int & count) override;
+    int GetDocumentMergeCount(unsigned int & count) override;
     int ReadsCellsDirectly() const override { return 1; }
     int ReadNumbers(CCRef const * ref, NumberSink & sink) override;
     int FindNumber(CCRef const * ref, double number, CCCellValue & value) override;
@@ -111,7 +149,14 @@ private:
         std::vector<std::unique_ptr<CCRef>> users; // the cells whose formulas use it
     };
 
+    struct Computing {
+        GridCell * cell;
+        bool isCircular; // another document asked for it meanwhile
+    };
+
     CCRef const * Target(CCRef const * ref) const; // by the engine's own reference classes
+    bool ClosesCircle(CCRef const & place);
+    void Settle(CCRef const & place);
     void Redefine(CString const & name, std::unique_ptr<CCRef> target);
     static CString Folded(CString name);
 
@@ -121,7 +166,8 @@ private:
     Grid m_Grid;
     RegionIndex m_Regions;
     AreaFormats m_Formats;
-    std::map<CString, Name> m_Names; // by folded name
+    std::map<CString, Name> m_Names;    // by folded name
+    std::vector<Computing> m_Computing; // of formulas in documents with links
 };
 
 // Whether a text can name something in a formula: a word that is neither a cell's address nor a
@@ -131,6 +177,8 @@ bool IsPlainName(CString const & text, CTX & reader);
 // Whether a part of the formula is of a type: of kRefOpFormula, which yields its place only when it
 // is computed, or of kDocOpFormula, of whose arguments only the places matter.
 bool HasPart(CCFormula const & formula, EFormulaType type);
+// The documents that a formula reads, as it names them.
+std::vector<std::string> LinksOf(CCFormula const & formula);
 // Whether a part of the formula is a name.
 bool HasName(CCFormula const & formula);
 

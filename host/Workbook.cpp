@@ -6,7 +6,9 @@
 #include "host/Engine.h"
 #include "host/History.h"
 #include "host/Invariants.h"
+#include "host/LinkTable.h"
 #include "host/SheetManager.h"
+#include "platform/Text.h"
 #include "platform/Utf.h"
 
 #include <algorithm>
@@ -29,6 +31,7 @@ Workbook::Workbook(std::string_view locale)
     : m_Locale(FindLocale(locale)), m_Book(std::make_unique<Book>()) {}
 
 Workbook::~Workbook() {
+    if (LinkTable * links = m_Book->Links()) links->Leave(*m_Book);
     m_History.reset(); // it may hold sheets
     m_Sheets.clear();
 }
@@ -105,8 +108,13 @@ void Workbook::Insert(std::unique_ptr<Sheet> sheet, int position, CString const 
     m_Book->Insert(position, *added.m_Manager, name);
 }
 
+// Who reads the sheet from another document reads it again, and finds it gone.
 std::unique_ptr<Sheet> Workbook::TakeOut(int position) {
+    auto const readers = m_Book->At(position).RemoteReaders();
     m_Book->Remove(position);
+    if (Count() > 0)
+        for (auto const & reader : readers)
+            m_Book->At(0).DoRemoteInitRecalc(reader.reader.get(), 1);
     std::unique_ptr<Sheet> taken = std::move(m_Sheets[std::size_t(position)]);
     m_Sheets.erase(m_Sheets.begin() + position);
     return taken;
@@ -162,7 +170,74 @@ bool Workbook::Redo() {
 }
 
 void Workbook::Recalculate() {
-    for (int i = 0; i < Count(); ++i) At(i).Recalculate();
+    LinkTable * const links = m_Book->Links();
+    if (links) links->Deliver();
+    for (int i = 0; i < Count(); ++i)
+        if (At(i).Recalculate()) return;
+    if (links) links->Recalculate();
+}
+
+void Workbook::SetProperty(Property property, std::string_view text) {
+    Properties const before = m_Book->properties;
+    m_Book->properties.Set(property, text);
+    if (m_Book->properties == before) return;
+    TellProperty(property);
+    Remember(
+        [this, property, before] {
+            m_Book->properties = before;
+            TellProperty(property);
+        },
+        [this, property, now = m_Book->properties] {
+            m_Book->properties = now;
+            TellProperty(property);
+        });
+}
+
+std::string Workbook::GetProperty(Property property) const {
+    return m_Book->properties.Text(property);
+}
+
+void Workbook::TellProperty(Property property) {
+    for (int i = 0; i < Count(); ++i)
+        m_Book->At(i).RecalcDocumentItems(CCDocumentRef::ECDocRefType(int(property)));
+}
+
+namespace {
+
+// Characters without blanks around words, and words, of all that a workbook shows.
+struct TextCount {
+    double characters = 0, words = 0;
+
+    void Add(std::string_view text) {
+        bool inWord = false;
+        for (wchar_t unit : FromUtf8(text).View()) {
+            bool const isBlank = IsSpace(unit);
+            if (!isBlank && !inWord) ++words;
+            if (!isBlank) ++characters;
+            inWord = !isBlank;
+        }
+    }
+};
+
+} // namespace
+
+void Workbook::NoteSaving() {
+    Properties & properties = m_Book->properties;
+    TextCount count;
+    for (int i = 0; i < Count(); ++i)
+        At(i).ForEachOccupied([&](Place place) { count.Add(At(i).Text(place)); });
+    double revision = 0;
+    properties.Give(Property::kRevision, revision);
+    properties.SetNumber(Property::kRevision, revision + 1);
+    properties.SetNumber(Property::kCharacters, count.characters);
+    properties.SetNumber(Property::kWords, count.words);
+    properties.SetNow(Property::kSaved);
+    if (properties.Text(Property::kCreated).empty()) properties.SetNow(Property::kCreated);
+}
+
+void Workbook::NoteFile(std::filesystem::path const & file, std::uint64_t size) {
+    m_Book->properties.Set(Property::kFileName, file.filename().string());
+    m_Book->properties.SetNumber(Property::kFileSize, double(size));
 }
 
 std::vector<std::string> Workbook::CheckInvariants() {

@@ -15,6 +15,7 @@
 #pragma once
 
 #include "host/Container.h"
+#include "host/Properties.h"
 #include "host/Sheet.h"
 #include "platform/CString.h"
 #include "platform/LocaleInfo.h"
@@ -64,8 +65,13 @@ public:
     bool Undo();
     bool Redo();
 
-    // Brings every sheet up to date.
+    // Brings every sheet up to date, and with it the documents that are linked to it (Links).
     void Recalculate();
+
+    // What the document says of itself, such as its title; formulas that show it follow at the next
+    // recalculation. A text that cannot be the property's throws std::invalid_argument.
+    void SetProperty(Property property, std::string_view text);
+    std::string GetProperty(Property property) const; // empty for none
 
     // Documents: everything of all sheets, but for what is not entered (who reads what, the queue
     // of calculation). Formulas are kept as trees and functions by their English names, so a
@@ -74,7 +80,9 @@ public:
     // Save replaces the file as a whole, or leaves it as it was and throws std::runtime_error. Open
     // throws DocumentError for a document with any damage, and std::runtime_error for a file that
     // cannot be read.
-    void Save(std::filesystem::path const & file) const;
+    // Saving sets the properties that it knows: the moment, the revision, characters and words of
+    // what is shown, name and size of the file.
+    void Save(std::filesystem::path const & file);
     static std::unique_ptr<Workbook> Open(std::filesystem::path const & file,
                                           std::string_view locale = {});
     // The same in memory.
@@ -96,7 +104,11 @@ private:
     friend class DocumentReader;
     friend class DocumentWriter;
     friend class ExchangeWriter;
+    friend class Links;
 
+    void NoteSaving();
+    void NoteFile(std::filesystem::path const & file, std::uint64_t size);
+    void TellProperty(Property property);
     struct Stash;
     void Insert(std::unique_ptr<Sheet> sheet, int position, CString const & name);
     std::unique_ptr<Sheet> TakeOut(int position);

@@ -275,7 +275,7 @@ void CCCalcCache::Drop(SCCalcEntry & entry) {
     m_Entries.erase(found);
     m_bSorted = false;
     m_Sorted.clear();
-    if (m_bCalculating) m_Removed.push_back(std::move(dropped));
+    if (m_nWalks > 0) m_Removed.push_back(std::move(dropped));
 }
 
 void CCCalcCache::RemoveEntry(CCRef const * ref) {
@@ -364,14 +364,25 @@ void CCCalcCache::MarkAll() {
     for (SCCalcEntry * entry = m_Order.First(); entry; entry = entry->next) SetDirty(*entry);
 }
 
+// Entries that are dropped live until nobody walks over them any more.
+struct CCCalcCache::Walk {
+    explicit Walk(CCCalcCache & c) : cache(c) { ++cache.m_nWalks; }
+    Walk(Walk const &) = delete;
+    Walk & operator=(Walk const &) = delete;
+    ~Walk() {
+        if (--cache.m_nWalks == 0) cache.m_Removed.clear();
+    }
+    CCCalcCache & cache;
+};
+
 void CCCalcCache::Calculate(CCCellManager & manager) {
     if (m_bCalculating) return; // a host that calculates from a hook of this pass
+    Walk const walk(*this);
     struct Pass {
         CCCalcCache & cache;
         ~Pass() {
             cache.m_bCalculating = false;
             cache.m_pAt = cache.m_pEnd = nullptr;
-            cache.m_Removed.clear();
         }
     } const pass{*this};
     m_bCalculating = true;
@@ -392,40 +403,50 @@ void CCCalcCache::Compute(CCCellManager & manager, SCCalcEntry & entry) {
     manager.RecalcCell(entry.m_pRef);
 }
 
+template <typename Take>
+void CCCalcCache::ForEachDirtyAt(CCRef const * ref, Take && take) const {
+    std::unique_ptr<CCRef> const placed = Normalised(ref);
+    SCCalcEntry * const entry = placed ? Find(placed.get()) : nullptr;
+    if (entry && entry->m_bDirty && entry->m_nIndex >= 0) take(entry);
+    if (!placed || InnerType(placed.get()) != kRefRegion) return;
+    for (SCCalcEntry * inside : m_Dirty)
+        if (placed->Contain(inside->m_pRef)) take(inside);
+}
+
 // What is dirty at a place and in all that feeds it, in order. What is clean has nothing dirty
 // before it.
 CCCalcCache::Entries CCCalcCache::DirtyBefore(CCRef const * ref) {
     Entries found;
     auto const take = [&](SCCalcEntry * entry) {
-        if (!entry || !entry->m_bDirty || entry->m_bVisited || entry->m_nIndex < 0) return;
+        if (entry->m_bVisited) return;
         entry->m_bVisited = 1;
         found.push_back(entry);
     };
-    auto const takeAt = [&](CCRef const * place) {
-        std::unique_ptr<CCRef> const placed = Normalised(place);
-        if (!placed) return;
-        take(Find(placed.get()));
-        if (InnerType(placed.get()) == kRefRegion)
-            for (SCCalcEntry * entry : m_Dirty)
-                if (placed->Contain(entry->m_pRef)) take(entry);
-    };
-    takeAt(ref);
+    ForEachDirtyAt(ref, take);
     for (std::size_t at = 0; at < found.size(); ++at) {
         Place const place = Resolve(*Manager(), found[at]->m_pRef);
         RefListHolder const precedents(place.item ? place.item->GetPrecedents(place.owner->ctx())
                                                   : nullptr);
         Adjust3DDependencies(found[at]->m_pRef, precedents.list);
         for (CCRefList const * node = precedents.list; node; node = node->m_pNext)
-            if (node->m_pRef && !IsRemote(node->m_pRef)) takeAt(node->m_pRef);
+            if (node->m_pRef && !IsRemote(node->m_pRef)) ForEachDirtyAt(node->m_pRef, take);
     }
     for (SCCalcEntry * entry : found) entry->m_bVisited = 0;
     std::sort(found.begin(), found.end(), cells::internal::CalcOrder::Before());
     return found;
 }
 
+bool CCCalcCache::IsDirty(CCCellManager & manager, CCRef const * ref) {
+    if (m_Dirty.empty() || !ref) return false;
+    SetManager(&manager);
+    bool any = false;
+    ForEachDirtyAt(ref, [&](SCCalcEntry *) { any = true; });
+    return any;
+}
+
 void CCCalcCache::Settle(CCCellManager & manager, CCRef const * ref) {
     if (m_Dirty.empty() || !ref) return;
-    if (!m_bCalculating) return Calculate(manager);
+    Walk const walk(*this);
     SetManager(&manager);
     for (SCCalcEntry * entry : DirtyBefore(ref))
         if (entry->m_bDirty && entry->m_nIndex >= 0) Compute(manager, *entry);

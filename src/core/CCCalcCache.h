@@ -52,15 +52,16 @@ public:
     // Computes what is dirty through a manager of the workbook. What becomes dirty before the place
     // that the pass has reached waits for the next one.
     void Calculate(CCCellManager & manager);
-    // Brings a place up to date for a reader that asks for it in the middle of a pass: another
-    // document, which this one has just asked. What is dirty at the place and before it is computed
-    // now; the formula whose computing asks counts with the value that it has. Outside a pass this
-    // is Calculate.
+    // Brings a place up to date, and nothing else: for another document that reads it, maybe while
+    // a formula here waits for that very document. What is dirty at the place and before it is
+    // computed now; a formula whose computing waits counts with the value that it has.
     void Settle(CCCellManager & manager, CCRef const * ref);
 
     // The manager of the current call; references without a sheet are on it.
     void SetManager(CCCellManager * manager);
     bool IsDirty() const { return !m_Dirty.empty(); }
+    // Whether a formula at the place, or in the region, is dirty.
+    bool IsDirty(CCCellManager & manager, CCRef const * ref);
 
     // The order and the sorted entries by number. These operations are linear in the number of
     // entries: they are meant for looking at the cache and not for its daily work.
@@ -82,6 +83,7 @@ public:
 
 private:
     struct Neighbours;
+    struct Walk;
     using Entries = std::vector<SCCalcEntry *>;
     using RemoteRefs = std::vector<std::unique_ptr<CCRemoteRef>>;
 
@@ -100,6 +102,8 @@ private:
     CCRefList * LoadDependents(CCRef const * placed) const;
     void MarkDependents(CCRef const * placed, Entries & reached, RemoteRefs & remote);
     Entries DirtyBefore(CCRef const * ref);
+    template <typename Take>
+    void ForEachDirtyAt(CCRef const * ref, Take && take) const;
     void Compute(CCCellManager & manager, SCCalcEntry & entry);
     void CollectDependents(SCCalcEntry const & entry, Entries & found) const;
     Neighbours FindNeighbours(SCCalcEntry const & entry);
@@ -126,5 +130,6 @@ private:
     SCCalcEntry * m_pAt = nullptr;  // the entry that a running pass has reached
     SCCalcEntry * m_pEnd = nullptr; // where the pass ends
     bool m_bCalculating = false;
-    std::vector<std::unique_ptr<SCCalcEntry>> m_Removed; // during a pass
+    int m_nWalks = 0;                                    // passes and settlings that are under way
+    std::vector<std::unique_ptr<SCCalcEntry>> m_Removed; // meanwhile
 };

@@ -174,8 +174,26 @@ int CCCell::UnregisterFormula(cells::CTX * ctx) {
     return 1;
 }
 
+namespace {
+
+// Evaluations nest through other documents: each hears only of links that moved in itself.
+class MovedLinks {
+public:
+    MovedLinks() : m_Outer(std::exchange(CCRemoteOpFormula::RefRemoteChanged, 0)) {}
+    MovedLinks(MovedLinks const &) = delete;
+    MovedLinks & operator=(MovedLinks const &) = delete;
+    ~MovedLinks() { CCRemoteOpFormula::RefRemoteChanged = m_Outer; }
+    bool Any() const { return CCRemoteOpFormula::RefRemoteChanged != 0; }
+
+private:
+    int m_Outer;
+};
+
+} // namespace
+
 // The result is built aside: a range over the own cell reads the old value, not half a sum.
 void CCCell::Compute(cells::CTX * ctx, CCFormula const & formula, CCRef const * place) {
+    MovedLinks const moved;
     CCCellValue result = m_Value;
     EvalFormula(ctx, result, &formula, place);
     if (m_pFormula.get() != &formula) return; // another one came meanwhile
@@ -214,6 +232,16 @@ void CCCell::MarkCircular(cells::CTX * ctx, CCFormula const & tree, CCRef const 
     if (!manager) return;
     manager->InitIdleRecalc(this, 0);
     if (!quiet) manager->ErrorMessage(cells::kStringCircular);
+}
+
+void CCCell::RefuseCircle(cells::CTX * ctx) {
+    TreesInUse const walk;
+    CCFormula const * const tree = LoadFormula(ctx);
+    if (!tree || m_bCircular) return;
+    Placed const place(MakeCellRef3D(ctx, this));
+    MarkCircular(ctx, *tree, place.get(), 0);
+    OnChange(ctx);
+    OnValueChanged(ctx);
 }
 
 int CCCell::SetFormula(cells::CTX * ctx, CCFormula const * formula, int quiet) {
@@ -257,6 +285,7 @@ int CCCell::SetFormula1(cells::CTX * ctx, CCFormula const * formula) {
     {
         SessionGuard const session(ctx->manager());
         Placed const place(MakeCellRef3D(ctx, this));
+        MovedLinks const moved;
         CCCellValue result = m_Value;
         EvalFormula(ctx, result, formula, place.get());
         std::unique_ptr<CCFormula> copy(formula->Copy());
@@ -295,12 +324,10 @@ void CCCell::Recalc(cells::CTX * ctx) {
     if (m_bCircular) {
         other.Set(errCirc);
     } else {
-        int const outer = CCRemoteOpFormula::RefRemoteChanged;
-        CCRemoteOpFormula::RefRemoteChanged = 0;
+        MovedLinks const moved;
         EvalFormula(ctx, other, tree, GetRef());
-        bool const moved = std::exchange(CCRemoteOpFormula::RefRemoteChanged, outer) != 0;
         if (m_pFormula.get() != tree) return; // another one came meanwhile, with its own value
-        if (moved) StoreTree(tree->Copy());
+        if (moved.Any()) StoreTree(tree->Copy());
     }
     m_Value.Swap(other);
     OnValueStored(); // equal values may differ in their last bit

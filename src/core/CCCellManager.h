@@ -270,6 +270,7 @@ public:
     // The place inside a reference, and the sheet that it is on; null for none.
     CCRef const * InnerPlace(CCRef const * ref, CCCellManager const *& sheet) const;
     void NoteRemoteDependent() { m_bRemoteDependents = true; }
+    bool HasRemoteDependents() const { return m_bRemoteDependents; }
     void NoteStoredDependents() { m_bStoredDependents = true; }
     bool HasStoredDependents() const { return m_bStoredDependents; }
 
@@ -281,6 +282,8 @@ protected:
         unsigned long long m_nStamp = 0;
     };
 
+    // The own place that a request of another document is about; null where it is about none.
+    std::unique_ptr<CCRef> AskedPlace(CCRemoteRef const * ref) const;
     void DoRecalc(int limit);
     void DoProcess(int limit);
     void PatchDoProcess(int limit);
@@ -299,7 +302,6 @@ private:
     CCDocItem * FindDocItem(CCRef const * ref) const;
     CCRef * ScanPlace(wchar_t const *& at) const;
     bool IsAsked(CCRemoteRef const * ref) const;
-    std::unique_ptr<CCRef> AskedPlace(CCRemoteRef const * ref) const;
     CCRefList * LoadPlacedDependents(CCRef const * ref, CCItem *& item);
     int WalkForCycle(CCItem const * item, RemoteRefs & remote);
     void OrderLinearly(std::uint64_t firstNewStamp);

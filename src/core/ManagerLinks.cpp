@@ -2,6 +2,7 @@
 #include "core/CCCellManager.h"
 #include "core/CCWorkbook.h"
 #include "core/Resolve.h"
+#include "formula/CCRef3D.h"
 #include "formula/CCRefList.h"
 
 using cells::internal::Place;
@@ -61,7 +62,11 @@ int CCCellManager::SetValueInCompound(CCRef const *, CString const &, int, CCCel
 CCRefList * CCCellManager::LoadDependencies(CCRef const * ref) {
     if (!ref) return nullptr;
     Place const place = Resolve(*this, ref);
-    return place.item ? place.item->LoadDependents(place.owner->ctx()) : nullptr;
+    CCItem * item = place.item;
+    if (CCRef const * inner = item ? nullptr : cells::internal::InnerRef(ref))
+        if (inner->GetType() == kRefDocument)
+            item = GetDocumentItem(static_cast<CCDocumentRef const *>(inner)->docType);
+    return item ? item->LoadDependents(place.owner->ctx()) : nullptr;
 }
 
 void CCCellManager::OnRemoveItem(CCItem * item) {

@@ -170,7 +170,6 @@ bool CCCellManager::IsAsked(CCRemoteRef const * ref) const {
     return ref && (IsValidSheetName(ref->document()) || IsValidDocument(ref->document()));
 }
 
-// The own place that a request is about; null where it is about none.
 std::unique_ptr<CCRef> CCCellManager::AskedPlace(CCRemoteRef const * ref) const {
     return std::unique_ptr<CCRef>(IsAsked(ref) ? TranslateToInternalRef(ref) : nullptr);
 }

@@ -31,7 +31,8 @@ public:
         return 1;
     }
     int OnRemoteGetDataSources(CCRemoteRef const *, CStringArray & names, int kind) override {
-        for (int i = 1; i <= kind; ++i) names.Add(CString(L"source") + CString(wchar_t(L'0' + i), 1));
+        for (int i = 1; i <= kind; ++i)
+            names.Add(CString(L"source") + CString(wchar_t(L'0' + i), 1));
         return kind != refusedKind;
     }
     int OnRemoteGetItems(CCRemoteRef const * ref, CStringArray & names) override {
@@ -77,28 +78,29 @@ class RemoteLinks : public testing::TestWithParam<Row> {};
 
 INSTANTIATE_TEST_SUITE_P(
     Items, RemoteLinks,
-    testing::Values(
-        Row{L"=REMOTE(\"s\",\"i\")", "s|i"}, Row{L"=DBGET(\"d\",\"t\")", "d|t"},
-        Row{L"=DBGET(\"d\",\"t\",\"f\")", "d|t!!!f"}, Row{L"=DBGET(\"d\",\"t\",\"f\",3)", "d|t!!!f!3"},
-        Row{L"=DBGET(\"d\",\"t\",\"f\",\"last\")", "d|t!!!f!last"},
-        Row{L"=DBGET(\"d\",\"t\",1)", "d|t!!!id"}, Row{L"=DBGET(\"d\",\"t\",2.9)", "d|t!!!t"},
-        Row{L"=DBSQL(\"d\",\"SELECT 1\")", "d|SELECT 1"},
-        Row{L"=DBSQL(\"d\",\"SELECT 1\",\"f\",2)", "d|SELECT 1!!!f!2"},
-        Row{L"=DBSQL(\"d\",\"SELECT 1\",2)", "d|SELECT 1!!!SELECT 1"},
-        Row{L"=DBSORT(\"d\",\"t\",\"x\")", "d|t!x"},
-        Row{L"=DBSORT(\"d\",\"t\",\"x\",\"f\",3)", "d|t!x!!f!3"},
-        Row{L"=DBFILTER(\"d\",\"t\",\"x\")", "d|t!!x"},
-        Row{L"=DBFILTER(\"d\",\"t\",\"x\",\"f\",3)", "d|t!!x!f!3"},
-        Row{L"=DBFILTERSORT(\"d\",\"t\",\"x\",\"y\")", "d|t!x!y"},
-        Row{L"=DBFILTERSORT(\"d\",\"t\",\"x\",\"y\",\"f\",3)", "d|t!x!y!f!3"},
-        Row{L"=DBSQLFILTER(\"d\",\"t\",\"a=1\")", "d|SELECT * FROM t WHERE a=1"},
-        Row{L"=DBSQLSORT(\"d\",\"t\",\"a\",\"f\")", "d|SELECT * FROM t ORDER BY a!!!f"},
-        Row{L"=DBSQLFILTERSORT(\"d\",\"t\",\"a=1\",\"b\",\"f\",3)",
-            "d|SELECT * FROM t WHERE a=1 ORDER BY b!!!f!3"},
-        Row{L"=DBGET(\"d\",\"t\",\"f\",3.9)", "d|t!!!f!3"},
-        Row{L"=DBGET(\"d\",\"t\",\"f\",-0.5)", "d|t!!!f!0"},
-        Row{L"=DBGET(\"d\",\"t\",\"f\",-7.5)", "d|t!!!f!-7"},
-        Row{L"=DBGET(\"d\",\"t\",\"f\",1E300)", "d|t!!!f!-2147483648"}));
+    testing::Values(Row{L"=REMOTE(\"s\",\"i\")", "s|i"}, Row{L"=DBGET(\"d\",\"t\")", "d|t"},
+                    Row{L"=DBGET(\"d\",\"t\",\"f\")", "d|t!!!f"},
+                    Row{L"=DBGET(\"d\",\"t\",\"f\",3)", "d|t!!!f!3"},
+                    Row{L"=DBGET(\"d\",\"t\",\"f\",\"last\")", "d|t!!!f!last"},
+                    Row{L"=DBGET(\"d\",\"t\",1)", "d|t!!!id"},
+                    Row{L"=DBGET(\"d\",\"t\",2.9)", "d|t!!!t"},
+                    Row{L"=DBSQL(\"d\",\"SELECT 1\")", "d|SELECT 1"},
+                    Row{L"=DBSQL(\"d\",\"SELECT 1\",\"f\",2)", "d|SELECT 1!!!f!2"},
+                    Row{L"=DBSQL(\"d\",\"SELECT 1\",2)", "d|SELECT 1!!!SELECT 1"},
+                    Row{L"=DBSORT(\"d\",\"t\",\"x\")", "d|t!x"},
+                    Row{L"=DBSORT(\"d\",\"t\",\"x\",\"f\",3)", "d|t!x!!f!3"},
+                    Row{L"=DBFILTER(\"d\",\"t\",\"x\")", "d|t!!x"},
+                    Row{L"=DBFILTER(\"d\",\"t\",\"x\",\"f\",3)", "d|t!!x!f!3"},
+                    Row{L"=DBFILTERSORT(\"d\",\"t\",\"x\",\"y\")", "d|t!x!y"},
+                    Row{L"=DBFILTERSORT(\"d\",\"t\",\"x\",\"y\",\"f\",3)", "d|t!x!y!f!3"},
+                    Row{L"=DBSQLFILTER(\"d\",\"t\",\"a=1\")", "d|SELECT * FROM t WHERE a=1"},
+                    Row{L"=DBSQLSORT(\"d\",\"t\",\"a\",\"f\")", "d|SELECT * FROM t ORDER BY a!!!f"},
+                    Row{L"=DBSQLFILTERSORT(\"d\",\"t\",\"a=1\",\"b\",\"f\",3)",
+                        "d|SELECT * FROM t WHERE a=1 ORDER BY b!!!f!3"},
+                    Row{L"=DBGET(\"d\",\"t\",\"f\",3.9)", "d|t!!!f!3"},
+                    Row{L"=DBGET(\"d\",\"t\",\"f\",-0.5)", "d|t!!!f!0"},
+                    Row{L"=DBGET(\"d\",\"t\",\"f\",-7.5)", "d|t!!!f!-7"},
+                    Row{L"=DBGET(\"d\",\"t\",\"f\",1E300)", "d|t!!!f!-2147483648"}));
 
 TEST_P(RemoteLinks, AskForTheirItem) {
     Source source;
@@ -119,8 +121,10 @@ INSTANTIATE_TEST_SUITE_P(
         Row{L"=DBFIELDNAME(\"d\",\"t\",2)", "t"}, Row{L"=DBTABLENAME(\"d\",0)", "#VALUE!"},
         Row{L"=DBTABLENAME(\"d\",0.9)", "#VALUE!"}, Row{L"=DBTABLENAME(\"d\",2)", "#VALUE!"},
         Row{L"=DBTABLENAME(\"d\",-1)", "#VALUE!"}, Row{L"=DBTABLENAME(\"d\",1E300)", "#VALUE!"},
-        Row{L"=DBTABLENAME(\"d\",\"1\")", "#VALUE!"}, Row{L"=DBFIELDCOUNT(\"gone\",\"t\")", "#REF!"},
-        Row{L"=DBFIELDNAME(\"gone\",\"t\",0)", "#REF!"}, Row{L"=ISERROR(DBTABLECOUNT(\"d\"))", "FALSE"},
+        Row{L"=DBTABLENAME(\"d\",\"1\")", "#VALUE!"},
+        Row{L"=DBFIELDCOUNT(\"gone\",\"t\")", "#REF!"},
+        Row{L"=DBFIELDNAME(\"gone\",\"t\",0)", "#REF!"},
+        Row{L"=ISERROR(DBTABLECOUNT(\"d\"))", "FALSE"},
         // A field that cannot be resolved names no link, and such a formula is not taken.
         Row{L"=DBGET(\"d\",\"t\",3)", "=DBGET (\"d\", \"t\", 3)"},
         Row{L"=DBGET(\"gone\",\"t\",1)", "=DBGET (\"gone\", \"t\", 1)"},
@@ -154,17 +158,16 @@ TEST_P(WrongCalls, AreCallErrorsAndKeepTheirFormula) {
 
 class WrongLinks : public testing::TestWithParam<wchar_t const *> {};
 
-INSTANTIATE_TEST_SUITE_P(
-    Shapes, WrongLinks,
-    testing::Values(L"REMOTE(\"a\")", L"REMOTE(\"a\",\"b\",\"c\")", L"DBGET(\"d\")",
-                    L"DBGET(\"d\",\"t\",\"f\",1,2)", L"DBSORT(\"d\",\"t\")",
-                    L"DBSQLFILTERSORT(\"d\",\"t\",\"a\")", L"DBTABLECOUNT()",
-                    L"DBTABLENAME(\"d\")", L"SSGET(\"d\",\"i\",1)"));
+INSTANTIATE_TEST_SUITE_P(Shapes, WrongLinks,
+                         testing::Values(L"REMOTE(\"a\")", L"REMOTE(\"a\",\"b\",\"c\")",
+                                         L"DBGET(\"d\")", L"DBGET(\"d\",\"t\",\"f\",1,2)",
+                                         L"DBSORT(\"d\",\"t\")",
+                                         L"DBSQLFILTERSORT(\"d\",\"t\",\"a\")", L"DBTABLECOUNT()",
+                                         L"DBTABLENAME(\"d\")", L"SSGET(\"d\",\"i\",1)"));
 
 TEST_P(WrongLinks, AreRefusedByTheirCheck) {
     Reader reader;
-    std::unique_ptr<CCFormula> const formula(
-        _ParseFormula(&reader, GetParam(), 0, nullptr));
+    std::unique_ptr<CCFormula> const formula(_ParseFormula(&reader, GetParam(), 0, nullptr));
     ASSERT_TRUE(formula);
     EXPECT_EQ(formula->Check(&reader, nullptr), errLegacy);
 }
@@ -204,8 +207,8 @@ TEST_F(RemoteData, AnAbsentFieldGivesTheRowAlone) {
     texts[0].Set(L"d");
     texts[1].Set(L"t");
     texts[2].Set(3.0);
-    CCFormulaList * args = FormulaListCreate2Item(new CCConstFormula(texts[0]),
-                                                  new CCConstFormula(texts[1]));
+    CCFormulaList * args =
+        FormulaListCreate2Item(new CCConstFormula(texts[0]), new CCConstFormula(texts[1]));
     CCConstFormula field, row(texts[2]);
     CCFormulaList rest{nullptr, nullptr}, last{&row, nullptr};
     args->next->next = &rest;
@@ -279,8 +282,8 @@ public:
     int GetDocumentFileSize(double & size) override { return size = 1e12, 1; }
     int GetDocumentNumChars(unsigned int & count) override { return count = 4000000000u, 1; }
     int GetDocumentPage(CCRef const * ref, unsigned int & page) override {
-        return page = ref ? static_cast<CCRCRef const *>(
-                                cells::internal::InnerRef(ref))->row : 99u, 1;
+        return page = ref ? static_cast<CCRCRef const *>(cells::internal::InnerRef(ref))->row : 99u,
+               1;
     }
     Date edited{1900, 1, 1, 6, 30, 0};
     CString title{L"One"};
@@ -296,11 +299,11 @@ TEST(DocumentFacts, AreWhatTheHostSays) {
         char const * shown;
         int formatClass;
     };
-    for (Fact const & fact : {Fact{L"=AUTHOR()", "Ann", -1}, Fact{L"=TITLE()", "One", -1},
-                              Fact{L"=FILESIZE()", "1000000000000", 0},
-                              Fact{L"=NUMCHARS()", "4000000000", 0}, Fact{L"=PAGE()", "8", 0},
-                              Fact{L"=CREATEDATE()", "3/5/2026 01:45 PM", 7},
-                              Fact{L"=EDITTIME()", "06:30 AM", 6}}) {
+    for (Fact const & fact :
+         {Fact{L"=AUTHOR()", "Ann", -1}, Fact{L"=TITLE()", "One", -1},
+          Fact{L"=FILESIZE()", "1000000000000", 0}, Fact{L"=NUMCHARS()", "4000000000", 0},
+          Fact{L"=PAGE()", "8", 0}, Fact{L"=CREATEDATE()", "3/5/2026 01:45 PM", 7},
+          Fact{L"=EDITTIME()", "06:30 AM", 6}}) {
         host.Enter("F9", fact.formula);
         EXPECT_EQ(host.Text("F9"), fact.shown);
         CCCellValue const & value = host.Make("F9").CCCell::GetValue();
@@ -315,8 +318,8 @@ TEST(DocumentFacts, AreValueErrorsWhereTheHostHasNone) {
     EXPECT_EQ(host.Text("F9"), "#VALUE!");
     for (wchar_t const * name :
          {L"CREATEDATE", L"EDITTIME", L"PRINTDATE", L"SAVEDATE", L"AUTHOR", L"COMMENTS",
-          L"FILENAME", L"FILESIZE", L"KEYWORDS", L"NUMCHARS", L"NUMPAGES", L"NUMWORDS",
-          L"SUBJECT", L"TITLE", L"REVNUM", L"PAGE", L"MERGEREC", L"MERGECOUNT"}) {
+          L"FILENAME", L"FILESIZE", L"KEYWORDS", L"NUMCHARS", L"NUMPAGES", L"NUMWORDS", L"SUBJECT",
+          L"TITLE", L"REVNUM", L"PAGE", L"MERGEREC", L"MERGECOUNT"}) {
         plain.Enter("F9", std::wstring(L"=") + name + L"()");
         EXPECT_EQ(plain.Text("F9"), "#VALUE!") << cells::ToUtf8(CString(name));
     }

@@ -368,7 +368,6 @@ TEST(SavedFile, AFailureAtAnyStepLeavesTheOldOrTheNewDocument) {
     auto const old = SmallBook(), now = SmallBook();
     now->At(0).Enter("A1", "99");
     now->Recalculate();
-    std::string const before = BytesOf(*old), after = BytesOf(*now);
     int steps = 0;
     AtomicFile::beforeStep = [&](char const *) { ++steps; };
     now->Save(file);
@@ -377,13 +376,15 @@ TEST(SavedFile, AFailureAtAnyStepLeavesTheOldOrTheNewDocument) {
     for (int failing = 1; failing <= all; ++failing) {
         AtomicFile::beforeStep = nullptr;
         old->Save(file);
+        std::string const before = Contents(file);
         int step = 0;
         AtomicFile::beforeStep = [&](char const *) {
             if (++step == failing) throw std::runtime_error("no room");
         };
         EXPECT_THROW(now->Save(file), std::runtime_error);
         std::string const found = Contents(file);
-        EXPECT_TRUE(found == before || found == after) << failing;
+        EXPECT_TRUE(found == before || Shown(*Workbook::Read(found, "C")) == Shown(*now))
+            << failing;
         EXPECT_EQ(folder.Count(), 1u) << "a temporary file is left";
     }
     AtomicFile::beforeStep = nullptr;

@@ -1,0 +1,40 @@
+// Carrier and Source: whoever answers for documents that formulas name, beside open workbooks.
+//
+// A host that has data of its own derives from Source and answers the requests that it knows;
+// examples/source.cpp is one. A host that reaches documents in its own way, over a network say,
+// derives from Carrier and moves the bytes. Both are added to a Links.
+#pragma once
+
+#include "remote/CCTransportInterface.h"
+
+#include <string_view>
+
+namespace cells::host {
+
+class CVCELLS_API Carrier {
+public:
+    virtual ~Carrier() = default;
+    // Whether it answers for a document under this name, as the formula spells it.
+    virtual bool Serves(std::string_view document) = 0;
+    // Answers a request, which stands at the begin of the file: true when the reply stands there
+    // instead. What comes from outside the process is tested with CCTransportInterface::IsReply
+    // first.
+    virtual bool Carry(CFile & request) = 0;
+};
+
+// Data that is no workbook. It overrides those OnRemote... operations that it can answer: for plain
+// reading OnRemoteGetValue; for formulas that take many values OnRemoteOpenRef, OnRemoteRefSize,
+// OnRemoteNextValue and OnRemoteCloseRef; for the catalogue functions OnRemoteGetDataSources and
+// OnRemoteGetItems.
+class CVCELLS_API Source : public Carrier, public CCTransportInterface {
+public:
+    bool Carry(CFile & request) override;
+    cells::CTX * ctx() override;
+    cells::CTX * ctx() const override;
+};
+
+// Whether a document at this path is meant by a name: the path, the file's name, or that without
+// its extension; case does not matter.
+CVCELLS_API bool IsDocumentCalled(std::string_view path, std::string_view name);
+
+} // namespace cells::host

@@ -1,0 +1,144 @@
+#include "host/LinkTable.h"
+
+#include "core/Guards.h"
+#include "formula/CCFormula.h"
+#include "formula/CCRefList.h"
+#include "host/Book.h"
+#include "host/Carrier.h"
+#include "host/SheetManager.h"
+#include "platform/CFile.h"
+#include "platform/Utf.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace cells::host {
+namespace {
+
+constexpr std::size_t kMostNames = 10'000; // remembered spellings of documents
+// Rounds in which places are told again that could not wait for their turn. Each settles a nesting
+// of requests, so that chains of a million links between documents end.
+constexpr int kMostRounds = 10'000;
+
+bool Writes(int operation) {
+    return operation == kRemoteSetSourceValue || operation == kRemoteSetValueInCompound;
+}
+
+} // namespace
+
+LinkTable::~LinkTable() {
+    while (!m_Books.empty()) Leave(*m_Books.back());
+}
+
+void LinkTable::Join(Book & book, CString const & name) {
+    m_Books.push_back(&book);
+    m_Found.clear();
+    book.Link(this, name);
+}
+
+void LinkTable::Leave(Book & book) {
+    Deliver();
+    // The links are gone from the documents that they read; what they read here stays.
+    book.ForEachLink(
+        [](SheetManager & sheet, GridCell & cell) { cell.UnregisterFormula(&sheet); });
+    book.Link(nullptr, {});
+    book.ForEachLink([](SheetManager & sheet, GridCell & cell) {
+        internal::DirtyMarkGuard const silent(&sheet);
+        cell.RegisterFormula(&sheet);
+    });
+    std::erase(m_Books, &book);
+    m_Found.clear();
+    for (int i = 0; i < book.Count(); ++i)
+        std::erase_if(m_Unsettled, [&](auto const & entry) { return entry.sheet == &book.At(i); });
+}
+
+Book * LinkTable::Find(CString const & document) {
+    std::string const name = ToUtf8(document);
+    if (auto const known = m_Found.find(name); known != m_Found.end()) return known->second;
+    if (m_Found.size() >= kMostNames) m_Found.clear();
+    auto const found = std::find_if(m_Books.begin(), m_Books.end(), [&](Book const * book) {
+        return IsDocumentCalled(ToUtf8(book->Document()), name);
+    });
+    return m_Found[name] = found == m_Books.end() ? nullptr : *found;
+}
+
+// A change is told later; nobody answering is as good as a yes to it.
+bool LinkTable::Carry(CCRemoteRef const & ref, CFile & request) {
+    int operation;
+    CCRemoteRef target;
+    if (!CCTransportInterface::ReadRequest(request, operation, target)) return false;
+    if (operation != kRemoteInitRecalc) return Route(ref, request);
+    std::string bytes(std::size_t(request.GetLength()), '\0');
+    request.Read(bytes.data(), bytes.size());
+    if (m_Waiting.insert(bytes).second) m_Posts.push_back(std::move(bytes));
+    return false;
+}
+
+bool LinkTable::Route(CCRemoteRef const & ref, CFile & request) {
+    request.SeekToBegin();
+    if (Book * book = Find(ref.document()))
+        return book->Count() > 0 && book->TransportFile(&book->At(0), request);
+    std::string const name = ToUtf8(ref.document());
+    for (Carrier * carrier : carriers)
+        if (carrier->Serves(name)) return carrier->Carry(request);
+    return false;
+}
+
+bool LinkTable::Answer(CFile & request, bool mayWrite) {
+    int operation;
+    CCRemoteRef ref;
+    if (!CCTransportInterface::ReadRequest(request, operation, ref)) return false;
+    if (Writes(operation) && !mayWrite) return false;
+    Book * const book = ref.IsSheetLink() ? nullptr : Find(ref.document());
+    return book && book->Count() > 0 && book->TransportFile(&book->At(0), request);
+}
+
+// What is told twice in one go has been marked already.
+void LinkTable::Deliver() {
+    if (m_bDelivering) return;
+    struct Delivering {
+        bool & flag;
+        explicit Delivering(bool & f) : flag(f) { flag = true; }
+        ~Delivering() { flag = false; }
+    } const delivering(m_bDelivering);
+    std::unordered_set<std::string> delivered;
+    while (!m_Posts.empty()) {
+        std::string const bytes = std::move(m_Posts.front());
+        m_Posts.pop_front();
+        m_Waiting.erase(bytes);
+        if (!delivered.insert(bytes).second) continue;
+        CMemFile request(bytes.data(), bytes.size());
+        int operation;
+        CCRemoteRef ref;
+        if (CCTransportInterface::ReadRequest(request, operation, ref)) Route(ref, request);
+    }
+}
+
+void LinkTable::Recalculate() {
+    for (int round = 0; round < kMostRounds; ++round) {
+        Deliver();
+        for (std::size_t i = 0; i < m_Books.size(); ++i) m_Books[i]->BringUpToDate();
+        TellUnsettled();
+        if (m_Posts.empty()) return;
+    }
+}
+
+void LinkTable::NoteUnsettled(SheetManager & sheet, CCRef const & place) {
+    m_Unsettled.push_back({&sheet, std::unique_ptr<CCRef>(place.Copy())});
+}
+
+void LinkTable::TellUnsettled() {
+    for (auto const & [sheet, place] : std::exchange(m_Unsettled, {})) {
+        internal::RefListHolder const readers(
+            CopyRefList(internal::RefListHolder(sheet->LoadDependencies(place.get())).list));
+        for (CCRefList const * node = readers.list; node; node = node->m_pNext)
+            if (node->m_pRef->GetType() == kRefRemote)
+                sheet->DoRemoteInitRecalc(static_cast<CCRemoteRef *>(node->m_pRef), 1);
+    }
+}
+
+void LinkTable::Refresh(Book & book) {
+    book.ForEachLink([](SheetManager & sheet, GridCell & cell) { sheet.InitIdleRecalc(&cell, 1); });
+}
+
+} // namespace cells::host

@@ -1,0 +1,73 @@
+// LinkTable: which documents are open, who answers for others, and what is still to be told.
+//
+// A change that other documents are to hear of is not sent at once: it waits here until somebody
+// recalculates. So marks spread through any number of documents without nesting.
+#pragma once
+
+#include "formula/CCRemoteRef.h"
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+class CFile;
+
+namespace cells::host {
+
+class Book;
+class Carrier;
+class SheetManager;
+
+class LinkTable {
+public:
+    LinkTable() = default;
+    LinkTable(LinkTable const &) = delete;
+    LinkTable & operator=(LinkTable const &) = delete;
+    ~LinkTable();
+
+    void Join(Book & book, CString const & name);
+    void Leave(Book & book);
+    std::vector<Book *> const & Books() const { return m_Books; }
+    Book * Find(CString const & document);
+    std::vector<Carrier *> carriers;
+
+    // Asks whoever answers for the document; false where nobody does.
+    bool Carry(CCRemoteRef const & ref, CFile & request);
+    bool Answer(CFile & request, bool mayWrite);
+
+    // Sends what waits.
+    void Deliver();
+    void Recalculate();
+    // The formulas of a document whose links are to be read anew.
+    static void Refresh(Book & book);
+
+    // A place was read before it could be brought up to date: its readers are told again.
+    void NoteUnsettled(SheetManager & sheet, CCRef const & place);
+    // Set while a request is answered that nobody here waits for.
+    bool answersOthers = false;
+
+private:
+    static void Post(std::deque<std::string> & posts, CFile & request);
+    bool Route(CCRemoteRef const & ref, CFile & request);
+    void TellUnsettled();
+
+    std::vector<Book *> m_Books;
+    std::unordered_map<std::string, Book *> m_Found; // by the name asked for
+    std::deque<std::string> m_Posts;                 // requests
+    std::unordered_set<std::string> m_Waiting;       // the same
+    bool m_bDelivering = false;
+    struct Unsettled {
+        SheetManager * sheet;
+        std::unique_ptr<CCRef> place;
+    };
+    std::vector<Unsettled> m_Unsettled;
+};
+
+// A place was read while its own computing waits, by somebody who does not wait for it.
+struct NotYet {};
+
+} // namespace cells::host
