@@ -3,6 +3,9 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cvcells)
 install(TARGETS cvcells cvcells_host EXPORT cvcellsTargets)
+if(TARGET cvcells_database)
+    install(TARGETS cvcells_database EXPORT cvcellsTargets)
+endif()
 install(EXPORT cvcellsTargets NAMESPACE cvcells:: DESTINATION ${package_dir})
 install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cvcells
         FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE PATTERN "GrammarActions.h" EXCLUDE)

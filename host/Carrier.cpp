@@ -29,8 +29,7 @@ CTX * Source::ctx() const { return Plain(); }
 
 bool IsDocumentCalled(std::string_view path, std::string_view name) {
     CString const whole = FromUtf8(path), asked = FromUtf8(name);
-    CString const file =
-        whole.Mid(std::max(whole.ReverseFind(L'/'), whole.ReverseFind(L'\\')) + 1);
+    CString const file = whole.Mid(std::max(whole.ReverseFind(L'/'), whole.ReverseFind(L'\\')) + 1);
     int const dot = file.ReverseFind(L'.');
     for (CString const & known : {whole, file, dot > 0 ? file.Left(dot) : file})
         if (known.CompareNoCase(asked) == 0) return true;

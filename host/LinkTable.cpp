@@ -39,8 +39,7 @@ void LinkTable::Join(Book & book, CString const & name) {
 void LinkTable::Leave(Book & book) {
     Deliver();
     // The links are gone from the documents that they read; what they read here stays.
-    book.ForEachLink(
-        [](SheetManager & sheet, GridCell & cell) { cell.UnregisterFormula(&sheet); });
+    book.ForEachLink([](SheetManager & sheet, GridCell & cell) { cell.UnregisterFormula(&sheet); });
     book.Link(nullptr, {});
     book.ForEachLink([](SheetManager & sheet, GridCell & cell) {
         internal::DirtyMarkGuard const silent(&sheet);

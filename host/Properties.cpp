@@ -201,9 +201,8 @@ bool Properties::IsEmpty() const {
 }
 
 void Properties::Write(CArchive & ar) const {
-    auto const kept = std::count_if(m_Values.begin(), m_Values.end(), [](auto const & entry) {
-        return !IsOfTheFile(entry.first);
-    });
+    auto const kept = std::count_if(m_Values.begin(), m_Values.end(),
+                                    [](auto const & entry) { return !IsOfTheFile(entry.first); });
     ar << std::uint32_t(kept);
     for (auto const & [property, value] : m_Values) {
         if (IsOfTheFile(property)) continue;

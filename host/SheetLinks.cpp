@@ -113,9 +113,9 @@ std::vector<SheetManager::RemoteReader> SheetManager::RemoteReaders() {
     if (!HasRemoteDependents()) return readers;
     auto const add = [&](CCRef const & place, CCRef const * dependent) {
         if (dependent->GetType() == kRefRemote)
-            readers.push_back({std::unique_ptr<CCRef>(place.Copy()),
-                               std::unique_ptr<CCRemoteRef>(
-                                   static_cast<CCRemoteRef *>(dependent->Copy()))});
+            readers.push_back(
+                {std::unique_ptr<CCRef>(place.Copy()),
+                 std::unique_ptr<CCRemoteRef>(static_cast<CCRemoteRef *>(dependent->Copy()))});
     };
     m_Grid.ForEachCell(kWholeGrid, [&](GridCell & cell) {
         internal::RefListHolder const dependents(cell.LoadDependents(this));

@@ -1,7 +1,7 @@
 // Workbooks that read each other in one process.
+#include "host/Links.h"
 #include "core/CCCellManager.h"
 #include "formula/CCRemoteRef.h"
-#include "host/Links.h"
 #include "platform/CFile.h"
 #include "platform/Services.h"
 #include "support/Workbooks.h"

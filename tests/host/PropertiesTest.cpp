@@ -179,7 +179,8 @@ TEST(DocumentProperties, AreTakenBackAndMadeAgain) {
 
 TEST(DocumentProperties, SavingSetsWhatItKnows) {
     namespace fs = std::filesystem;
-    fs::path const folder = fs::temp_directory_path() / ("cvcells-prop-" + std::to_string(getpid()));
+    fs::path const folder =
+        fs::temp_directory_path() / ("cvcells-prop-" + std::to_string(getpid()));
     fs::create_directory(folder);
     Workbook book("C");
     book.Add("One").Enter("A1", "two words");

@@ -215,6 +215,7 @@ TEST_F(TwoDocuments, AWalkIntoACycleEnds) {
 }
 
 TEST_F(TwoDocuments, ALinkThatMovesRegistersOnceAndRebuildsItsTree) {
+    CCRemoteOpFormula::RefRemoteChanged = 0;
     a.Enter("A1", L"1");
     a.Enter("A2", L"2");
     b.Enter("C1", L"A1");
