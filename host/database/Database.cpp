@@ -73,8 +73,9 @@ struct Database::State {
         }
     }
 
+    // The first column of a statement of our own.
     std::vector<std::string> Names(std::string const & text, std::string const & parameter = {}) {
-        Statement statement(database, text, options.timeLimit);
+        Statement statement(database, text, options.timeLimit, Statement::Rights::kAll);
         if (!parameter.empty()) {
             CCCellValue value;
             value.Set(FromUtf8(parameter));
@@ -149,8 +150,7 @@ struct Database::State {
             if (result.height > options.rowLimit) throw DatabaseError("there are too many rows");
             if (result.values.size() + std::size_t(result.width) > std::size_t(options.valueLimit))
                 throw DatabaseError("there are too many values");
-            for (int i = 0; i < result.width; ++i)
-                statement.Read(i, result.values.emplace_back());
+            for (int i = 0; i < result.width; ++i) statement.Read(i, result.values.emplace_back());
         }
         if (row && result.height == 0) throw DatabaseError("there is no row " + item.row);
         return result;
@@ -180,8 +180,7 @@ Database::Database(std::filesystem::path const & file, DatabaseOptions const & o
     m_State->path = file.string();
     m_State->options = options;
     int const flags = options.mayWrite ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
-    int const status =
-        sqlite3_open_v2(m_State->path.c_str(), &m_State->database, flags, nullptr);
+    int const status = sqlite3_open_v2(m_State->path.c_str(), &m_State->database, flags, nullptr);
     if (status != SQLITE_OK)
         throw std::runtime_error(m_State->path + ": " + sqlite3_errstr(status));
     sqlite3_limit(m_State->database, SQLITE_LIMIT_LENGTH, kLongestValue);
@@ -335,7 +334,7 @@ int Database::OnRemoteSetSourceValue(CCRemoteRef const * ref, CCCellValue const 
         Statement statement(m_State->database,
                             "UPDATE " + table + " SET " + Quoted(m_State->Field(item, table)) +
                                 " = ?1 WHERE rowid = (" + choice + ")",
-                            m_State->options.timeLimit, true);
+                            m_State->options.timeLimit, Statement::Rights::kWrite);
         statement.Bind(1, value);
         statement.Step();
         if (sqlite3_changes(m_State->database) == 0)

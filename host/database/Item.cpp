@@ -39,7 +39,8 @@ bool DatabaseItem::IsStatement() const {
     std::size_t const end = table.find_first_of(" \t\r\n(*");
     if (end == std::string::npos) return false;
     std::string word;
-    for (char unit : table.substr(0, end)) word += char(std::toupper(static_cast<unsigned char>(unit)));
+    for (char unit : table.substr(0, end))
+        word += char(std::toupper(static_cast<unsigned char>(unit)));
     return word == "SELECT" || word == "WITH" || word == "VALUES";
 }
 

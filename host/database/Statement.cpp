@@ -13,8 +13,8 @@ int StopLate(void * deadline) {
     return Statement::Clock::now() > *static_cast<Statement::Clock::time_point *>(deadline);
 }
 
-// What a reading statement may do.
-int AllowReading(void *, int action, char const * first, char const * second, char const *,
+// What a statement that reads tables may do.
+int AllowReading(void *, int action, char const *, char const * second, char const *,
                  char const *) {
     switch (action) {
     case SQLITE_SELECT:
@@ -23,8 +23,6 @@ int AllowReading(void *, int action, char const * first, char const * second, ch
         return SQLITE_OK;
     case SQLITE_FUNCTION:
         return second && std::string_view(second) == "load_extension" ? SQLITE_DENY : SQLITE_OK;
-    case SQLITE_PRAGMA: // as a table function
-        return std::string_view(first) == "foreign_key_list" ? SQLITE_OK : SQLITE_DENY;
     default:
         return SQLITE_DENY;
     }
@@ -37,10 +35,10 @@ bool IsBlank(std::string_view text) {
 } // namespace
 
 Statement::Statement(sqlite3 * database, std::string const & text,
-                     std::chrono::milliseconds timeLimit, bool mayWrite)
+                     std::chrono::milliseconds timeLimit, Rights rights)
     : m_Database(database), m_Deadline(Clock::now() + timeLimit) {
     sqlite3_progress_handler(database, kStepsBetweenLooks, &StopLate, &m_Deadline);
-    sqlite3_set_authorizer(database, mayWrite ? nullptr : &AllowReading, nullptr);
+    sqlite3_set_authorizer(database, rights == Rights::kTables ? &AllowReading : nullptr, nullptr);
     char const * rest = nullptr;
     int const status =
         sqlite3_prepare_v2(database, text.c_str(), int(text.size()) + 1, &m_Statement, &rest);
@@ -49,7 +47,7 @@ Statement::Statement(sqlite3 * database, std::string const & text,
         if (status != SQLITE_OK) Fail();
         if (!m_Statement) throw DatabaseError("there is no statement");
         if (!IsBlank(rest)) throw DatabaseError("there is more than one statement");
-        if (!mayWrite && !sqlite3_stmt_readonly(m_Statement))
+        if (rights != Rights::kWrite && !sqlite3_stmt_readonly(m_Statement))
             throw DatabaseError("the statement would write");
     } catch (...) {
         sqlite3_progress_handler(database, 0, nullptr, nullptr);
@@ -71,8 +69,8 @@ void Statement::Bind(int number, CCCellValue const & value) {
     if (value.IsEmpty()) status = sqlite3_bind_null(m_Statement, number);
     if (value.IsText()) {
         std::string const text = ToUtf8(value.GetTextString());
-        status = sqlite3_bind_text(m_Statement, number, text.data(), int(text.size()),
-                                   SQLITE_TRANSIENT);
+        status =
+            sqlite3_bind_text(m_Statement, number, text.data(), int(text.size()), SQLITE_TRANSIENT);
     }
     if (status != SQLITE_OK) throw DatabaseError("the value cannot be stored");
 }

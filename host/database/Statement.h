@@ -20,9 +20,12 @@ class Statement {
 public:
     using Clock = std::chrono::steady_clock;
 
-    // `text` is one statement that only reads, unless `mayWrite` is set.
+    // What a text may do: read tables, read whatever there is, or write.
+    enum class Rights { kTables, kAll, kWrite };
+
+    // `text` must be one statement.
     Statement(sqlite3 * database, std::string const & text, std::chrono::milliseconds timeLimit,
-              bool mayWrite = false);
+              Rights rights = Rights::kTables);
     Statement(Statement const &) = delete;
     Statement & operator=(Statement const &) = delete;
     ~Statement();

@@ -1,8 +1,8 @@
 // Databases that formulas read.
+#include "host/database/Database.h"
 #include "core/CCCellValue.h"
 #include "formula/CCRemoteRef.h"
 #include "host/Links.h"
-#include "host/database/Database.h"
 #include "host/database/Item.h"
 #include "platform/Arrays.h"
 
@@ -104,7 +104,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"=DBFILTER(\"stock\",\"articles\",\"price > 0.2\",\"name\",2)", "screw"},
         Row{"=DBFILTER(\"stock\",\"articles\",\"name != 'bolt'\",\"name\",1)", "nut"},
         Row{"=DBFILTER(\"stock\",\"articles\",\"note = 'long!'\",\"id\",1)", "3"},
-        Row{"=DBFILTERSORT(\"stock\",\"articles\",\"name DESC\",\"price > 0.2\",\"name\",2)", "bolt"},
+        Row{"=DBFILTERSORT(\"stock\",\"articles\",\"name DESC\",\"price > 0.2\",\"name\",2)",
+            "bolt"},
         Row{"=DBSQL(\"stock\",\"SELECT count(*) FROM articles\")", "3"},
         Row{"=DBSQL(\"stock\",\"SELECT name FROM articles ORDER BY id;\",\"name\",2)", "nut"},
         Row{"=DBSQL(\"stock\",\"select max(price) AS m from articles -- the top\",\"m\",1)", "0.5"},
@@ -127,25 +128,22 @@ TEST_P(Reading, Shows) {
 
 INSTANTIATE_TEST_SUITE_P(
     Items, Refused,
-    testing::Values("=DBGET(\"stock\",\"nothing\",\"name\",1)", "=DBGET(\"stock\",\"\",\"name\",1)",
-                    "=DBGET(\"stock\",\"articles\",\"colour\",1)",
-                    "=DBGET(\"stock\",\"articles\",\"name\",0)",
-                    "=DBGET(\"stock\",\"articles\",\"name\",-1)",
-                    "=DBGET(\"stock\",\"articles\",\"name\",4)",
-                    "=DBGET(\"stock\",\"articles\",\"name\",\"middle\")",
-                    "=DBGET(\"stock\",\"empty\",\"x\",\"last\")",
-                    "=DBSQL(\"stock\",\"SELECT\")", "=DBSQL(\"stock\",\"\")",
-                    "=DBSQL(\"stock\",\"DELETE FROM articles\")",
-                    "=DBSQL(\"stock\",\"SELECT 1; DELETE FROM articles\")",
-                    "=DBSQL(\"stock\",\"WITH x AS (SELECT 1) DELETE FROM articles\")",
-                    "=DBSQL(\"stock\",\"SELECT load_extension('x')\")",
-                    "=DBSQL(\"stock\",\"SELECT * FROM pragma_journal_mode('delete')\")",
-                    "=DBSQL(\"stock\",\"ATTACH 'other.db' AS o\")",
-                    "=DBSQL(\"stock\",\"SELECT 1) ; DELETE FROM articles; --\")",
-                    "=DBFILTER(\"stock\",\"articles\",\"id = \",\"name\",1)",
-                    "=DBFIELDCOUNT(\"stock\",\"nothing\")",
-                    "=DBGET(\"other\",\"articles\",\"name\",1)",
-                    "=REMOTE(\"stock\",\"a!b!c!d!e!f\")"));
+    testing::Values(
+        "=DBGET(\"stock\",\"nothing\",\"name\",1)", "=DBGET(\"stock\",\"\",\"name\",1)",
+        "=DBGET(\"stock\",\"articles\",\"colour\",1)", "=DBGET(\"stock\",\"articles\",\"name\",0)",
+        "=DBGET(\"stock\",\"articles\",\"name\",-1)", "=DBGET(\"stock\",\"articles\",\"name\",4)",
+        "=DBGET(\"stock\",\"articles\",\"name\",\"middle\")",
+        "=DBGET(\"stock\",\"empty\",\"x\",\"last\")", "=DBSQL(\"stock\",\"SELECT\")",
+        "=DBSQL(\"stock\",\"\")", "=DBSQL(\"stock\",\"DELETE FROM articles\")",
+        "=DBSQL(\"stock\",\"SELECT 1; DELETE FROM articles\")",
+        "=DBSQL(\"stock\",\"WITH x AS (SELECT 1) DELETE FROM articles\")",
+        "=DBSQL(\"stock\",\"SELECT load_extension('x')\")",
+        "=DBSQL(\"stock\",\"SELECT * FROM pragma_journal_mode('delete')\")",
+        "=DBSQL(\"stock\",\"ATTACH 'other.db' AS o\")",
+        "=DBSQL(\"stock\",\"SELECT 1) ; DELETE FROM articles; --\")",
+        "=DBFILTER(\"stock\",\"articles\",\"id = \",\"name\",1)",
+        "=DBFIELDCOUNT(\"stock\",\"nothing\")", "=DBGET(\"other\",\"articles\",\"name\",1)",
+        "=REMOTE(\"stock\",\"a!b!c!d!e!f\")"));
 
 TEST_P(Refused, IsAReferenceErrorAndChangesNothing) {
     EXPECT_EQ(Shows(GetParam()), "#REF!");
@@ -292,8 +290,7 @@ TEST(DatabaseOpening, AFileThatIsNoneIsToldByName) {
     DatabaseFile const file;
     fs::path const text = file.Folder() / "notes.db";
     std::ofstream(text) << "These are notes and not a database, long enough to have a header.";
-    for (fs::path const & path : {text, file.Folder() / "missing.db", file.Folder()})
-        try {
+    for (fs::path const & path : {text, file.Folder() / "missing.db", file.Folder()}) try {
             Database const database(path);
             FAIL() << path;
         } catch (std::runtime_error const & error) {
