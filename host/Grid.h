@@ -29,7 +29,6 @@ public:
 
     CCRef const * GetRef() const override { return &m_Ref; }
     bool IsEqual(CCItem const * item) const override { return item == this; }
-    void Recalc(CTX * ctx) override;
     void OnValueChanged(CTX * ctx) override;
     void OnValueStored() override;
     // From now on the grid hears of every value that is stored here.
@@ -41,7 +40,6 @@ public:
     // For the grid that moves it. Its formula must be out of the graph.
     void SetPlace(Place place) { m_Ref.Set(uchar(place.column), ushort(place.row)); }
     // Stores a formula without computing it; see CCCell::StoreFormula.
-    using CCCell::RefuseCircle;
     using CCCell::StoreFormula;
     // Stores a text from a document.
     void RestoreText(CString const & text) {

@@ -122,6 +122,15 @@ void LinkTable::Recalculate() {
     }
 }
 
+LinkTable::OthersGuard::OthersGuard(LinkTable & table, bool others)
+    : m_Slot(table.m_nOthersDepth), m_Before(m_Slot) {
+    m_Slot = others ? CCTransportInterface::GetRequestDepth() : -1;
+}
+
+void LinkTable::Postpone() const {
+    if (CCTransportInterface::GetRequestDepth() == m_nOthersDepth) throw NotYet();
+}
+
 void LinkTable::NoteUnsettled(SheetManager & sheet, CCRef const & place) {
     m_Unsettled.push_back({&sheet, std::unique_ptr<CCRef>(place.Copy())});
 }

@@ -47,8 +47,21 @@ public:
 
     // A place was read before it could be brought up to date: its readers are told again.
     void NoteUnsettled(SheetManager & sheet, CCRef const & place);
-    // Set while a request is answered that nobody here waits for.
-    bool answersOthers = false;
+    // For the time of its life requests are answered for somebody whom nobody here waits for.
+    class OthersGuard {
+    public:
+        OthersGuard(LinkTable & table, bool others);
+        OthersGuard(OthersGuard const &) = delete;
+        OthersGuard & operator=(OthersGuard const &) = delete;
+        ~OthersGuard() { m_Slot = m_Before; }
+
+    private:
+        int & m_Slot;
+        int m_Before;
+    };
+    bool IsAnsweringOthers() const { return m_nOthersDepth >= 0; }
+    // Throws NotYet out of the request of such a somebody, but not through formulas in between.
+    void Postpone() const;
 
 private:
     static void Post(std::deque<std::string> & posts, CFile & request);
@@ -60,6 +73,7 @@ private:
     std::deque<std::string> m_Posts;                 // requests
     std::unordered_set<std::string> m_Waiting;       // the same
     bool m_bDelivering = false;
+    int m_nOthersDepth = -1; // of requests where answering others began; -1 while it does not
     struct Unsettled {
         SheetManager * sheet;
         std::unique_ptr<CCRef> place;
@@ -67,7 +81,7 @@ private:
     std::vector<Unsettled> m_Unsettled;
 };
 
-// A place was read while its own computing waits, by somebody who does not wait for it.
+// A place was read while what feeds it is being computed, by somebody who is not waited for.
 struct NotYet {};
 
 } // namespace cells::host

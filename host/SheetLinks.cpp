@@ -46,59 +46,35 @@ CCRef * SheetManager::TranslateToInternalRef(CCRemoteRef const * ref) const {
     return CCSheet::TranslateToInternalRef(ref);
 }
 
-void SheetManager::Compute(GridCell & cell) {
-    if (!m_Book || !m_Book->Links()) return cell.CCCell::Recalc(this);
-    struct Stack {
-        std::vector<Computing> & computing;
-        ~Stack() { computing.pop_back(); }
-    };
-    bool isCircular;
-    {
-        m_Computing.push_back({&cell, false});
-        Stack const stack{m_Computing};
-        cell.CCCell::Recalc(this);
-        isCircular = m_Computing.back().isCircular;
-    }
-    if (isCircular) cell.RefuseCircle(this);
-}
-
-// The formula at the place is being computed, and waits for the document that asks.
-bool SheetManager::ClosesCircle(CCRef const & place) {
-    Area const area = AreaOf(place);
-    bool closes = false;
-    for (Computing & computing : m_Computing) {
-        if (!area.Contains(computing.cell->At())) continue;
-        if (m_Book->Links()->answersOthers) throw NotYet();
-        computing.isCircular = closes = true;
-    }
-    return closes;
-}
-
-void SheetManager::Settle(CCRef const & place) {
+// Brings a place up to date for another document. False where a formula that waits for that
+// document feeds the place: a circle.
+bool SheetManager::Settle(CCRef const & place) {
+    if (!m_Book) return true;
     CCCalcCache & cache = m_Book->GetCalcCache();
-    if (!cache.IsDirty()) return;
-    if (GetRequestDepth() <= kDeepestSettling)
-        cache.Settle(*this, &place);
-    else if (m_Book->Links() && cache.IsDirty(*this, &place))
-        m_Book->Links()->NoteUnsettled(*this, place);
+    LinkTable * const links = m_Book->Links();
+    bool const forOthers = links && links->IsAnsweringOthers();
+    if (GetRequestDepth() <= kDeepestSettling) {
+        if (cache.Settle(*this, &place, !forOthers)) return true;
+        if (!forOthers) return false;
+        links->Postpone();
+    } else if (!links || !cache.IsDirty(*this, &place)) {
+        return true;
+    }
+    links->NoteUnsettled(*this, place);
+    return true;
 }
 
 int SheetManager::OnRemoteGetValue(CCRemoteRef const * ref, CCCellValue & value, int index) {
     auto const place = AskedPlace(ref);
     if (!place) return 0;
-    if (ClosesCircle(*place)) {
-        value.Set(errCirc);
-        return 1;
-    }
-    if (m_Book) Settle(*place);
-    return GetValue(place.get(), value, index);
+    if (Settle(*place)) return GetValue(place.get(), value, index);
+    value.Set(errCirc);
+    return 1;
 }
 
 ushort SheetManager::OnRemoteOpenRef(CCRemoteRef const * ref) {
     auto const place = AskedPlace(ref);
-    if (!place || ClosesCircle(*place)) return 0;
-    if (m_Book) Settle(*place);
-    return OpenRef(place.get());
+    return place && Settle(*place) ? OpenRef(place.get()) : ushort(0);
 }
 
 // What waits for its computing has told its own readers already.

@@ -63,8 +63,6 @@ bool HasName(CCFormula const & formula) {
     });
 }
 
-void GridCell::Recalc(CTX * ctx) { static_cast<SheetManager *>(ctx->manager())->Compute(*this); }
-
 void GridCell::OnValueChanged(CTX * ctx) {
     if (auto * sheet = static_cast<SheetManager *>(ctx->manager())) sheet->OnCellChanged(At());
 }

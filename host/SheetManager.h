@@ -77,8 +77,6 @@ public:
     std::vector<RemoteReader> RemoteReaders();
     // Tells a reader that its place went elsewhere, to null: nowhere.
     void TellMoved(RemoteReader const & reader, CCRef const * to);
-    // Computes a formula; another document that asks for it meanwhile closes a circle.
-    void Compute(GridCell & cell);
 
     std::function<void(Place)> onChanged; // a value changed
     std::function<void()> onTick;         // now and then during long work
@@ -149,14 +147,8 @@ private:
         std::vector<std::unique_ptr<CCRef>> users; // the cells whose formulas use it
     };
 
-    struct Computing {
-        GridCell * cell;
-        bool isCircular; // another document asked for it meanwhile
-    };
-
     CCRef const * Target(CCRef const * ref) const; // by the engine's own reference classes
-    bool ClosesCircle(CCRef const & place);
-    void Settle(CCRef const & place);
+    bool Settle(CCRef const & place);
     void Redefine(CString const & name, std::unique_ptr<CCRef> target);
     static CString Folded(CString name);
 
@@ -166,8 +158,7 @@ private:
     Grid m_Grid;
     RegionIndex m_Regions;
     AreaFormats m_Formats;
-    std::map<CString, Name> m_Names;    // by folded name
-    std::vector<Computing> m_Computing; // of formulas in documents with links
+    std::map<CString, Name> m_Names; // by folded name
 };
 
 // Whether a text can name something in a formula: a word that is neither a cell's address nor a

@@ -398,58 +398,87 @@ void CCCalcCache::Calculate(CCCellManager & manager) {
 
 // Clean before it is computed: a hook may change what it has just read.
 void CCCalcCache::Compute(CCCellManager & manager, SCCalcEntry & entry) {
+    struct Computing {
+        Entries & entries;
+        Computing(Entries & e, SCCalcEntry * entry) : entries(e) { entries.push_back(entry); }
+        ~Computing() { entries.pop_back(); }
+    };
     m_Dirty.erase(&entry);
     entry.m_bDirty = 0;
-    manager.RecalcCell(entry.m_pRef);
+    {
+        Computing const computing(m_Computing, &entry);
+        manager.RecalcCell(entry.m_pRef);
+    }
+    if (!std::exchange(entry.m_bCircular, uchar(0))) return;
+    Place const place = Resolve(manager, entry.m_pRef);
+    if (auto * cell = dynamic_cast<CCCell *>(place.item)) cell->RefuseCircle(place.owner->ctx());
 }
 
+// What stands at a place and in all that feeds it, as far as it is not clean.
+struct CCCalcCache::Before {
+    Entries dirty; // in order
+    Entries computing;
+};
+
 template <typename Take>
-void CCCalcCache::ForEachDirtyAt(CCRef const * ref, Take && take) const {
-    std::unique_ptr<CCRef> const placed = Normalised(ref);
-    SCCalcEntry * const entry = placed ? Find(placed.get()) : nullptr;
+void CCCalcCache::ForEachDirtyAt(CCRef const * placed, Take && take) const {
+    SCCalcEntry * const entry = Find(placed);
     if (entry && entry->m_bDirty && entry->m_nIndex >= 0) take(entry);
-    if (!placed || InnerType(placed.get()) != kRefRegion) return;
+    if (InnerType(placed) != kRefRegion) return;
     for (SCCalcEntry * inside : m_Dirty)
         if (placed->Contain(inside->m_pRef)) take(inside);
 }
 
-// What is dirty at a place and in all that feeds it, in order. What is clean has nothing dirty
-// before it.
-CCCalcCache::Entries CCCalcCache::DirtyBefore(CCRef const * ref) {
-    Entries found;
-    auto const take = [&](SCCalcEntry * entry) {
-        if (entry->m_bVisited) return;
-        entry->m_bVisited = 1;
-        found.push_back(entry);
+// What is clean has nothing dirty before it.
+CCCalcCache::Before CCCalcCache::WhatStandsBefore(CCRef const * ref) {
+    Before found;
+    auto const lookAt = [&](CCRef const * place) {
+        std::unique_ptr<CCRef> const placed = Normalised(place);
+        if (!placed) return;
+        ForEachDirtyAt(placed.get(), [&](SCCalcEntry * entry) {
+            if (entry->m_bVisited) return;
+            entry->m_bVisited = 1;
+            found.dirty.push_back(entry);
+        });
+        for (SCCalcEntry * entry : m_Computing)
+            if (placed->IsEqual(entry->m_pRef) || placed->Contain(entry->m_pRef))
+                found.computing.push_back(entry);
     };
-    ForEachDirtyAt(ref, take);
-    for (std::size_t at = 0; at < found.size(); ++at) {
-        Place const place = Resolve(*Manager(), found[at]->m_pRef);
+    lookAt(ref);
+    for (std::size_t at = 0; at < found.dirty.size(); ++at) {
+        CCRef const * const placed = found.dirty[at]->m_pRef;
+        Place const place = Resolve(*Manager(), placed);
         RefListHolder const precedents(place.item ? place.item->GetPrecedents(place.owner->ctx())
                                                   : nullptr);
-        Adjust3DDependencies(found[at]->m_pRef, precedents.list);
+        Adjust3DDependencies(placed, precedents.list);
         for (CCRefList const * node = precedents.list; node; node = node->m_pNext)
-            if (node->m_pRef && !IsRemote(node->m_pRef)) ForEachDirtyAt(node->m_pRef, take);
+            if (node->m_pRef && !IsRemote(node->m_pRef)) lookAt(node->m_pRef);
     }
-    for (SCCalcEntry * entry : found) entry->m_bVisited = 0;
-    std::sort(found.begin(), found.end(), cells::internal::CalcOrder::Before());
+    for (SCCalcEntry * entry : found.dirty) entry->m_bVisited = 0;
+    std::sort(found.dirty.begin(), found.dirty.end(), cells::internal::CalcOrder::Before());
     return found;
 }
 
 bool CCCalcCache::IsDirty(CCCellManager & manager, CCRef const * ref) {
     if (m_Dirty.empty() || !ref) return false;
     SetManager(&manager);
+    std::unique_ptr<CCRef> const placed = Normalised(ref);
     bool any = false;
-    ForEachDirtyAt(ref, [&](SCCalcEntry *) { any = true; });
+    if (placed) ForEachDirtyAt(placed.get(), [&](SCCalcEntry *) { any = true; });
     return any;
 }
 
-void CCCalcCache::Settle(CCCellManager & manager, CCRef const * ref) {
-    if (m_Dirty.empty() || !ref) return;
+bool CCCalcCache::Settle(CCCellManager & manager, CCRef const * ref, bool refuse) {
+    if ((m_Dirty.empty() && m_Computing.empty()) || !ref) return true;
     Walk const walk(*this);
     SetManager(&manager);
-    for (SCCalcEntry * entry : DirtyBefore(ref))
+    Before const before = WhatStandsBefore(ref);
+    if (refuse)
+        for (SCCalcEntry * entry : before.computing) entry->m_bCircular = 1;
+    if (!before.computing.empty()) return false;
+    for (SCCalcEntry * entry : before.dirty)
         if (entry->m_bDirty && entry->m_nIndex >= 0) Compute(manager, *entry);
+    return true;
 }
 
 // By number

@@ -54,8 +54,10 @@ public:
     void Calculate(CCCellManager & manager);
     // Brings a place up to date, and nothing else: for another document that reads it, maybe while
     // a formula here waits for that very document. What is dirty at the place and before it is
-    // computed now; a formula whose computing waits counts with the value that it has.
-    void Settle(CCCellManager & manager, CCRef const * ref);
+    // computed now. False, and nothing is computed, where a formula whose computing waits stands at
+    // the place or before it: then the two documents read each other in a circle. With `refuse`
+    // such a formula is refused as circular when its computing ends.
+    bool Settle(CCCellManager & manager, CCRef const * ref, bool refuse);
 
     // The manager of the current call; references without a sheet are on it.
     void SetManager(CCCellManager * manager);
@@ -101,9 +103,10 @@ private:
 
     CCRefList * LoadDependents(CCRef const * placed) const;
     void MarkDependents(CCRef const * placed, Entries & reached, RemoteRefs & remote);
-    Entries DirtyBefore(CCRef const * ref);
+    struct Before;
+    Before WhatStandsBefore(CCRef const * ref);
     template <typename Take>
-    void ForEachDirtyAt(CCRef const * ref, Take && take) const;
+    void ForEachDirtyAt(CCRef const * placed, Take && take) const;
     void Compute(CCCellManager & manager, SCCalcEntry & entry);
     void CollectDependents(SCCalcEntry const & entry, Entries & found) const;
     Neighbours FindNeighbours(SCCalcEntry const & entry);
@@ -130,6 +133,7 @@ private:
     SCCalcEntry * m_pAt = nullptr;  // the entry that a running pass has reached
     SCCalcEntry * m_pEnd = nullptr; // where the pass ends
     bool m_bCalculating = false;
-    int m_nWalks = 0;                                    // passes and settlings that are under way
+    Entries m_Computing; // those whose computing is under way, innermost last
+    int m_nWalks = 0;    // passes and settlings that are under way
     std::vector<std::unique_ptr<SCCalcEntry>> m_Removed; // meanwhile
 };

@@ -103,6 +103,8 @@ public:
         m_Value.Set(number, format);
         OnValueStored();
     }
+    // Takes the formula out of the graph as one that reads itself, with the message for it.
+    void RefuseCircle(cells::CTX * ctx);
     int IsValueNumber() const { return m_Value.IsNumber(); }
     int IsValueText() const { return m_Value.IsText(); }
     int IsValueError() const { return m_Value.IsError(); }
@@ -117,8 +119,6 @@ protected:
         OnValueStored();
     }
     void SetFormulaCirc(int circular) { m_bCircular = circular != 0; }
-    // Takes the formula out of the graph as one that reads itself, with the message for it.
-    void RefuseCircle(cells::CTX * ctx);
     // A cell's place together with its sheet; the caller's.
     static CCRef * MakeCellRef3D(cells::CTX * ctx, CCCell const * cell);
     // Stores the formula, which it takes over, and registers it without computing it: for a bulk

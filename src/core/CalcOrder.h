@@ -26,7 +26,8 @@ struct SCCalcEntry {
     CCRef * m_pRef = nullptr; // owned; a CCRef3D
     uchar m_bDirty = 0;
     uchar m_bVisited = 0;
-    int m_nIndex = -1; // -1 out of the order; inside it only CalcOrder::IndexOf tells the place
+    uchar m_bCircular = 0; // to be refused when its computing ends
+    int m_nIndex = -1;     // -1 out of the order; inside it only CalcOrder::IndexOf tells the place
 
     // Kept by CalcOrder.
     std::uint64_t label = 0;
