@@ -91,6 +91,17 @@ void Book::Link(LinkTable * links, CString const & document) {
     m_Document = document;
 }
 
+bool Book::ReadsLinks() {
+    if (Count() == 0) return false;
+    bool const reads = At(0).GetRecalcRemote(1) != 0;
+    SetReadsLinks(At(0).GetTrueRecalcRemote());
+    return reads;
+}
+
+void Book::SetReadsLinks(ECRecalcRemote answer) {
+    for (SheetManager * sheet : m_Sheets) sheet->SetRecalcRemote(answer);
+}
+
 void Book::ForEachLink(std::function<void(SheetManager &, GridCell &)> const & visit) const {
     std::vector<std::pair<SheetManager *, GridCell *>> linked;
     for (SheetManager * sheet : m_Sheets)

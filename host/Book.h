@@ -4,6 +4,7 @@
 // of the graph before sheets change their positions or names, and are put back behind the change.
 #pragma once
 
+#include "core/CCCellManager.h"
 #include "core/CCWorkbook.h"
 #include "host/Properties.h"
 
@@ -38,6 +39,9 @@ public:
     LinkTable * Links() const { return m_pLinks; }
     CString const & Document() const { return m_Document; } // its name; empty while not open
     bool WantsLinks() const;                                // whether the user wants links read
+    // Whether the user wants links read when they can be; asked once.
+    bool ReadsLinks();
+    void SetReadsLinks(ECRecalcRemote answer);
     // Visits the formulas that read other documents.
     void ForEachLink(std::function<void(SheetManager &, GridCell &)> const & visit) const;
     void BringUpToDate();

@@ -20,6 +20,8 @@ public:
     // instead. What comes from outside the process is tested with CCTransportInterface::IsReply
     // first.
     virtual bool Carry(CFile & request) = 0;
+    // Called when all open documents are up to date, for what could not be done before.
+    virtual void OnQuiet() {}
 };
 
 // Data that is no workbook. It overrides those OnRemote... operations that it can answer: for plain

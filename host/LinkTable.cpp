@@ -114,6 +114,11 @@ void LinkTable::Deliver() {
 }
 
 void LinkTable::Recalculate() {
+    Settle();
+    for (Carrier * carrier : std::vector<Carrier *>(carriers)) carrier->OnQuiet();
+}
+
+void LinkTable::Settle() {
     for (int round = 0; round < kMostRounds; ++round) {
         Deliver();
         for (std::size_t i = 0; i < m_Books.size(); ++i) m_Books[i]->BringUpToDate();
@@ -143,6 +148,31 @@ void LinkTable::TellUnsettled() {
             if (node->m_pRef->GetType() == kRefRemote)
                 sheet->DoRemoteInitRecalc(static_cast<CCRemoteRef *>(node->m_pRef), 1);
     }
+}
+
+namespace {
+
+bool ReadsAny(CCFormula const & formula, std::vector<std::string> const & documents) {
+    for (std::string const & link : LinksOf(formula))
+        for (std::string const & name : documents)
+            if (IsDocumentCalled(name, link) || IsDocumentCalled(link, name)) return true;
+    return false;
+}
+
+} // namespace
+
+void LinkTable::Register(Book & book, std::vector<std::string> const & names) {
+    book.ForEachLink([&](SheetManager & sheet, GridCell & cell) {
+        if (!names.empty() && !ReadsAny(*cell.LoadFormula(&sheet), names)) return;
+        internal::DirtyMarkGuard const silent(&sheet);
+        bool const reads = book.ReadsLinks();
+        cell.RegisterFormula(&sheet);
+        if (reads) sheet.InitIdleRecalc(&cell, 1);
+    });
+}
+
+void LinkTable::NoteReachable(std::vector<std::string> const & names) {
+    for (Book * book : std::vector<Book *>(m_Books)) Register(*book, names);
 }
 
 void LinkTable::Refresh(Book & book) {

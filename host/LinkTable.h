@@ -42,6 +42,11 @@ public:
     // Sends what waits.
     void Deliver();
     void Recalculate();
+    // Documents of these names can be reached from now on: formulas that read them are registered
+    // with them, and read anew where the user wants that.
+    void NoteReachable(std::vector<std::string> const & names);
+    // The same for the formulas of one document; for all of them with no names.
+    static void Register(Book & book, std::vector<std::string> const & names);
     // The formulas of a document whose links are to be read anew.
     static void Refresh(Book & book);
 
@@ -66,6 +71,7 @@ public:
 private:
     static void Post(std::deque<std::string> & posts, CFile & request);
     bool Route(CCRemoteRef const & ref, CFile & request);
+    void Settle();
     void TellUnsettled();
 
     std::vector<Book *> m_Books;

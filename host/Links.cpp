@@ -1,7 +1,5 @@
 #include "host/Links.h"
 
-#include "core/Guards.h"
-#include "formula/CCFormula.h"
 #include "host/Book.h"
 #include "host/LinkTable.h"
 #include "host/SheetManager.h"
@@ -11,51 +9,18 @@
 #include <stdexcept>
 
 namespace cells::host {
-namespace {
-
-// Whether a formula reads a document.
-bool Reads(SheetManager & sheet, GridCell & cell, Book const & document) {
-    std::string const path = ToUtf8(document.Document());
-    for (std::string const & name : LinksOf(*cell.LoadFormula(&sheet)))
-        if (IsDocumentCalled(path, name) || IsDocumentCalled(name, path)) return true;
-    return false;
-}
-
-void SetWanted(Book & book, ECRecalcRemote wanted) {
-    for (int i = 0; i < book.Count(); ++i) book.At(i).SetRecalcRemote(wanted);
-}
-
-// Whether the user wants links read; asked once a document.
-bool WantsLinks(Book & book) {
-    if (book.Count() == 0) return false;
-    bool const wants = book.At(0).GetRecalcRemote(1) != 0;
-    SetWanted(book, book.At(0).GetTrueRecalcRemote());
-    return wants;
-}
-
-} // namespace
-
 Links::Links() : m_Table(std::make_unique<LinkTable>()) {}
 Links::~Links() = default;
 
-// Formulas that name the new document, in any document, are registered with it from now on.
 void Links::Open(std::string_view name, Workbook & book, ReadLinks read) {
     if (name.empty() || name.front() == '?' || m_Table->Find(FromUtf8(name)))
         throw std::invalid_argument("no document can be opened as \"" + std::string(name) + "\"");
     Book & opened = *book.m_Book;
     if (opened.Links()) throw std::invalid_argument("the workbook is open already");
     m_Table->Join(opened, FromUtf8(name));
-    if (read != ReadLinks::kAsk) SetWanted(opened, read == ReadLinks::kYes ? rrYes : rrNo);
-    for (Book * reader : m_Table->Books()) {
-        std::optional<bool> wants;
-        reader->ForEachLink([&](SheetManager & sheet, GridCell & cell) {
-            if (reader != &opened && !Reads(sheet, cell, opened)) return;
-            if (!wants) wants = WantsLinks(*reader);
-            internal::DirtyMarkGuard const silent(&sheet);
-            cell.RegisterFormula(&sheet);
-            if (*wants) sheet.InitIdleRecalc(&cell, 1);
-        });
-    }
+    if (read != ReadLinks::kAsk) opened.SetReadsLinks(read == ReadLinks::kYes ? rrYes : rrNo);
+    m_Table->Register(opened, {});
+    m_Table->NoteReachable({std::string(name)});
 }
 
 void Links::Close(Workbook & book) {

@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <poll.h>
+#include <random>
 #include <stdexcept>
 #include <unistd.h>
 #include <utility>
@@ -26,11 +27,58 @@ constexpr std::size_t kMostPeers = 100;
 constexpr std::size_t kMostPostponed = 1000;
 constexpr int kMostAtOnce = 1000; // messages between two looks at what else there is to do
 
-// A list of names: each its length (32 bits, little-endian) and its bytes.
+// A request, for all processes.
+struct Token {
+    std::uint64_t process = 0;
+    std::uint32_t number = 0;
+};
+
+// The requests on whose behalf a request is made, and itself as the last: their count (32 bits)
+// and each token (64 and 32 bits), before the request proper.
+constexpr std::size_t kMostTokens = 256, kTokenSize = 12;
+using Chain = std::vector<Token>;
+
+void PutBytes(std::string & bytes, std::uint64_t number, int count) {
+    for (int i = 0; i < count; ++i) bytes += char(number >> 8 * i);
+}
+
+std::uint64_t TakeBytes(std::string_view & bytes, int count) {
+    std::uint64_t number = 0;
+    for (int i = count - 1; i >= 0; --i)
+        number = number << 8 | static_cast<unsigned char>(bytes[std::size_t(i)]);
+    bytes.remove_prefix(std::size_t(count));
+    return number;
+}
+
+std::string WriteChain(Chain const & chain) {
+    std::string bytes;
+    PutBytes(bytes, chain.size(), 4);
+    for (Token const & token : chain) {
+        PutBytes(bytes, token.process, 8);
+        PutBytes(bytes, token.number, 4);
+    }
+    return bytes;
+}
+
+// Cuts the chain off; false where there is none.
+bool TakeChain(std::string_view & bytes, Chain & chain) {
+    if (bytes.size() < 4) return false;
+    std::uint64_t const count = TakeBytes(bytes, 4);
+    if (count > kMostTokens || bytes.size() < count * kTokenSize) return false;
+    for (std::uint64_t i = 0; i < count; ++i) {
+        Token token;
+        token.process = TakeBytes(bytes, 8);
+        token.number = std::uint32_t(TakeBytes(bytes, 4));
+        chain.push_back(token);
+    }
+    return true;
+}
+
+// A list of names: each its length (32 bits) and its bytes.
 std::string WriteNames(std::vector<std::string> const & names) {
     std::string bytes;
     for (std::string const & name : names) {
-        for (int shift = 0; shift < 32; shift += 8) bytes += char(name.size() >> shift);
+        PutBytes(bytes, name.size(), 4);
         bytes += name;
     }
     return bytes;
@@ -40,15 +88,17 @@ std::string WriteNames(std::vector<std::string> const & names) {
 std::vector<std::string> ReadNames(std::string_view bytes) {
     std::vector<std::string> names;
     while (bytes.size() >= 4 && names.size() < kMostNames) {
-        std::size_t length = 0;
-        for (int i = 3; i >= 0; --i)
-            length = length << 8 | static_cast<unsigned char>(bytes[std::size_t(i)]);
-        bytes.remove_prefix(4);
+        std::uint64_t const length = TakeBytes(bytes, 4);
         if (length == 0 || length > kLongestName || length > bytes.size()) break;
         if (bytes[0] != '?') names.emplace_back(bytes.substr(0, length));
         bytes.remove_prefix(length);
     }
     return names;
+}
+
+std::uint64_t NewProcessNumber() {
+    std::random_device random;
+    return std::uint64_t(random()) << 32 | random();
 }
 
 } // namespace
@@ -59,7 +109,6 @@ struct Peers::State {
         PeerSocket socket;
         std::vector<std::string> documents;
         bool hasSaidHello = false;
-        int waits = 0; // requests of ours that it has not answered
     };
     using Shared = std::shared_ptr<Peer>; // a peer may go while somebody waits for it
 
@@ -88,9 +137,12 @@ struct Peers::State {
     std::vector<Shared> peers;
     std::map<std::uint32_t, Wait *> waits; // by number
     std::uint32_t lastNumber = 0;
+    std::uint64_t process = NewProcessNumber();
+    Chain answering; // the request that is being answered, and what it was made for
     Clock::time_point deadline = Clock::time_point::max(); // of the innermost wait
     std::vector<Postponed> postponed;
-    std::vector<std::string> told; // the names that peers have heard
+    std::vector<std::string> told;      // the names that peers have heard
+    std::vector<std::string> reachable; // those that peers have told since formulas were registered
 
     void Add(int file) {
         if (peers.size() >= kMostPeers) {
@@ -149,8 +201,7 @@ struct Peers::State {
     void Handle(Shared const & peer) {
         while (std::optional<Message> message = peer->socket.Next()) {
             if (message->kind == MessageKind::kHello) {
-                peer->documents = ReadNames(message->payload);
-                peer->hasSaidHello = true;
+                TakeNames(*peer, ReadNames(message->payload));
             } else if (message->kind == MessageKind::kRequest) {
                 Answer(peer, *message);
             } else {
@@ -161,9 +212,34 @@ struct Peers::State {
         }
     }
 
+    void TakeNames(Peer & peer, std::vector<std::string> names) {
+        for (std::string const & name : names)
+            if (std::find(peer.documents.begin(), peer.documents.end(), name) ==
+                peer.documents.end())
+                reachable.push_back(name);
+        peer.documents = std::move(names);
+        peer.hasSaidHello = true;
+    }
+
+    // Formulas here that read what others have opened; not while somebody waits.
+    void RegisterWithReachable() {
+        if (waits.empty() && !reachable.empty())
+            links.Table().NoteReachable(std::exchange(reachable, {}));
+    }
+
     void Answer(Shared const & peer, Message const & message) {
-        LinkTable::OthersGuard const others(links.Table(), !waits.empty() && peer->waits == 0);
-        CMemFile file(message.payload.data(), message.payload.size());
+        std::string_view bytes = message.payload;
+        Chain chain;
+        if (!TakeChain(bytes, chain))
+            return peer->socket.Send({MessageKind::kRefusal, message.number, {}});
+        struct Answering {
+            Chain & slot;
+            Chain before;
+            Answering(Chain & s, Chain const & now) : slot(s), before(std::exchange(s, now)) {}
+            ~Answering() { slot = std::move(before); }
+        } const current(answering, chain);
+        LinkTable::OthersGuard const others(links.Table(), !IsOurs(chain));
+        CMemFile file(bytes.data(), bytes.size());
         bool isAnswered = false;
         try {
             isAnswered = links.Answer(file, options.mayWrite);
@@ -178,15 +254,25 @@ struct Peers::State {
         peer->socket.Send(reply);
     }
 
-    // When nobody waits any more.
+    // Whether a request is made for one of ours that is under way.
+    bool IsOurs(Chain const & chain) const {
+        return std::any_of(chain.begin(), chain.end(), [&](Token const & token) {
+            return token.process == process && waits.count(token.number);
+        });
+    }
+
+    // When nothing is being computed any more.
     void AnswerPostponed() {
         for (Postponed const & request : std::exchange(postponed, {}))
             if (Shared const peer = request.peer.lock()) Answer(peer, request.message);
     }
 
     // Asks and waits; nothing where no reply comes in time.
-    std::optional<Message> Ask(Shared const & peer, std::string payload) {
+    std::optional<Message> Ask(Shared const & peer, std::string const & request) {
         std::uint32_t const number = ++lastNumber;
+        if (answering.size() >= kMostTokens) return std::nullopt;
+        Chain chain = answering;
+        chain.push_back({process, number});
         Wait wait{peer, std::nullopt};
         struct Waiting {
             State & state;
@@ -195,29 +281,25 @@ struct Peers::State {
             Clock::time_point outer;
             Waiting(State & s, Wait & w, std::uint32_t n)
                 : state(s), wait(w), number(n),
-                  outer(std::exchange(
-                      s.deadline, std::min(s.deadline, Clock::now() + s.options.timeLimit))) {
+                  outer(std::exchange(s.deadline,
+                                      std::min(s.deadline, Clock::now() + s.options.timeLimit))) {
                 s.waits[n] = &w;
-                ++w.peer->waits;
             }
             ~Waiting() {
                 state.waits.erase(number);
-                --wait.peer->waits;
                 state.deadline = outer;
             }
         };
         {
             Waiting const waiting(*this, wait, number);
-            peer->socket.Send({MessageKind::kRequest, number, std::move(payload)});
+            peer->socket.Send({MessageKind::kRequest, number, WriteChain(chain) + request});
             while (!wait.reply && peer->socket.IsOpen()) {
-                auto const left =
-                    std::chrono::duration_cast<milliseconds>(deadline - Clock::now());
+                auto const left = std::chrono::duration_cast<milliseconds>(deadline - Clock::now());
                 if (left.count() <= 0) break;
                 Work(left);
             }
             if (!wait.reply) Handle(peer); // what it had sent before it closed
         }
-        if (waits.empty()) AnswerPostponed();
         return wait.reply;
     }
 };
@@ -244,13 +326,16 @@ void Peers::Connect(std::filesystem::path const & socket) {
         peer->socket.Close();
         throw std::runtime_error(socket.string() + ": the process there does not answer");
     }
+    m_State->RegisterWithReachable();
 }
 
 bool Peers::Poll(milliseconds wait) {
     m_State->TellNames();
+    m_State->AnswerPostponed();
     bool const any = m_State->Work(wait);
     for (int i = 0; i < kMostAtOnce && m_State->Work(milliseconds(0)); ++i) {
     }
+    m_State->RegisterWithReachable();
     return any;
 }
 
@@ -258,6 +343,7 @@ void Peers::PollUntilReadable(int file) {
     for (;;) {
         m_State->TellNames();
         m_State->Work(std::chrono::hours(1), file);
+        m_State->RegisterWithReachable();
         m_State->links.Recalculate();
         pollfd input{file, POLLIN, 0};
         if (::poll(&input, 1, 0) != 0) return;
@@ -278,6 +364,8 @@ int Peers::Count() const {
 
 bool Peers::Serves(std::string_view document) { return m_State->Find(document) != nullptr; }
 
+void Peers::OnQuiet() { m_State->AnswerPostponed(); }
+
 bool Peers::Carry(CFile & request) {
     int operation;
     CCRemoteRef ref;
@@ -285,9 +373,9 @@ bool Peers::Carry(CFile & request) {
     auto const peer = m_State->Find(ToUtf8(ref.document()));
     if (!peer) return false;
     m_State->TellNames();
-    std::string payload(std::size_t(request.GetLength()), '\0');
-    request.Read(payload.data(), payload.size());
-    auto const reply = m_State->Ask(peer, std::move(payload));
+    std::string bytes(std::size_t(request.GetLength()), '\0');
+    request.Read(bytes.data(), bytes.size());
+    auto const reply = m_State->Ask(peer, bytes);
     if (!reply || reply->kind != MessageKind::kReply) return false;
     CMemFile tested(reply->payload.data(), reply->payload.size());
     if (!CCTransportInterface::IsReply(tested, operation)) return false;

@@ -58,6 +58,7 @@ public:
 
     bool Serves(std::string_view document) override;
     bool Carry(CFile & request) override;
+    void OnQuiet() override;
 
 private:
     struct State;

@@ -207,6 +207,21 @@ TEST_F(LinkedBooks, ACircleThroughThreeDocumentsAndAnAreaIsRefused) {
     EXPECT_EQ(c.Text("C1"), "3");
 }
 
+TEST_F(LinkedBooks, ACircleThatLeadsThroughCellsBetweenIsRefused) {
+    a.Enter("A1", "1");
+    a.Enter("A2", "=A1+1");
+    a.Enter("A3", "=SUM(A2:A2)");
+    b.Enter("B1", "=REMOTE(\"a\",\"A3\")");
+    b.Enter("B2", "=B1+1");
+    links.Recalculate();
+    a.Enter("A1", "=REMOTE(\"b\",\"B2\")");
+    links.Recalculate();
+    EXPECT_EQ(a.Text("A1"), "#CIRC!");
+    a.Enter("A1", "5");
+    links.Recalculate();
+    EXPECT_EQ(b.Text("B2"), "7");
+}
+
 // Many readers of a document that are not circles, although requests nest.
 TEST_F(LinkedBooks, NoCircleIsSeenWhereThereIsNone) {
     a.Enter("A1", "1");
