@@ -177,6 +177,14 @@ std::optional<std::string> Sheet::Formula(Place place) {
     return EditText(place);
 }
 
+std::optional<std::string> Sheet::Hyperlink(Place place) {
+    Require(place);
+    GridCell * const cell = m_Manager->Cells().FindCell(place);
+    CString target;
+    if (!cell || !cell->GetHyperLink(m_Manager.get(), target)) return std::nullopt;
+    return ToUtf8(target);
+}
+
 Value Sheet::Get(Place place) const {
     Require(place);
     CCRCRef const ref = RefOf(place);

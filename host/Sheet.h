@@ -123,6 +123,8 @@ public:
     std::string Text(std::string_view place) const { return Text(At(place)); }
     std::string EditText(Place place);               // as it is edited: a formula begins with "="
     std::optional<std::string> Formula(Place place); // the edit text of a formula
+    // Where the HYPERLINK of a cell leads; nothing for a cell without one.
+    std::optional<std::string> Hyperlink(Place place);
     Value Get(Place place) const;
     Value Get(std::string_view place) const { return Get(At(place)); }
 

@@ -3,6 +3,7 @@
 #include "cvcells/Documents.h"
 #include "cvcells/Prompt.h"
 #include "cvcells/Session.h"
+#include "platform/Services.h"
 #include "platform/Utf.h"
 
 #include <algorithm>
@@ -90,7 +91,11 @@ int Guarded(std::function<int()> const & work) {
 
 int Calc(CalcOptions const & options) {
     return Guarded([&] {
+        LinkSet links(options.locale);
+        links.Add(options.links);
         auto const book = LoadWorkbook(options.files, options.locale, InputFormatOf(options));
+        OpenIn(links, options.links, options.files[0], *book);
+        for (std::string const & property : options.properties) SetProperty(*book, property);
         std::string range = options.range;
         Sheet & sheet = TakeSheet(*book, ChooseSheet(*book, options.sheet), range);
         ProgressLine progress;
@@ -98,7 +103,7 @@ int Calc(CalcOptions const & options) {
         for (std::string const & assignment : options.set)
             EnterAssignment(*book, sheet, assignment);
         for (std::string const & format : options.formats) FormatAssignment(*book, sheet, format);
-        sheet.Recalculate();
+        book->Recalculate();
         Show const show = options.show == "formulas" ? Show::kFormulas : Show::kValues;
         WriteFile(options.output,
                   Render(sheet, ShownArea(sheet, range), OutputFormatOf(options.format), show));
@@ -109,8 +114,11 @@ int Calc(CalcOptions const & options) {
 // Each text has a cell of its own below and beyond whatever is set.
 int Eval(EvalOptions const & options) {
     return Guarded([&] {
+        LinkSet links(options.locale);
+        links.Add(options.links);
         host::Workbook book(options.locale);
         Sheet & sheet = book.Add("Sheet1");
+        OpenIn(links, options.links, "eval", book);
         std::vector<std::string> const & texts = options.texts;
         for (std::string const & assignment : options.set) EnterAssignment(book, sheet, assignment);
         int const column = sheet.UsedArea() ? sheet.UsedArea()->last.column + 1 : 0;
@@ -125,7 +133,7 @@ int Eval(EvalOptions const & options) {
             message.clear();
             sheet.Enter(place, text);
             if (!options.format.empty()) sheet.SetNumberFormat({place, place}, options.format);
-            sheet.Recalculate();
+            book.Recalculate();
             std::cout << sheet.Text(place) << '\n';
             if (message.empty()) continue;
             std::cerr << "cvcells: " << text << ": " << message << '\n';
@@ -135,11 +143,17 @@ int Eval(EvalOptions const & options) {
     });
 }
 
-int Repl(std::string const & locale, std::string const & file) {
+int Repl(std::string const & locale, std::string const & file, LinkOptions const & links) {
     return Guarded([&] {
-        Session session(locale, std::cout, true);
-        if (!file.empty()) session.Execute("load " + file);
         Prompt prompt;
+        if (prompt.IsInteractive())
+            PlatformServices().askYesNo = [](unsigned int, CString const & text) {
+                return Prompt::Ask(ToUtf8(text));
+            };
+        Session session(locale, std::cout, true);
+        session.AddLinks(links);
+        if (!file.empty()) session.Execute("load " + file);
+        prompt.WhileWaiting([&] { session.ServeUntilInput(STDIN_FILENO); });
         int status = 0;
         std::string line;
         for (int number = 1; prompt.Read(line); ++number) {

@@ -1,6 +1,7 @@
 // The commands of the program. Each gives an exit status: 0, or 1 for bad input.
 #pragma once
 
+#include "cvcells/LinkSet.h"
 #include "cvcells/Output.h"
 
 #include <functional>
@@ -21,8 +22,10 @@ struct CalcOptions {
     std::string show = "values";
     std::string range;
     std::string locale;
-    std::vector<std::string> set;     // CELL=TEXT, entered after the load
-    std::vector<std::string> formats; // AREA=FORMAT
+    std::vector<std::string> set;        // CELL=TEXT, entered after the load
+    std::vector<std::string> formats;    // AREA=FORMAT
+    std::vector<std::string> properties; // NAME=TEXT
+    LinkOptions links;
     std::string output = "-";
 };
 
@@ -32,8 +35,10 @@ struct ConvertOptions {
     std::vector<std::string> inputs;
     std::string output;
     std::string locale;
-    std::string sheet;             // to write as text
-    std::string show = "formulas"; // or values
+    std::string sheet;                   // to write as text
+    std::string show = "formulas";       // or values
+    std::vector<std::string> properties; // NAME=TEXT
+    LinkOptions links;
 };
 
 // Between texts and saved documents, by extension.
@@ -46,13 +51,25 @@ struct EvalOptions {
     std::string locale;
     std::vector<std::string> set, texts;
     std::string format; // a number format for all results; empty: none
+    LinkOptions links;
 };
 
 int Eval(EvalOptions const & options);
 // The built-in custom formats of a locale, with an example each.
 int Formats(std::string const & locale);
-int Repl(std::string const & locale, std::string const & file);
+int Repl(std::string const & locale, std::string const & file, LinkOptions const & links);
 int TestFiles(std::string const & locale, std::vector<std::string> const & files);
+
+struct ServeOptions {
+    std::vector<std::string> files;
+    std::string socket;
+    std::string locale;
+    bool writable = false;
+    LinkOptions links;
+};
+
+// Answers other processes until it is told to stop.
+int Serve(ServeOptions const & options);
 // The language of formulas and messages from now on: a file, or the name of one in the folders of
 // languages, such as "de". An unknown one throws InputError.
 void ChooseLanguage(std::string const & nameOrFile);

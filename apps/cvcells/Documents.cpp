@@ -64,6 +64,11 @@ void PrintSheets(Workbook & book) {
 
 } // namespace
 
+void OpenIn(LinkSet & links, LinkOptions const & options, std::string const & name,
+            Workbook & book) {
+    if (!options.IsEmpty()) links.Links().Open(name, book, host::ReadLinks::kYes);
+}
+
 bool IsDocumentName(std::string const & path) {
     return std::filesystem::path(path).extension() == ".cvs";
 }
@@ -100,9 +105,30 @@ Sheet & TakeSheet(Workbook const & book, Sheet & sheet, std::string & text) {
     throw InputError(name + ": no such sheet");
 }
 
+void SetProperty(Workbook & book, std::string const & assignment) {
+    std::size_t const equals = assignment.find('=');
+    auto const property = host::FindProperty(assignment.substr(0, equals));
+    if (equals == std::string::npos || !property) {
+        std::string names;
+        for (host::Property known : host::AllProperties())
+            names += " " + std::string(host::NameOf(known));
+        throw InputError("--property " + assignment + ": expected NAME=TEXT, with a name of" +
+                         names);
+    }
+    try {
+        book.SetProperty(*property, assignment.substr(equals + 1));
+    } catch (std::invalid_argument const & error) {
+        throw InputError("--property " + assignment + ": " + error.what());
+    }
+}
+
 int Convert(ConvertOptions const & options) {
     return Guarded([&] {
+        LinkSet links(options.locale);
+        links.Add(options.links);
         auto const book = LoadWorkbook(options.inputs, options.locale);
+        for (std::string const & property : options.properties) SetProperty(*book, property);
+        OpenIn(links, options.links, options.output, *book);
         book->Recalculate();
         if (IsDocumentName(options.output)) {
             book->Save(options.output);
@@ -127,6 +153,9 @@ int Check(std::string const & file, std::string const & recovered) {
         auto const found = Workbook::Recover(ReadFile(file), "C");
         PrintDamages(file, found.damages);
         PrintSheets(*found.book);
+        for (host::Property property : host::AllProperties())
+            if (std::string const text = found.book->GetProperty(property); !text.empty())
+                std::cout << host::NameOf(property) << ": " << text << '\n';
         for (std::string const & flaw : found.book->CheckInvariants())
             std::cout << file << ": " << flaw << '\n';
         if (!recovered.empty()) found.book->Save(recovered);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "cvcells/Csv.h"
+#include "cvcells/LinkSet.h"
 #include "host/Workbook.h"
 
 #include <memory>
@@ -27,5 +28,12 @@ host::Sheet & ChooseSheet(host::Workbook const & book, std::string const & name)
 // Cuts "NAME!" off a place or an area, which then belongs to that sheet; without it, to `sheet`.
 // Throws InputError for a sheet that is not there.
 host::Sheet & TakeSheet(host::Workbook const & book, host::Sheet & sheet, std::string & text);
+
+// Lets a workbook read what the links lead to, where there are any.
+void OpenIn(LinkSet & links, LinkOptions const & options, std::string const & name,
+            host::Workbook & book);
+
+// "title=Plan": a property of the workbook. Throws InputError.
+void SetProperty(host::Workbook & book, std::string const & assignment);
 
 } // namespace cells::app

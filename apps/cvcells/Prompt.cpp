@@ -85,6 +85,7 @@ Prompt::Prompt() {
 Prompt::~Prompt() = default;
 
 bool Prompt::Read(std::string & line) {
+    if (m_WhileWaiting && std::cin.rdbuf()->in_avail() <= 0) m_WhileWaiting();
     if (!m_Editor) return static_cast<bool>(std::getline(std::cin, line));
     int count = 0;
     char const * const text = el_gets(m_Editor->line, &count);
@@ -93,6 +94,13 @@ bool Prompt::Read(std::string & line) {
     if (line.back() == '\n') line.pop_back();
     if (!line.empty()) history(m_Editor->history, &m_Editor->event, H_ENTER, line.c_str());
     return true;
+}
+
+bool Prompt::Ask(std::string const & question) {
+    std::cout << question << " [y/N] " << std::flush;
+    std::string answer;
+    return std::getline(std::cin, answer) && !answer.empty() &&
+           (answer[0] == 'y' || answer[0] == 'Y');
 }
 
 } // namespace cells::app

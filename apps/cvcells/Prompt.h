@@ -1,6 +1,7 @@
 // Lines from a person at a terminal, with history and completion of function names, or from a pipe.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -16,10 +17,15 @@ public:
     bool IsInteractive() const { return m_Editor != nullptr; }
     // The next line without its end; false at the end of the input.
     bool Read(std::string & line);
+    // What to do until there is something to read.
+    void WhileWaiting(std::function<void()> work) { m_WhileWaiting = std::move(work); }
+    // A question to the person at the terminal.
+    static bool Ask(std::string const & question);
 
 private:
     struct Editor;
     std::unique_ptr<Editor> m_Editor; // null for a pipe
+    std::function<void()> m_WhileWaiting;
 };
 
 } // namespace cells::app

@@ -79,20 +79,39 @@ std::string Joined(std::vector<std::string> const & words) {
 } // namespace
 
 Session::Command const Session::kCommands[] = {
-    {"?", &Session::Explain},          {"clear", &Session::Clear},
-    {"format", &Session::Format},      {"name", &Session::DefineName},
-    {"lock", &Session::Lock},          {"unlock", &Session::Unlock},
-    {"hide", &Session::Hide},          {"unhide", &Session::Unhide},
-    {"protect", &Session::Protect},    {"unprotect", &Session::Unprotect},
-    {"find", &Session::Find},          {"replace", &Session::Replace},
-    {"locale", &Session::SetLocale},   {"load", &Session::Load},
-    {"save", &Session::Save},          {"idle", &Session::Idle},
-    {"help", &Session::Help},          {"expect", &Session::Expect},
-    {"sheets", &Session::Sheets},      {"sheet", &Session::GoToSheet},
-    {"rename", &Session::RenameSheet}, {"remove", &Session::RemoveSheet},
-    {"insert", &Session::InsertLines}, {"delete", &Session::DeleteLines},
-    {"copy", &Session::Copy},          {"move", &Session::Move},
-    {"undo", &Session::Undo},          {"redo", &Session::Redo},
+    {"?", &Session::Explain},
+    {"clear", &Session::Clear},
+    {"format", &Session::Format},
+    {"name", &Session::DefineName},
+    {"lock", &Session::Lock},
+    {"unlock", &Session::Unlock},
+    {"hide", &Session::Hide},
+    {"unhide", &Session::Unhide},
+    {"protect", &Session::Protect},
+    {"unprotect", &Session::Unprotect},
+    {"find", &Session::Find},
+    {"replace", &Session::Replace},
+    {"locale", &Session::SetLocale},
+    {"load", &Session::Load},
+    {"save", &Session::Save},
+    {"idle", &Session::Idle},
+    {"help", &Session::Help},
+    {"expect", &Session::Expect},
+    {"sheets", &Session::Sheets},
+    {"sheet", &Session::GoToSheet},
+    {"rename", &Session::RenameSheet},
+    {"remove", &Session::RemoveSheet},
+    {"insert", &Session::InsertLines},
+    {"delete", &Session::DeleteLines},
+    {"copy", &Session::Copy},
+    {"move", &Session::Move},
+    {"undo", &Session::Undo},
+    {"redo", &Session::Redo},
+    {"link", &Session::Link},
+    {"peer", &Session::Peer},
+    {"links", &Session::ShowLinks},
+    {"refresh", &Session::Refresh},
+    {"property", &Session::ShowOrSetProperty},
 };
 
 std::string const & Session::HelpText() {
@@ -121,6 +140,12 @@ std::string const & Session::HelpText() {
         "locale TAG            start an empty workbook in another locale, such as de-DE\n"
         "load FILE, save FILE  a workbook (.cvs), or the present sheet as comma or tab separated\n"
         "                      text, by extension\n"
+        "link FILE             let formulas read another workbook, a text or a database\n"
+        "peer SOCKET           let formulas read what another process serves there\n"
+        "links                 what can be read\n"
+        "refresh               read all links anew\n"
+        "property [NAME [TEXT]]  what the workbook says of itself, such as its title; - is "
+        "nothing\n"
         "idle                  bring everything up to date (edits do it by themselves)\n"
         "expect CELL TEXT      the cell shows the text; also: expect value CELL NUMBER,\n"
         "                      expect text CELL TEXT, expect error N CELL, expect empty CELL,\n"
@@ -133,14 +158,17 @@ std::string const & Session::HelpText() {
 }
 
 Session::Session(std::string locale, std::ostream & out, bool tellChanges)
-    : m_Locale(std::move(locale)), m_Out(out), m_bTellChanges(tellChanges) {
+    : m_Locale(std::move(locale)), m_Links(std::make_unique<LinkSet>(m_Locale)), m_Out(out),
+      m_bTellChanges(tellChanges) {
     SetLocale(m_Locale);
 }
 
-void Session::SetBook(std::unique_ptr<host::Workbook> book) {
+void Session::SetBook(std::unique_ptr<host::Workbook> book, std::string const & name,
+                      host::ReadLinks read) {
     if (book->Count() == 0) book->Add("Sheet1");
     m_Changed.clear();
     m_Book = std::move(book);
+    m_Links->Links().Open(name, *m_Book, read);
     m_Book->KeepHistory(kRememberedEdits);
     for (int i = 0; i < m_Book->Count(); ++i) Watch(m_Book->At(i));
     m_Current = m_Sheet = &m_Book->At(0);
@@ -258,6 +286,7 @@ void Session::Explain(std::string const & rest) {
         m_Out << "  class       " << value.formatClass << ' '
               << (known ? kClasses[value.formatClass] : "") << '\n';
     }
+    if (auto const target = m_Sheet->Hyperlink(place)) m_Out << "  leads to    " << *target << '\n';
     m_Out << "  format      " << m_Sheet->NumberFormat(place) << '\n';
     m_Out << "  reads       " << Joined(m_Sheet->Precedents(place)) << '\n';
     m_Out << "  is read by  " << Joined(m_Sheet->Dependents(place)) << '\n';
@@ -326,12 +355,13 @@ void Session::DefineName(std::string const & rest) {
 }
 
 void Session::SetLocale(std::string const & rest) {
-    SetBook(std::make_unique<host::Workbook>(rest));
+    SetBook(std::make_unique<host::Workbook>(rest), "Untitled", host::ReadLinks::kYes);
     m_Locale = rest;
 }
 
 void Session::Load(std::string const & rest) {
-    if (IsDocumentName(rest)) return SetBook(LoadWorkbook({rest}, m_Locale));
+    if (IsDocumentName(rest))
+        return SetBook(LoadWorkbook({rest}, m_Locale), rest, host::ReadLinks::kAsk);
     LoadText(*m_Sheet, rest, ReadFile(rest), FormatOf(rest));
     m_Changed.clear();
 }
@@ -441,6 +471,56 @@ void Session::Replayed() {
 }
 
 void Session::Idle(std::string const &) { Edited(); }
+
+// Links and properties
+
+void Session::AddLinks(LinkOptions const & links) {
+    m_Links->Add(links);
+    if (!links.IsEmpty()) Refresh({});
+}
+
+void Session::ServeUntilInput(int file) { m_Links->Peers().PollUntilReadable(file); }
+
+void Session::Link(std::string const & rest) {
+    if (rest.empty()) throw CommandError("link needs the name of a file");
+    m_Links->AddFile(rest);
+    Refresh({});
+}
+
+void Session::Peer(std::string const & rest) {
+    m_Links->AddPeer(rest);
+    Refresh({});
+}
+
+void Session::ShowLinks(std::string const &) {
+    for (std::string const & name : m_Links->Links().Documents()) m_Out << name << '\n';
+    for (std::string const & name : m_Links->Databases()) m_Out << name << " (database)\n";
+    for (std::string const & name : m_Links->Peers().Documents()) m_Out << name << " (peer)\n";
+}
+
+void Session::Refresh(std::string const &) {
+    m_Links->Links().Refresh(*m_Book);
+    Edited();
+}
+
+void Session::ShowOrSetProperty(std::string const & rest) {
+    std::string text = rest;
+    std::string const name = TakeWord(text);
+    if (name.empty()) {
+        for (host::Property property : host::AllProperties())
+            if (std::string const value = m_Book->GetProperty(property); !value.empty())
+                m_Out << host::NameOf(property) << ": " << value << '\n';
+        return;
+    }
+    auto const property = host::FindProperty(name);
+    if (!property) throw CommandError("no such property: " + name);
+    if (text.empty()) {
+        m_Out << m_Book->GetProperty(*property) << '\n';
+        return;
+    }
+    m_Book->SetProperty(*property, text == "-" ? "" : text);
+    Edited();
+}
 
 void Session::Help(std::string const &) { m_Out << HelpText(); }
 

@@ -9,6 +9,7 @@
 // HelpText() lists every command.
 #pragma once
 
+#include "cvcells/LinkSet.h"
 #include "host/Workbook.h"
 
 #include <iosfwd>
@@ -39,6 +40,11 @@ public:
     // Carries out one line; false for "quit". Throws CommandError and Unmet.
     bool Execute(std::string const & line);
 
+    // Files and processes that formulas may read.
+    void AddLinks(LinkOptions const & links);
+    // Answers other processes until the file has something to read.
+    void ServeUntilInput(int file);
+
     host::Workbook & GetBook() { return *m_Book; }
     static std::string const & HelpText();
 
@@ -50,7 +56,8 @@ private:
     };
     static Command const kCommands[];
 
-    void SetBook(std::unique_ptr<host::Workbook> book);
+    void SetBook(std::unique_ptr<host::Workbook> book, std::string const & name,
+                 host::ReadLinks read);
     void Watch(host::Sheet & sheet);
     // Places and areas as commands name them: behind "NAME!" on that sheet, which is the command's
     // sheet then.
@@ -79,6 +86,11 @@ private:
     void Load(std::string const & rest);
     void Save(std::string const & rest);
     void Idle(std::string const & rest);
+    void Link(std::string const & rest);
+    void Peer(std::string const & rest);
+    void ShowLinks(std::string const & rest);
+    void Refresh(std::string const & rest);
+    void ShowOrSetProperty(std::string const & rest);
     void Sheets(std::string const & rest);
     void GoToSheet(std::string const & rest);
     void RenameSheet(std::string const & rest);
@@ -96,6 +108,7 @@ private:
     void ExpectKind(host::Place place, host::Kind kind) const;
 
     std::string m_Locale;
+    std::unique_ptr<LinkSet> m_Links; // outlives the workbook
     std::unique_ptr<host::Workbook> m_Book;
     host::Sheet * m_Current = nullptr; // where commands go that name no sheet
     host::Sheet * m_Sheet = nullptr;   // the sheet of the running command

@@ -13,6 +13,24 @@ constexpr int kBadUsage = 2;
 
 using cells::app::CalcOptions;
 
+void AddLinks(CLI::App & command, cells::app::LinkOptions & links) {
+    command
+        .add_option("--link", links.files,
+                    "a workbook, a text or a database that formulas may read by its file name")
+        ->allow_extra_args(false);
+    command
+        .add_option("--peer", links.peers,
+                    "the socket of a process that serves documents (cvcells serve)")
+        ->allow_extra_args(false);
+}
+
+void AddProperties(CLI::App & command, std::vector<std::string> & properties) {
+    command
+        .add_option("--property", properties,
+                    "NAME=TEXT, what the document says of itself, such as title=Plan")
+        ->allow_extra_args(false);
+}
+
 void AddCalc(CLI::App & app, std::function<int()> & run) {
     auto options = std::make_shared<CalcOptions>();
     CLI::App * calc = app.add_subcommand("calc", "Read a sheet, bring it up to date and print it");
@@ -37,6 +55,8 @@ void AddCalc(CLI::App & app, std::function<int()> & run) {
     calc->add_option("--number-format", options->formats,
                      "AREA=FORMAT, such as B2:B9=#,##0.00 or C1=percent:1")
         ->allow_extra_args(false);
+    AddProperties(*calc, options->properties);
+    AddLinks(*calc, options->links);
     calc->add_option("-o,--output", options->output, "the file to write; - is standard output")
         ->capture_default_str();
     calc->callback([&run, options] { run = [options] { return cells::app::Calc(*options); }; });
@@ -58,6 +78,8 @@ void AddConvert(CLI::App & app, std::function<int()> & run) {
         ->capture_default_str();
     convert->add_option("--locale", options->locale,
                         "a locale tag, such as de-DE; the user's otherwise");
+    AddProperties(*convert, options->properties);
+    AddLinks(*convert, options->links);
     convert->callback([&run, options] {
         options->output = options->inputs.back();
         options->inputs.pop_back();
@@ -85,6 +107,7 @@ void AddEval(CLI::App & app, std::function<int()> & run) {
                      "a locale tag, such as de-DE; the user's otherwise");
     eval->add_option("--format-string", options->format,
                      "a number format for the results: a name or a custom text");
+    AddLinks(*eval, options->links);
     eval->callback([&run, options] { run = [options] { return cells::app::Eval(*options); }; });
 }
 
@@ -102,8 +125,27 @@ void AddRepl(CLI::App & app, std::function<int()> & run) {
         app.add_subcommand("repl", "An interactive prompt; reads a session from a pipe too");
     repl->add_option("FILE", *file, "a sheet to load first");
     repl->add_option("--locale", *locale, "a locale tag, such as de-DE; the user's otherwise");
-    repl->callback(
-        [&run, locale, file] { run = [=] { return cells::app::Repl(*locale, *file); }; });
+    auto links = std::make_shared<cells::app::LinkOptions>();
+    AddLinks(*repl, *links);
+    repl->callback([&run, locale, file, links] {
+        run = [=] { return cells::app::Repl(*locale, *file, *links); };
+    });
+}
+
+void AddServe(CLI::App & app, std::function<int()> & run) {
+    auto options = std::make_shared<cells::app::ServeOptions>();
+    CLI::App * serve = app.add_subcommand(
+        "serve", "Let other processes of the user read documents, until it is interrupted");
+    serve->add_option("DOC", options->files, "workbooks and texts, named by their files")
+        ->required();
+    serve->add_option("--socket", options->socket, "the file by which others reach them")
+        ->required();
+    serve->add_option("--locale", options->locale,
+                      "a locale tag, such as de-DE; the user's otherwise");
+    serve->add_flag("--writable", options->writable,
+                    "others may set values; workbooks are saved at the end");
+    AddLinks(*serve, options->links);
+    serve->callback([&run, options] { run = [options] { return cells::app::Serve(*options); }; });
 }
 
 void AddTest(CLI::App & app, std::function<int()> & run) {
@@ -147,6 +189,7 @@ int main(int argc, char ** argv) {
     AddEval(app, run);
     AddFormats(app, run);
     AddRepl(app, run);
+    AddServe(app, run);
     AddTest(app, run);
     AddFunctions(app, run);
     try {

@@ -1,9 +1,9 @@
 // Documents of other processes: children of the test that serve, and peers of bytes that lie.
+#include "host/Peers.h"
 #include "core/CCCellManager.h"
 #include "formula/CCRemoteRef.h"
 #include "host/Links.h"
 #include "host/PeerSocket.h"
-#include "host/Peers.h"
 #include "platform/CFile.h"
 #include "support/Bytes.h"
 #include "support/Workbooks.h"
@@ -375,7 +375,7 @@ TEST_P(Lying, IsAsGoodAsNobody) {
     Folder const folder;
     Liar const liar(folder / "liar.sock", GetParam().act);
     PeerOptions options;
-    options.timeLimit = milliseconds(100);
+    options.timeLimit = milliseconds(30);
     options.sizeLimit = 1 << 20;
     Office orders("orders", options);
     orders.peers.Connect(folder / "liar.sock");
@@ -434,8 +434,9 @@ TEST(PeerMessages, ArriveWholeHoweverTheyAreCut) {
         ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, files), 0);
         PeerSocket receiver(files[0], 100);
         int messages = 0;
-        for (auto const & [first, last] : {std::pair<std::size_t, std::size_t>(0, cut),
-                                           std::pair<std::size_t, std::size_t>(cut, bytes.size())}) {
+        for (auto const & [first, last] :
+             {std::pair<std::size_t, std::size_t>(0, cut),
+              std::pair<std::size_t, std::size_t>(cut, bytes.size())}) {
             EXPECT_EQ(write(files[1], bytes.data() + first, last - first), ssize_t(last - first));
             receiver.Receive();
             while (auto const message = receiver.Next()) {

@@ -209,3 +209,15 @@ TEST(Bulk, IsEnteringOneByOne) {
         EXPECT_TRUE(bulk.CheckInvariants().empty());
     }
 }
+
+TEST(Sheet, ACellTellsWhereItsHyperlinkLeads) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "=HYPERLINK(\"page.html\",\"Next\")");
+    sheet.Enter("A2", "=HYPERLINK(A1+\"#\")");
+    sheet.Enter("A3", "=HYPERLINK(7)");
+    sheet.Enter("A4", "page.html");
+    EXPECT_EQ(sheet.Text("A1"), "Next");
+    EXPECT_EQ(sheet.Hyperlink({0, 0}), "page.html");
+    EXPECT_EQ(sheet.Hyperlink({0, 1}), "Next#");
+    for (int row : {2, 3, 4}) EXPECT_EQ(sheet.Hyperlink({0, row}), std::nullopt) << row;
+}
