@@ -5,6 +5,9 @@
 // derives from Carrier and moves the bytes. Both are added to a Links.
 #pragma once
 
+#include "core/CCCellValue.h"
+#include "formula/CCRemoteRef.h"
+#include "platform/CFile.h"
 #include "remote/CCTransportInterface.h"
 
 #include <string_view>
