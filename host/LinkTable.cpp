@@ -24,6 +24,14 @@ bool Writes(int operation) {
     return operation == kRemoteSetSourceValue || operation == kRemoteSetValueInCompound;
 }
 
+// By the number that a request begins with.
+bool IsRecalculation(CFile & request) {
+    uchar number[4] = {};
+    request.SeekToBegin();
+    request.Read(number, sizeof number);
+    return number[0] == kRemoteInitRecalc && !number[1] && !number[2] && !number[3];
+}
+
 } // namespace
 
 LinkTable::~LinkTable() {
@@ -63,13 +71,11 @@ Book * LinkTable::Find(CString const & document) {
 
 // A change is told later; nobody answering is as good as a yes to it.
 bool LinkTable::Carry(CCRemoteRef const & ref, CFile & request) {
-    int operation;
-    CCRemoteRef target;
-    if (!CCTransportInterface::ReadRequest(request, operation, target)) return false;
-    if (operation != kRemoteInitRecalc) return Route(ref, request);
+    if (!IsRecalculation(request)) return Route(ref, request);
     std::string bytes(std::size_t(request.GetLength()), '\0');
+    request.SeekToBegin();
     request.Read(bytes.data(), bytes.size());
-    if (m_Waiting.insert(bytes).second) m_Posts.push_back(std::move(bytes));
+    if (m_Waiting.insert(bytes).second) m_Posts.push_back({ref, std::move(bytes)});
     return false;
 }
 
@@ -77,10 +83,15 @@ bool LinkTable::Route(CCRemoteRef const & ref, CFile & request) {
     request.SeekToBegin();
     if (Book * book = Find(ref.document()))
         return book->Count() > 0 && book->TransportFile(&book->At(0), request);
-    std::string const name = ToUtf8(ref.document());
-    for (Carrier * carrier : carriers)
-        if (carrier->Serves(name)) return carrier->Carry(request);
-    return false;
+    Carrier * const carrier = FindCarrier(ref.document());
+    return carrier && carrier->Carry(request);
+}
+
+Carrier * LinkTable::FindCarrier(CString const & document) const {
+    std::string const name = ToUtf8(document);
+    auto const found = std::find_if(carriers.begin(), carriers.end(),
+                                    [&](Carrier * carrier) { return carrier->Serves(name); });
+    return found == carriers.end() ? nullptr : *found;
 }
 
 bool LinkTable::Answer(CFile & request, bool mayWrite) {
@@ -102,14 +113,12 @@ void LinkTable::Deliver() {
     } const delivering(m_bDelivering);
     std::unordered_set<std::string> delivered;
     while (!m_Posts.empty()) {
-        std::string const bytes = std::move(m_Posts.front());
+        Post const post = std::move(m_Posts.front());
         m_Posts.pop_front();
-        m_Waiting.erase(bytes);
-        if (!delivered.insert(bytes).second) continue;
-        CMemFile request(bytes.data(), bytes.size());
-        int operation;
-        CCRemoteRef ref;
-        if (CCTransportInterface::ReadRequest(request, operation, ref)) Route(ref, request);
+        m_Waiting.erase(post.request);
+        if (!delivered.insert(post.request).second) continue;
+        CMemFile request(post.request.data(), post.request.size());
+        Route(post.ref, request);
     }
 }
 

@@ -33,6 +33,9 @@ public:
     void Leave(Book & book);
     std::vector<Book *> const & Books() const { return m_Books; }
     Book * Find(CString const & document);
+    // The first carrier that answers for it; null for none.
+    Carrier * FindCarrier(CString const & document) const;
+    bool IsReachable(CString const & document) { return Find(document) || FindCarrier(document); }
     std::vector<Carrier *> carriers;
 
     // Asks whoever answers for the document; false where nobody does.
@@ -69,15 +72,18 @@ public:
     void Postpone() const;
 
 private:
-    static void Post(std::deque<std::string> & posts, CFile & request);
     bool Route(CCRemoteRef const & ref, CFile & request);
     void Settle();
     void TellUnsettled();
 
     std::vector<Book *> m_Books;
     std::unordered_map<std::string, Book *> m_Found; // by the name asked for
-    std::deque<std::string> m_Posts;                 // requests
-    std::unordered_set<std::string> m_Waiting;       // the same
+    struct Post {
+        CCRemoteRef ref;
+        std::string request;
+    };
+    std::deque<Post> m_Posts;
+    std::unordered_set<std::string> m_Waiting; // their requests
     bool m_bDelivering = false;
     int m_nOthersDepth = -1; // of requests where answering others began; -1 while it does not
     struct Unsettled {

@@ -19,6 +19,10 @@ constexpr int kDeepestSettling = 200;
 
 CString SheetManager::GetDocumentName() const { return m_Book ? m_Book->Document() : CString(); }
 
+int SheetManager::IsRemoteDocumentOpen(wchar_t const * name) {
+    return m_Book && m_Book->Links() && m_Book->Links()->IsReachable(CString(name));
+}
+
 int SheetManager::DoTransport(CCRemoteRef const * ref, CFile & file) {
     return m_Book ? m_Book->Transport(*ref, file) : 0;
 }

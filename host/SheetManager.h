@@ -111,6 +111,7 @@ public:
     CCRefList * LoadDependencies(CCRef const * ref) override;
     // Links: names of the document are those of its workbook; a name of the sheet is an item too.
     CString GetDocumentName() const override;
+    int IsRemoteDocumentOpen(wchar_t const * name) override;
     int DoTransport(CCRemoteRef const * ref, CFile & file) override;
     int IsValidReference(wchar_t const * text) const override;
     CCRef * TranslateToInternalRef(CCRemoteRef const * ref) const override;

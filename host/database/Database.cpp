@@ -165,6 +165,7 @@ struct Database::State {
     // Hands out the row at a position and stands behind it.
     int Record(ushort handle, CPtrArray & values, long long first) {
         return Try([&] {
+            FreeValueArray(values);
             Result & walk = *Walk(handle);
             walk.next = std::size_t(std::max(first, 0LL));
             if (walk.next >= walk.values.size()) return 0;

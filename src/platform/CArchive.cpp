@@ -34,11 +34,47 @@ void WriteNumber(CArchive & ar, Number value) {
     ar.Write(bytes, sizeof bytes);
 }
 
+// Buffers of the usual size that nobody uses. Requests between documents make several archives
+// each, and a heap block of this size costs more than what goes through it.
+class SpareBuffers {
+public:
+    SpareBuffers() = default;
+    SpareBuffers(SpareBuffers const &) = delete;
+    SpareBuffers & operator=(SpareBuffers const &) = delete;
+    ~SpareBuffers() {
+        while (m_Count > 0) delete[] m_Buffers[--m_Count];
+        m_Count = kMost; // takes no more
+    }
+
+    uchar * Take(std::size_t size) {
+        return size == kSize && m_Count > 0 && m_Count < kMost ? m_Buffers[--m_Count]
+                                                               : new uchar[size];
+    }
+    void Give(uchar * buffer, std::size_t size) {
+        if (size == kSize && m_Count < kMost - 1)
+            m_Buffers[m_Count++] = buffer;
+        else
+            delete[] buffer;
+    }
+
+private:
+    static constexpr std::size_t kSize = 4096;
+    static constexpr int kMost = 16;
+
+    uchar * m_Buffers[kMost] = {};
+    int m_Count = 0;
+};
+
+SpareBuffers & Spare() {
+    static SpareBuffers buffers;
+    return buffers;
+}
+
 } // namespace
 
 CArchive::CArchive(CFile * file, Mode mode, std::size_t bufferSize)
     : m_File(file), m_Mode(mode), m_Capacity(std::max<std::size_t>(bufferSize, 16)),
-      m_Buffer(new uchar[m_Capacity]) {}
+      m_Buffer(Spare().Take(m_Capacity)) {}
 
 CArchive::~CArchive() {
     try {
@@ -46,6 +82,7 @@ CArchive::~CArchive() {
     } catch (...) {
         // A destructor stays silent; callers that care flush before.
     }
+    Spare().Give(m_Buffer, m_Capacity);
 }
 
 std::size_t CArchive::Read(void * buffer, std::size_t count) {
@@ -55,11 +92,11 @@ std::size_t CArchive::Read(void * buffer, std::size_t count) {
     while (done < count) {
         if (m_Begin == m_End) {
             m_Begin = 0;
-            m_End = m_File->Read(m_Buffer.get(), m_Capacity);
+            m_End = m_File->Read(m_Buffer, m_Capacity);
             if (m_End == 0) break;
         }
         std::size_t const step = std::min(count - done, m_End - m_Begin);
-        std::memcpy(out + done, m_Buffer.get() + m_Begin, step);
+        std::memcpy(out + done, m_Buffer + m_Begin, step);
         m_Begin += step;
         done += step;
     }
@@ -72,7 +109,7 @@ void CArchive::Write(void const * buffer, std::size_t count) {
     while (count > 0) {
         if (m_End == m_Capacity) Flush();
         std::size_t const step = std::min(count, m_Capacity - m_End);
-        std::memcpy(m_Buffer.get() + m_End, in, step);
+        std::memcpy(m_Buffer + m_End, in, step);
         m_End += step;
         in += step;
         count -= step;
@@ -84,7 +121,7 @@ void CArchive::Flush() {
     m_Begin = m_End = 0;
     if (!pending) return;
     if (m_Mode == store)
-        m_File->Write(m_Buffer.get(), pending);
+        m_File->Write(m_Buffer, pending);
     else
         m_File->Seek(-std::int64_t(pending), CFile::current);
 }

@@ -53,7 +53,7 @@ private:
     CFile * m_File;
     Mode m_Mode;
     std::size_t m_Capacity;
-    std::unique_ptr<uchar[]> m_Buffer;
+    uchar * m_Buffer;
     std::size_t m_Begin = 0, m_End = 0; // what is in the buffer, in either direction
 };
 

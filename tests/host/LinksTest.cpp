@@ -254,6 +254,25 @@ TEST_F(LinkedBooks, LinksToTheOwnDocumentAndItsSheetsAreLinksToo) {
     EXPECT_EQ(a.book.At(0).EditText({0, 0}), "=REMOTE (\"?Two\", \"B1\")");
 }
 
+// Formulas that name a sheet of their workbook in a link are dependents of the sheet too.
+TEST_F(LinkedBooks, ALinkWithinTheWorkbookIsKnownToItsSheet) {
+    a.book.Add("Two");
+    a.Enter("A1", "=REMOTE(\"?Two\",\"B1\")");
+    auto & sheet = dynamic_cast<CCItem &>(a.book["Two"].Manager());
+    EXPECT_EQ(sheet.GetDependentCount(), 1);
+    a.Enter("A1", "1");
+    EXPECT_EQ(sheet.GetDependentCount(), 0);
+}
+
+TEST_F(LinkedBooks, ToAskWhetherAFormulaMayBeComputedIsAlwaysAYes) {
+    a.Enter("A1", "=1+1");
+    CCRemoteRef const formula(L"a", L"A1"), number(L"a", L"B1"), nowhere(L"x", L"A1");
+    CCTransportInterface & manager = a.book.At(0).Manager();
+    for (int flag : {0, 1})
+        for (CCRemoteRef const * ref : {&formula, &number, &nowhere})
+            EXPECT_EQ(manager.OnRemoteInitRecalc(ref, flag), 1);
+}
+
 TEST_F(LinkedBooks, OneEditReachesAThousandLinks) {
     a.Enter("A1", "1");
     for (int row = 1; row <= 1000; ++row)
@@ -460,7 +479,11 @@ public:
 
 TEST_F(LinkedBooks, ASourceOfTheHostIsReadAndRefreshed) {
     Clock clock;
+    CCTransportInterface & asker = a.book.At(0).Manager();
+    EXPECT_EQ(asker.IsRemoteDocumentOpen(L"clock"), 0);
+    EXPECT_EQ(asker.IsRemoteDocumentOpen(L"b"), 1);
     links.Add(clock);
+    EXPECT_EQ(asker.IsRemoteDocumentOpen(L"clock"), 1);
     a.Enter("A1", "=REMOTE(\"clock\",\"now\")");
     EXPECT_EQ(a.Text("A1"), "1");
     links.Recalculate();

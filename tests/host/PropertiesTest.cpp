@@ -149,6 +149,21 @@ TEST(DocumentProperties, EachHasItsFunction) {
     EXPECT_EQ(book.At(0).Text("A1"), "#VALUE!");
 }
 
+#if CVCELLS_WITH_ICU
+
+TEST(DocumentProperties, ShowDatesAndTimesAsTheLocaleDoes) {
+    Workbook book("de-DE");
+    book.Add("Blatt");
+    book.SetProperty(Property::kCreated, "2026-03-05 13:45");
+    book.SetProperty(Property::kEditTime, "6:30");
+    book.At(0).Enter("A1", "=CREATEDATE()");
+    book.At(0).Enter("A2", "=EDITTIME()");
+    EXPECT_EQ(book.At(0).Text("A1"), "05.03.2026 13:45");
+    EXPECT_EQ(book.At(0).Text("A2"), "06:30");
+}
+
+#endif
+
 TEST(DocumentProperties, TravelWithTheDocument) {
     Workbook book("C");
     book.Add("One").Enter("A1", "=TITLE()");

@@ -296,6 +296,26 @@ TEST_F(TwoDocuments, ADeletedPlaceMakesItsLinksAnError) {
     EXPECT_EQ(a.references.back(), "!B1");
 }
 
+// Both forms of an operation are there, and the class of the dependent decides what is sent.
+TEST_F(TwoDocuments, ADependentElsewhereIsSentAsItIs) {
+    a.Enter("A1", L"5");
+    CCRemoteRef const there(L"a", L"A1"), elsewhere(L"x", L"y");
+    CCRCRef const here = BaseHost::RefOf("B7");
+    CCRef const & asReference = elsewhere;
+    EXPECT_EQ(b.DoRemoteRegisterDependent(&there, &asReference), 1);
+    EXPECT_EQ(b.DoRemoteRegisterDependent(&there, &here), 1);
+    EXPECT_EQ(a.DependentsOf("A1"), "b!!B7 x!y ");
+    EXPECT_EQ(b.DoRemoteUnRegisterDependent(&there, &elsewhere), 1);
+    EXPECT_EQ(b.DoRemoteUnRegisterDependent(&there, &here), 1);
+    EXPECT_EQ(a.DependentsOf("A1"), "");
+    CCRef const * const nobody = nullptr;
+    EXPECT_EQ(b.DoRemoteRegisterDependent(&there, nobody), 1);
+    EXPECT_EQ(b.DoRemoteUnRegisterDependent(&there, nobody), 0);
+    EXPECT_EQ(b.DoRemoteInvalidateRef(&there, nobody), 0);
+    EXPECT_EQ(b.DoRemoteMoveFormula(&there, nobody, &here), 0);
+    EXPECT_EQ(b.DoRemoteMoveDependent(&there, &here, nobody, 0), 0);
+}
+
 TEST_F(TwoDocuments, AnEditSourceWritesThroughALink) {
     a.Enter("A1", L"5");
     b.Enter("B1", L"=REMOTE(\"a\",\"A1\")");
