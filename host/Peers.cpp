@@ -109,6 +109,8 @@ struct Peers::State {
         PeerSocket socket;
         std::vector<std::string> documents;
         bool hasSaidHello = false;
+        bool isSilent =
+            false; // it let a request of ours wait to the end, and has said nothing since
     };
     using Shared = std::shared_ptr<Peer>; // a peer may go while somebody waits for it
 
@@ -200,6 +202,7 @@ struct Peers::State {
     // All that has come from a peer, also what came while another message was handled.
     void Handle(Shared const & peer) {
         while (std::optional<Message> message = peer->socket.Next()) {
+            peer->isSilent = false;
             if (message->kind == MessageKind::kHello) {
                 TakeNames(*peer, ReadNames(message->payload));
             } else if (message->kind == MessageKind::kRequest) {
@@ -271,6 +274,8 @@ struct Peers::State {
     std::optional<Message> Ask(Shared const & peer, std::string const & request) {
         std::uint32_t const number = ++lastNumber;
         if (answering.size() >= kMostTokens) return std::nullopt;
+        if (peer->isSilent) Work(milliseconds(0));
+        if (peer->isSilent) return std::nullopt;
         Chain chain = answering;
         chain.push_back({process, number});
         Wait wait{peer, std::nullopt};
@@ -295,7 +300,10 @@ struct Peers::State {
             peer->socket.Send({MessageKind::kRequest, number, WriteChain(chain) + request});
             while (!wait.reply && peer->socket.IsOpen()) {
                 auto const left = std::chrono::duration_cast<milliseconds>(deadline - Clock::now());
-                if (left.count() <= 0) break;
+                if (left.count() <= 0) {
+                    peer->isSilent = true;
+                    break;
+                }
                 Work(left);
             }
             if (!wait.reply) Handle(peer); // what it had sent before it closed

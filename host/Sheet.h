@@ -184,7 +184,6 @@ private:
     static Place At(std::string_view place);
     static void Require(Place place);
     bool Refuses(Area const & area);
-    bool Conceals(Area const & area) const;
     void TouchEntry(Recording & recording, Place place);
     void TouchFormats(Recording & recording, Area const & area);
     bool ChangeLines(PlaceMap const & map, Area const & changed);

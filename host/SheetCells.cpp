@@ -82,17 +82,6 @@ bool Sheet::Move(Area const & area, Place to) {
     return true;
 }
 
-// Whether protection hides a cell of the area; it then says so, once.
-bool Sheet::Conceals(Area const & area) const {
-    bool hidden = false;
-    if (m_Manager->IsProtected())
-        m_Manager->Cells().ForEachCell(area, [&](GridCell const & cell) {
-            hidden = hidden || cell.IsHidden(m_Manager.get());
-        });
-    if (hidden) m_Manager->ErrorMessage(kStringHiddenPrecedent);
-    return hidden;
-}
-
 bool Sheet::CopyFrom(Sheet const & source, Area const & area, Place to, bool transpose) {
     Require(area.first);
     Require(area.last);
@@ -100,7 +89,11 @@ bool Sheet::CopyFrom(Sheet const & source, Area const & area, Place to, bool tra
         height = area.last.row - area.first.row + 1;
     if (transpose) std::swap(width, height);
     Area const target = AreaAt(to, width, height);
-    if (Refuses(target) || (&source != this && source.Conceals(area))) return false;
+    if (Refuses(target)) return false;
+    if (&source != this && source.m_Manager->Conceals(area)) {
+        source.m_Manager->ErrorMessage(kStringHiddenPrecedent);
+        return false;
+    }
     struct Copied {
         Place from, to;
         std::string state;

@@ -68,9 +68,11 @@ bool SheetManager::Settle(CCRef const & place) {
     return true;
 }
 
+// What protection hides or locks is neither read nor written from elsewhere.
+
 int SheetManager::OnRemoteGetValue(CCRemoteRef const * ref, CCCellValue & value, int index) {
     auto const place = AskedPlace(ref);
-    if (!place) return 0;
+    if (!place || Conceals(AreaOf(*place))) return 0;
     if (Settle(*place)) return GetValue(place.get(), value, index);
     value.Set(errCirc);
     return 1;
@@ -78,7 +80,14 @@ int SheetManager::OnRemoteGetValue(CCRemoteRef const * ref, CCCellValue & value,
 
 ushort SheetManager::OnRemoteOpenRef(CCRemoteRef const * ref) {
     auto const place = AskedPlace(ref);
-    return place && Settle(*place) ? OpenRef(place.get()) : ushort(0);
+    if (!place || Conceals(AreaOf(*place)) || !Settle(*place)) return 0;
+    return OpenRef(place.get());
+}
+
+int SheetManager::OnRemoteSetSourceValue(CCRemoteRef const * ref, CCCellValue const & value) {
+    auto const place = AskedPlace(ref);
+    GridCell const * const cell = place ? m_Grid.FindCell(AreaOf(*place).first) : nullptr;
+    return IsProtLock(cell, 0) ? 0 : CCSheet::OnRemoteSetSourceValue(ref, value);
 }
 
 // What waits for its computing has told its own readers already.

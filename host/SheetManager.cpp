@@ -111,6 +111,14 @@ GridCell & SheetManager::MakeCell(Place place) {
     return cell;
 }
 
+bool SheetManager::Conceals(Area const & area) const {
+    bool hidden = false;
+    if (IsProtected())
+        m_Grid.ForEachCell(area,
+                           [&](GridCell const & cell) { hidden = hidden || cell.IsHidden(ctx()); });
+    return hidden;
+}
+
 // Sheets
 
 void SheetManager::Join(Book * book, CString const & name) {

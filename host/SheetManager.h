@@ -69,6 +69,9 @@ public:
         if (onChanged) onChanged(place);
     }
 
+    // Whether protection hides a cell of the area.
+    bool Conceals(Area const & area) const;
+
     // What other documents read here. The remote dependents of all places, with those places.
     struct RemoteReader {
         std::unique_ptr<CCRef> place;
@@ -118,6 +121,7 @@ public:
     int OnRemoteGetValue(CCRemoteRef const * ref, CCCellValue & value, int index) override;
     ushort OnRemoteOpenRef(CCRemoteRef const * ref) override;
     int OnRemoteInitRecalc(CCRemoteRef const * ref, int flag) override;
+    int OnRemoteSetSourceValue(CCRemoteRef const * ref, CCCellValue const & value) override;
     // Properties of the document.
     int GetDocumentCreateDate(ATL::COleDateTime & date) override;
     int GetDocumentEditTime(ATL::COleDateTime & date) override;

@@ -153,10 +153,10 @@ int Repl(std::string const & locale, std::string const & file, LinkOptions const
         Session session(locale, std::cout, true);
         session.AddLinks(links);
         if (!file.empty()) session.Execute("load " + file);
-        prompt.WhileWaiting([&] { session.ServeUntilInput(STDIN_FILENO); });
+        std::function<void()> const serve = [&] { session.ServeUntilInput(STDIN_FILENO); };
         int status = 0;
         std::string line;
-        for (int number = 1; prompt.Read(line); ++number) {
+        for (int number = 1; prompt.Read(line, session.HasPeers() ? serve : nullptr); ++number) {
             try {
                 if (!session.Execute(line)) break;
             } catch (std::exception const & failure) {

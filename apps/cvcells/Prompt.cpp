@@ -7,6 +7,7 @@
 #include <cctype>
 #include <histedit.h>
 #include <iostream>
+#include <termios.h>
 #include <unistd.h>
 #include <vector>
 
@@ -84,8 +85,42 @@ Prompt::Prompt() {
 
 Prompt::~Prompt() = default;
 
-bool Prompt::Read(std::string & line) {
-    if (m_WhileWaiting && std::cin.rdbuf()->in_avail() <= 0) m_WhileWaiting();
+namespace {
+
+// A terminal that gives each key as it is pressed and shows none, as the editor wants them.
+class KeyByKey {
+public:
+    KeyByKey() : m_bTerminal(tcgetattr(STDIN_FILENO, &m_Before) == 0) {
+        termios keys = m_Before;
+        keys.c_lflag &= ~tcflag_t(ICANON | ECHO);
+        if (m_bTerminal) tcsetattr(STDIN_FILENO, TCSANOW, &keys);
+    }
+    KeyByKey(KeyByKey const &) = delete;
+    KeyByKey & operator=(KeyByKey const &) = delete;
+    ~KeyByKey() {
+        if (m_bTerminal) tcsetattr(STDIN_FILENO, TCSANOW, &m_Before);
+    }
+
+private:
+    termios m_Before{};
+    bool m_bTerminal;
+};
+
+void RunUntilInput(bool interactive, std::function<void()> const & meanwhile) {
+    if (!interactive) {
+        if (std::cin.rdbuf()->in_avail() <= 0) meanwhile();
+        return;
+    }
+    KeyByKey const keys;
+    std::cout << ShowPrompt(nullptr) << std::flush;
+    meanwhile();
+    std::cout << '\r' << std::flush; // the editor shows its prompt itself
+}
+
+} // namespace
+
+bool Prompt::Read(std::string & line, std::function<void()> const & meanwhile) {
+    if (meanwhile) RunUntilInput(IsInteractive(), meanwhile);
     if (!m_Editor) return static_cast<bool>(std::getline(std::cin, line));
     int count = 0;
     char const * const text = el_gets(m_Editor->line, &count);

@@ -15,17 +15,15 @@ public:
     ~Prompt();
 
     bool IsInteractive() const { return m_Editor != nullptr; }
-    // The next line without its end; false at the end of the input.
-    bool Read(std::string & line);
-    // What to do until there is something to read.
-    void WhileWaiting(std::function<void()> work) { m_WhileWaiting = std::move(work); }
+    // The next line without its end; false at the end of the input. Until there is something to
+    // read, `meanwhile` runs, if it is given.
+    bool Read(std::string & line, std::function<void()> const & meanwhile = {});
     // A question to the person at the terminal.
     static bool Ask(std::string const & question);
 
 private:
     struct Editor;
     std::unique_ptr<Editor> m_Editor; // null for a pipe
-    std::function<void()> m_WhileWaiting;
 };
 
 } // namespace cells::app

@@ -42,6 +42,7 @@ public:
 
     // Files and processes that formulas may read.
     void AddLinks(LinkOptions const & links);
+    bool HasPeers() const { return m_Links->Peers().Count() > 0; }
     // Answers other processes until the file has something to read.
     void ServeUntilInput(int file);
 

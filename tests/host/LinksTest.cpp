@@ -499,6 +499,29 @@ TEST_F(LinkedBooks, ASourceOfTheHostIsReadAndRefreshed) {
     EXPECT_EQ(a.Text("A1"), "#REF!");
 }
 
+TEST_F(LinkedBooks, WhatProtectionHidesOrLocksIsNotReachedFromElsewhere) {
+    a.Enter("A1", "5");
+    a.Enter("A2", "6");
+    a.Enter("A3", "7");
+    a.book.At(0).SetFlag(A("A1"), cells::host::CellFlag::kHidden);
+    a.book.At(0).SetFlag(A("A2"), cells::host::CellFlag::kLocked);
+    a.book.At(0).Protect();
+    CCTransportInterface & reader = b.book.At(0).Manager();
+    CCCellValue value;
+    CCRemoteRef const hidden(L"a", L"A1"), locked(L"a", L"A2"), open(L"a", L"A3"),
+        area(L"a", L"A1:A3");
+    EXPECT_EQ(reader.DoRemoteGetValue(&hidden, value, 0), 0);
+    EXPECT_EQ(reader.DoRemoteOpenRef(&area), 0);
+    EXPECT_EQ(reader.DoRemoteGetValue(&locked, value, 0), 1);
+    value.Set(9.0);
+    EXPECT_EQ(reader.DoRemoteSetSourceValue(&locked, value), 0);
+    EXPECT_EQ(reader.DoRemoteSetSourceValue(&open, value), 1);
+    EXPECT_EQ(a.Text("A2"), "6");
+    EXPECT_EQ(a.Text("A3"), "9");
+    b.Enter("B1", "=REMOTE(\"a\",\"A1\")");
+    EXPECT_EQ(b.Text("B1"), "=REMOTE (\"a\", \"A1\")"); // as within a document
+}
+
 TEST_F(LinkedBooks, WritingFromElsewhereNeedsLeave) {
     a.Enter("A1", "5");
     CCRemoteRef const there(L"a", L"A1");

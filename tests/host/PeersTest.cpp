@@ -8,6 +8,7 @@
 #include "support/Bytes.h"
 #include "support/Workbooks.h"
 
+#include <atomic>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -387,6 +388,22 @@ TEST_P(Lying, IsAsGoodAsNobody) {
     EXPECT_EQ(orders.book.At(0).EditText({1, 0}), "=REMOTE (\"liar\", \"A1\")");
     EXPECT_EQ(orders.book.CheckInvariants(), std::vector<std::string>());
     EXPECT_EQ(CCTransportInterface::GetRequestDepth(), 0);
+}
+
+// A thousand formulas do not wait a thousand times.
+TEST(LyingPeer, ThatStallsIsWaitedForOnce) {
+    Folder const folder;
+    std::atomic<int> asked = 0;
+    Liar const liar(folder / "liar.sock", [&](PeerSocket &, Message const &) { ++asked; });
+    PeerOptions options;
+    options.timeLimit = milliseconds(200);
+    Office orders("orders", options);
+    orders.peers.Connect(folder / "liar.sock");
+    for (int row = 1; row <= 1000; ++row)
+        orders.book.At(0).Enter("A" + std::to_string(row), "=REMOTE(\"liar\",\"A1\")");
+    orders.links.Recalculate();
+    EXPECT_EQ(orders.Text("A1000"), "#REF!");
+    EXPECT_EQ(asked, 1);
 }
 
 TEST(LyingPeer, ThatNeverSaysHelloIsNoPeer) {
