@@ -210,7 +210,8 @@ struct TextCount {
 
     void Add(std::string_view text) {
         bool inWord = false;
-        for (wchar_t unit : FromUtf8(text).View()) {
+        CString const units = FromUtf8(text);
+        for (wchar_t unit : units.View()) {
             bool const isBlank = IsSpace(unit);
             if (!isBlank && !inWord) ++words;
             if (!isBlank) ++characters;
