@@ -22,5 +22,11 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/cvcellsConfigVersio
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/cvcellsConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/cvcellsConfigVersion.cmake DESTINATION ${package_dir})
 
-configure_file(cmake/cvcells.pc.in ${CMAKE_CURRENT_BINARY_DIR}/cvcells.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/cvcells.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(pkgconfig_files cvcells)
+if(TARGET cvcells_database)
+    list(APPEND pkgconfig_files cvcells-database)
+endif()
+foreach(name ${pkgconfig_files})
+    configure_file(cmake/${name}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()

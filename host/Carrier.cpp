@@ -1,6 +1,7 @@
 #include "host/Carrier.h"
 
 #include "host/Engine.h"
+#include "host/LinkTable.h"
 #include "platform/CString.h"
 #include "platform/Utf.h"
 
@@ -22,6 +23,10 @@ CTX * Plain() {
 }
 
 } // namespace
+
+Carrier::~Carrier() {
+    if (m_pTable) m_pTable->Remove(*this);
+}
 
 bool Source::Carry(CFile & request) { return OnTransport(request) != 0; }
 CTX * Source::ctx() { return Plain(); }

@@ -14,9 +14,14 @@
 
 namespace cells::host {
 
+class LinkTable;
+
 class CVCELLS_API Carrier {
 public:
-    virtual ~Carrier() = default;
+    Carrier() = default;
+    Carrier(Carrier const &) = delete;
+    Carrier & operator=(Carrier const &) = delete;
+    virtual ~Carrier(); // leaves the Links that it was added to
     // Whether it answers for a document under this name, as the formula spells it.
     virtual bool Serves(std::string_view document) = 0;
     // Answers a request, which stands at the begin of the file: true when the reply stands there
@@ -25,6 +30,10 @@ public:
     virtual bool Carry(CFile & request) = 0;
     // Called when all open documents are up to date, for what could not be done before.
     virtual void OnQuiet() {}
+
+private:
+    friend class LinkTable;
+    LinkTable * m_pTable = nullptr;
 };
 
 // Data that is no workbook. It overrides those OnRemote... operations that it can answer: for plain

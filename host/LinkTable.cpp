@@ -36,6 +36,19 @@ bool IsRecalculation(CFile & request) {
 
 LinkTable::~LinkTable() {
     while (!m_Books.empty()) Leave(*m_Books.back());
+    while (!m_Carriers.empty()) Remove(*m_Carriers.back());
+}
+
+void LinkTable::Add(Carrier & carrier) {
+    if (carrier.m_pTable) carrier.m_pTable->Remove(carrier);
+    carrier.m_pTable = this;
+    m_Carriers.push_back(&carrier);
+}
+
+void LinkTable::Remove(Carrier & carrier) {
+    if (carrier.m_pTable != this) return;
+    carrier.m_pTable = nullptr;
+    std::erase(m_Carriers, &carrier);
 }
 
 void LinkTable::Join(Book & book, CString const & name) {
@@ -89,9 +102,9 @@ bool LinkTable::Route(CCRemoteRef const & ref, CFile & request) {
 
 Carrier * LinkTable::FindCarrier(CString const & document) const {
     std::string const name = ToUtf8(document);
-    auto const found = std::find_if(carriers.begin(), carriers.end(),
+    auto const found = std::find_if(m_Carriers.begin(), m_Carriers.end(),
                                     [&](Carrier * carrier) { return carrier->Serves(name); });
-    return found == carriers.end() ? nullptr : *found;
+    return found == m_Carriers.end() ? nullptr : *found;
 }
 
 bool LinkTable::Answer(CFile & request, bool mayWrite) {
@@ -124,7 +137,7 @@ void LinkTable::Deliver() {
 
 void LinkTable::Recalculate() {
     Settle();
-    for (Carrier * carrier : std::vector<Carrier *>(carriers)) carrier->OnQuiet();
+    for (Carrier * carrier : std::vector<Carrier *>(m_Carriers)) carrier->OnQuiet();
 }
 
 void LinkTable::Settle() {

@@ -36,7 +36,9 @@ public:
     // The first carrier that answers for it; null for none.
     Carrier * FindCarrier(CString const & document) const;
     bool IsReachable(CString const & document) { return Find(document) || FindCarrier(document); }
-    std::vector<Carrier *> carriers;
+    // A carrier belongs to one table at a time.
+    void Add(Carrier & carrier);
+    void Remove(Carrier & carrier);
 
     // Asks whoever answers for the document; false where nobody does.
     bool Carry(CCRemoteRef const & ref, CFile & request);
@@ -77,6 +79,7 @@ private:
     void TellUnsettled();
 
     std::vector<Book *> m_Books;
+    std::vector<Carrier *> m_Carriers;
     std::unordered_map<std::string, Book *> m_Found; // by the name asked for
     struct Post {
         CCRemoteRef ref;

@@ -37,8 +37,8 @@ std::vector<std::string> Links::Documents() const {
     return names;
 }
 
-void Links::Add(Carrier & carrier) { m_Table->carriers.push_back(&carrier); }
-void Links::Remove(Carrier & carrier) { std::erase(m_Table->carriers, &carrier); }
+void Links::Add(Carrier & carrier) { m_Table->Add(carrier); }
+void Links::Remove(Carrier & carrier) { m_Table->Remove(carrier); }
 void Links::Refresh(Workbook & book) { LinkTable::Refresh(*book.m_Book); }
 void Links::Recalculate() { m_Table->Recalculate(); }
 bool Links::Answer(CFile & request, bool mayWrite) { return m_Table->Answer(request, mayWrite); }

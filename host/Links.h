@@ -49,7 +49,7 @@ public:
     bool IsOpen(std::string_view document) const;
     std::vector<std::string> Documents() const;
 
-    // The carrier must be removed before it dies.
+    // A carrier belongs to one Links at a time, and leaves it by itself when it dies.
     void Add(Carrier & carrier);
     void Remove(Carrier & carrier);
 

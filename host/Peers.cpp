@@ -109,8 +109,8 @@ struct Peers::State {
         PeerSocket socket;
         std::vector<std::string> documents;
         bool hasSaidHello = false;
-        bool isSilent =
-            false; // it let a request of ours wait to the end, and has said nothing since
+        // It let a request of ours wait to the end, and has said nothing since.
+        bool isSilent = false;
     };
     using Shared = std::shared_ptr<Peer>; // a peer may go while somebody waits for it
 

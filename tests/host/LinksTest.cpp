@@ -499,6 +499,28 @@ TEST_F(LinkedBooks, ASourceOfTheHostIsReadAndRefreshed) {
     EXPECT_EQ(a.Text("A1"), "#REF!");
 }
 
+TEST(LinksTest, CarriersDieInAnyOrder) {
+    Workbook book("C");
+    book.Add("One");
+    {
+        Links links;
+        Clock clock;
+        links.Add(clock);
+        links.Open("book", book);
+        book.At(0).Enter("A1", "=REMOTE(\"clock\",\"x\")");
+    } // the clock is gone when the document leaves
+    Clock clock;
+    {
+        Links first, second;
+        first.Add(clock);
+        second.Add(clock);
+        first.Open("book", book);
+        book.At(0).Enter("A2", "=REMOTE(\"clock\",\"x\")");
+        EXPECT_EQ(book.At(0).Text("A2"), "#REF!"); // it is the second's now
+    }
+    EXPECT_EQ(clock.ticks, 0);
+}
+
 TEST_F(LinkedBooks, WhatProtectionHidesOrLocksIsNotReachedFromElsewhere) {
     a.Enter("A1", "5");
     a.Enter("A2", "6");
