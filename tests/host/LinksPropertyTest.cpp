@@ -43,7 +43,8 @@ public:
         entries[place] = entry;
         std::string text = std::to_string(entry.number);
         for (int read : entry.reads) text += "+" + Read(place, read);
-        books[place % kDocuments].At(0).Enter(RowName(place), entry.reads.empty() ? text : "=" + text);
+        books[place % kDocuments].At(0).Enter(RowName(place),
+                                              entry.reads.empty() ? text : "=" + text);
     }
 
     // `acyclic`: it reads only places below it.
@@ -62,8 +63,7 @@ public:
 
     void ExpectAll(std::string const & when) {
         for (int place = 0; place < kPlaces; ++place) {
-            cells::host::Value const found =
-                books[place % kDocuments].At(0).Get(RowName(place));
+            cells::host::Value const found = books[place % kDocuments].At(0).Get(RowName(place));
             ASSERT_EQ(found.kind, cells::host::Kind::kNumber) << when << ", place " << place;
             ASSERT_EQ(found.number, Value(place)) << when << ", place " << place;
         }
@@ -81,8 +81,8 @@ private:
         int const document = place % kDocuments;
         if (document == from % kDocuments && Any(2)) return RowName(place);
         std::string const area = RowName(place) + ":" + RowName(place);
-        std::string const link =
-            std::string("REMOTE(\"") + NameOf(document) + "\",\"" + (Any(2) ? RowName(place) : area);
+        std::string const link = std::string("REMOTE(\"") + NameOf(document) + "\",\"" +
+                                 (Any(2) ? RowName(place) : area);
         return "SUM(" + link + "\"))";
     }
 
