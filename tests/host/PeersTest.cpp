@@ -417,6 +417,28 @@ TEST(LyingPeer, ThatNeverSaysHelloIsNoPeer) {
     close(listener);
 }
 
+// Values that no cell holds.
+TEST(LyingPeer, MaySendOddValuesWhichBecomeErrors) {
+    Bytes const infinite = {3, 0, 0, 0, 0, 0, 0,    0xF0, 0x7F, 0, 0,
+                            0, 0, 0, 0, 0, 0, 0xFF, 0xFE, 0xFF, 0};
+    struct Odd {
+        Bytes value;
+        char const * shown;
+    };
+    for (Odd const & odd :
+         {Odd{{4}, "#REF!"}, Odd{infinite, "#VALUE!"}, Odd{Join(1, U32(77)), "#ERR77"},
+          Odd{Join(1, U32(0xFFFFFFFF)), "#ERR-1"}}) {
+        Folder const folder;
+        Liar const liar(folder / "liar.sock", [&](PeerSocket & socket, Message const & request) {
+            socket.Send({MessageKind::kReply, request.number, Text(Join(U32(1), odd.value))});
+        });
+        Office orders("orders");
+        orders.peers.Connect(folder / "liar.sock");
+        orders.Enter("B1", "=REMOTE(\"liar\",\"A1\")");
+        EXPECT_EQ(orders.Text("B1"), odd.shown);
+    }
+}
+
 TEST(LyingPeer, MayClaimADocumentThatIsOpenHereAndIsNotAsked) {
     Folder const folder;
     Liar const liar(
