@@ -246,6 +246,8 @@ struct Peers::State {
         bool isAnswered = false;
         try {
             isAnswered = links.Answer(file, options.mayWrite);
+            // What it has marked is told on first, so that all is marked when anybody computes.
+            if (isAnswered) links.Table().Deliver();
         } catch (NotYet const &) {
             if (postponed.size() < kMostPostponed) return postponed.push_back({peer, message});
         } catch (std::exception const &) { // a request that ends too early

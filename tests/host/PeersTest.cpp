@@ -194,6 +194,43 @@ TEST_F(TwoProcesses, ACircleEnds) {
     EXPECT_EQ(orders.Text("B2"), "10");
 }
 
+// c reads b, b reads a, and a reads c, each in a process of its own. A circle is refused where one
+// of them computes alone; where all wait for each other the time limit ends it.
+TEST_F(TwoProcesses, AndAThirdFollowEachOther) {
+    PeerOptions options;
+    options.timeLimit = milliseconds(1500);
+    fs::path const second = folder / "b.sock";
+    Child const a([&] {
+        Office office("a", options);
+        office.Enter("A1", "=REMOTE(\"c\",\"A2\")+1");
+        office.peers.Listen(socket);
+        Child::IsReady();
+        office.Serve();
+    });
+    Child const b([&] {
+        Office office("b", options);
+        office.peers.Connect(socket);
+        office.Enter("A1", "=REMOTE(\"a\",\"A1\")+1");
+        office.peers.Listen(second);
+        Child::IsReady();
+        office.Serve();
+    });
+    Office c("c", options);
+    auto const waitFor = [&](auto const & holds) {
+        for (int i = 0; i < 1000 && !holds(c.Text("A1")); ++i) c.peers.Poll(milliseconds(10));
+        EXPECT_TRUE(holds(c.Text("A1"))) << c.Text("A1");
+    };
+    c.peers.Connect(socket);
+    c.peers.Connect(second);
+    c.Enter("A2", "5");
+    c.Enter("A1", "=REMOTE(\"b\",\"A1\")+1");
+    waitFor([](std::string const & text) { return text == "8"; });
+    c.Enter("A2", "6");
+    waitFor([](std::string const & text) { return text == "9"; });
+    c.Enter("A2", "=A1");
+    waitFor([](std::string const & text) { return text[0] == '#'; });
+}
+
 TEST_F(TwoProcesses, ADeadPeerLeavesErrorsAndEverythingElse) {
     Child child(Prices());
     Office orders("orders");
