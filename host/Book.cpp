@@ -56,6 +56,15 @@ void Book::Insert(int position, SheetManager & sheet, CString const & name) {
         sheet.Join(this, name);
     });
     for (GridCell * cell : LinkedCells(sheet)) sheet.EnterAgain(*cell);
+    TellReaders(sheet);
+}
+
+// Who reads a sheet from another document reads it again: it is gone, or there again, or has
+// another name.
+void Book::TellReaders(SheetManager & sheet) {
+    if (!m_pLinks || Count() == 0) return;
+    for (auto const & reader : sheet.RemoteReaders())
+        At(0).DoRemoteInitRecalc(reader.reader.get(), 1);
 }
 
 void Book::Remove(int position) {
@@ -66,6 +75,7 @@ void Book::Remove(int position) {
         sheet.Join(nullptr, {});
         GetCalcCache().RemoveSheet(sheet);
     });
+    TellReaders(sheet);
 }
 
 void Book::Move(int from, int to) {
@@ -84,6 +94,7 @@ void Book::Rename(int position, CString const & name) {
     sheet.OnRename(name);
     UpdateAllOnRename(old, name);
     Restructure([&] { sheet.Join(this, name); });
+    TellReaders(sheet);
 }
 
 void Book::Link(LinkTable * links, CString const & document) {

@@ -59,6 +59,7 @@ public:
     int HasManager(CCCellManager * manager) override { return PositionOf(manager); }
 
 private:
+    void TellReaders(SheetManager & sheet);
     static std::vector<GridCell *> LinkedCells(SheetManager & sheet);
     void Restructure(std::function<void()> const & change);
 

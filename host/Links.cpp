@@ -13,8 +13,11 @@ Links::Links() : m_Table(std::make_unique<LinkTable>()) {}
 Links::~Links() = default;
 
 void Links::Open(std::string_view name, Workbook & book, ReadLinks read) {
-    if (name.empty() || name.front() == '?' || m_Table->Find(FromUtf8(name)))
-        throw std::invalid_argument("no document can be opened as \"" + std::string(name) + "\"");
+    std::string const quoted = "\"" + std::string(name) + "\"";
+    if (name.empty() || name.front() == '?')
+        throw std::invalid_argument("no document can be named " + quoted);
+    if (m_Table->Find(FromUtf8(name)))
+        throw std::invalid_argument("a document named " + quoted + " is open already");
     Book & opened = *book.m_Book;
     if (opened.Links()) throw std::invalid_argument("the workbook is open already");
     m_Table->Join(opened, FromUtf8(name));

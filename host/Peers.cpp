@@ -146,13 +146,16 @@ struct Peers::State {
     std::vector<std::string> told;      // the names that peers have heard
     std::vector<std::string> reachable; // those that peers have told since formulas were registered
 
-    void Add(int file) {
+    // Null where there are too many.
+    Shared Add(int file) {
+        DropClosed();
         if (peers.size() >= kMostPeers) {
             ::close(file);
-            return;
+            return nullptr;
         }
-        peers.push_back(std::make_shared<Peer>(file, options.sizeLimit));
-        SayHello(*peers.back());
+        Shared const peer = peers.emplace_back(std::make_shared<Peer>(file, options.sizeLimit));
+        SayHello(*peer);
+        return peer;
     }
 
     void SayHello(Peer & peer) {
@@ -326,9 +329,8 @@ void Peers::Listen(std::filesystem::path const & socket) {
 }
 
 void Peers::Connect(std::filesystem::path const & socket) {
-    m_State->Add(ConnectTo(socket));
-    if (m_State->peers.empty()) return;
-    auto const peer = m_State->peers.back();
+    auto const peer = m_State->Add(ConnectTo(socket));
+    if (!peer) throw std::runtime_error(socket.string() + ": there are too many connections");
     auto const deadline = Clock::now() + m_State->options.timeLimit;
     while (!peer->hasSaidHello && peer->socket.IsOpen() && Clock::now() < deadline)
         m_State->Work(std::chrono::duration_cast<milliseconds>(deadline - Clock::now()));

@@ -108,13 +108,8 @@ void Workbook::Insert(std::unique_ptr<Sheet> sheet, int position, CString const 
     m_Book->Insert(position, *added.m_Manager, name);
 }
 
-// Who reads the sheet from another document reads it again, and finds it gone.
 std::unique_ptr<Sheet> Workbook::TakeOut(int position) {
-    auto const readers = m_Book->At(position).RemoteReaders();
     m_Book->Remove(position);
-    if (Count() > 0)
-        for (auto const & reader : readers)
-            m_Book->At(0).DoRemoteInitRecalc(reader.reader.get(), 1);
     std::unique_ptr<Sheet> taken = std::move(m_Sheets[std::size_t(position)]);
     m_Sheets.erase(m_Sheets.begin() + position);
     return taken;

@@ -12,9 +12,26 @@ volatile std::sig_atomic_t g_Stopped = 0;
 
 void Stop(int) { g_Stopped = 1; }
 
-void SaveChanged(LinkSet const & set) {
+std::string BytesOf(host::Workbook const & book) {
+    std::string bytes;
+    book.Write([&](std::string_view part) { bytes += part; });
+    return bytes;
+}
+
+std::vector<std::string> BytesOf(LinkSet const & set) {
+    std::vector<std::string> all;
     for (LinkSet::Document const & document : set.Documents())
-        if (IsDocumentName(document.file)) document.book->Save(document.file);
+        all.push_back(BytesOf(*document.book));
+    return all;
+}
+
+// Those that hold something else than at the begin.
+void SaveChanged(LinkSet const & set, std::vector<std::string> const & before) {
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        LinkSet::Document const & document = set.Documents()[i];
+        if (IsDocumentName(document.file) && BytesOf(*document.book) != before[i])
+            document.book->Save(document.file);
+    }
 }
 
 } // namespace
@@ -31,12 +48,15 @@ int Serve(ServeOptions const & options) {
         set.Peers().Listen(options.socket);
         std::signal(SIGINT, &Stop);
         std::signal(SIGTERM, &Stop);
+        set.Links().Recalculate();
+        std::vector<std::string> before;
+        if (options.writable) before = BytesOf(set);
         std::cerr << "cvcells: serving at " << options.socket << '\n';
         while (!g_Stopped) {
             set.Links().Recalculate();
             set.Peers().Poll(std::chrono::seconds(1));
         }
-        if (options.writable) SaveChanged(set);
+        SaveChanged(set, before);
         return 0;
     });
 }

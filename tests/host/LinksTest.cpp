@@ -402,6 +402,29 @@ TEST_F(LinkedBooks, ARemovedSheetIsMissed) {
     EXPECT_EQ(b.Text("B1"), "#REF!");
 }
 
+TEST_F(LinkedBooks, ASheetThatComesBackOrIsRenamedIsReadAgain) {
+    a.book.Add("Two");
+    a.book.KeepHistory(10);
+    a.book["Two"].Enter("A1", "5");
+    b.Enter("B1", "=REMOTE(\"a\",\"Two!A1\")");
+    links.Recalculate();
+    a.book.Remove(1);
+    links.Recalculate();
+    EXPECT_EQ(b.Text("B1"), "#REF!");
+    a.book.Undo();
+    links.Recalculate();
+    EXPECT_EQ(b.Text("B1"), "5");
+    a.book["Two"].Enter("A1", "6");
+    links.Recalculate();
+    EXPECT_EQ(b.Text("B1"), "6");
+    a.book.Rename(1, "Three");
+    links.Recalculate();
+    EXPECT_EQ(b.Text("B1"), "#REF!");
+    a.book.Rename(1, "Two");
+    links.Recalculate();
+    EXPECT_EQ(b.Text("B1"), "6");
+}
+
 // Opening
 
 namespace {
