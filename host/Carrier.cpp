@@ -5,8 +5,6 @@
 #include "platform/CString.h"
 #include "platform/Utf.h"
 
-#include <algorithm>
-
 namespace cells::host {
 namespace {
 
@@ -33,12 +31,7 @@ CTX * Source::ctx() { return Plain(); }
 CTX * Source::ctx() const { return Plain(); }
 
 bool IsDocumentCalled(std::string_view path, std::string_view name) {
-    CString const whole = FromUtf8(path), asked = FromUtf8(name);
-    CString const file = whole.Mid(std::max(whole.ReverseFind(L'/'), whole.ReverseFind(L'\\')) + 1);
-    int const dot = file.ReverseFind(L'.');
-    for (CString const & known : {whole, file, dot > 0 ? file.Left(dot) : file})
-        if (known.CompareNoCase(asked) == 0) return true;
-    return false;
+    return ::IsDocumentCalled(FromUtf8(path), FromUtf8(name));
 }
 
 } // namespace cells::host

@@ -47,8 +47,7 @@ public:
     cells::CTX * ctx() const override;
 };
 
-// Whether a document at this path is meant by a name: the path, the file's name, or that without
-// its extension; case does not matter.
+// As of texts in 16-bit units (formula/CCRemoteRef.h).
 CVCELLS_API bool IsDocumentCalled(std::string_view path, std::string_view name);
 
 } // namespace cells::host

@@ -77,7 +77,7 @@ Book * LinkTable::Find(CString const & document) {
     if (auto const known = m_Found.find(name); known != m_Found.end()) return known->second;
     if (m_Found.size() >= kMostNames) m_Found.clear();
     auto const found = std::find_if(m_Books.begin(), m_Books.end(), [&](Book const * book) {
-        return IsDocumentCalled(ToUtf8(book->Document()), name);
+        return ::IsDocumentCalled(book->Document(), document);
     });
     return m_Found[name] = found == m_Books.end() ? nullptr : *found;
 }

@@ -55,7 +55,6 @@ bool IsOfTheFile(Property property) {
     return property == Property::kFileName || property == Property::kFileSize;
 }
 
-constexpr double kBeginOf1900 = 2; // as a COleDateTime counts days
 constexpr double kMostCount = 4294967295.0;
 constexpr double kMostDays = 1e6;
 
@@ -96,7 +95,8 @@ bool ReadNumber(Form form, std::string_view text, double & number) {
     if (form == Form::kLength) {
         int clock[3] = {};
         if (!ReadClock(text, clock)) return false;
-        number = kBeginOf1900 + (clock[0] * 3600.0 + clock[1] * 60 + clock[2]) / 86400;
+        number =
+            COleDateTime::kBeginOf1900 + (clock[0] * 3600.0 + clock[1] * 60 + clock[2]) / 86400;
         return number < kMostDays;
     }
     unsigned count;
@@ -117,7 +117,7 @@ std::string Print(Form form, double number) {
     if (form == Form::kCount) {
         std::snprintf(text, sizeof text, "%.0f", number);
     } else if (form == Form::kLength) {
-        long long const seconds = std::llround((number - kBeginOf1900) * 86400);
+        long long const seconds = std::llround((number - COleDateTime::kBeginOf1900) * 86400);
         std::snprintf(text, sizeof text, "%lld:%02lld:%02lld", seconds / 3600, seconds / 60 % 60,
                       seconds % 60);
     } else {

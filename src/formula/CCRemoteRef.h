@@ -52,3 +52,7 @@ private:
     template <typename Change>
     void ChangeItem(cells::CTX * ctx, Change && change);
 };
+
+// Whether a document at this path is meant by a name: the path, the file's name, or that without
+// its extension; case does not matter.
+CVCELLS_API bool IsDocumentCalled(CString const & path, CString const & name);

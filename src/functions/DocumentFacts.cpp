@@ -73,13 +73,11 @@ void EvalDate(CTX * ctx, CCCellValue & result, CCFormulaList const *, CCRef cons
     ShowDateAndTime(*ctx->lctx(), result);
 }
 
-constexpr double kBeginOf1900 = 2; // as a COleDateTime counts days
-
 // The host's value is a moment that lies as far behind the begin of 1900.
 void EvalEditTime(CTX * ctx, CCCellValue & result, CCFormulaList const *, CCRef const *) {
     COleDateTime spent;
     if (!AskDate<&CCCellManager::GetDocumentEditTime>(ctx, spent)) return result.Set(errValue);
-    double const seconds = std::round((spent.m_dt - kBeginOf1900) * 86400);
+    double const seconds = std::round((spent.m_dt - COleDateTime::kBeginOf1900) * 86400);
     double const days = std::floor(seconds / 86400);
     result.Set(days + (seconds - days * 86400) * kSecond, uchar(C_NF_TIME));
     result.GetFormat().SetTimeRange(ctx->lctx()->timeRange() != 12);

@@ -32,6 +32,15 @@ bool TakeTexts(CTX * ctx, CString * texts, int count, CCFormulaList const *& arg
     return true;
 }
 
+// A source, and with two texts an item of it.
+template <int Texts>
+int PlainLink(CTX * ctx, CCRemoteRef & remote, CCFormulaList const * args, CCRef const * current) {
+    CString texts[2];
+    if (!TakeTexts(ctx, texts, Texts, args, current)) return 0;
+    remote = CCRemoteRef(texts[0], texts[1]);
+    return 1;
+}
+
 // Catalogues: lists of names
 
 enum Catalogue : int { kItems = 0, kTables = 1, kQueries = 2, kRelations = 4 };
@@ -40,19 +49,10 @@ enum Catalogue : int { kItems = 0, kTables = 1, kQueries = 2, kRelations = 4 };
 constexpr int TextsOf(Catalogue catalogue) { return catalogue == kItems ? 2 : 1; }
 
 template <Catalogue Names>
-int CatalogueLink(CTX * ctx, CCRemoteRef & remote, CCFormulaList const * args,
-                  CCRef const * current) {
-    CString texts[2];
-    if (!TakeTexts(ctx, texts, TextsOf(Names), args, current)) return 0;
-    remote = CCRemoteRef(texts[0], texts[1]);
-    return 1;
-}
-
-template <Catalogue Names>
 bool ReadNames(CTX * ctx, CStringArray & names, CCFormulaList const * args, CCRef const * current) {
     CCRemoteRef remote;
     CCCellManager * const manager = ctx->manager();
-    if (!manager || !CatalogueLink<Names>(ctx, remote, args, current)) return false;
+    if (!manager || !PlainLink<TextsOf(Names)>(ctx, remote, args, current)) return false;
     return Names == kItems ? manager->DoRemoteGetItems(&remote, names)
                            : manager->DoRemoteGetDataSources(&remote, names, Names);
 }
@@ -121,13 +121,6 @@ bool AddFieldAndRow(CTX * ctx, CString const & database, CString const & table, 
     return true;
 }
 
-int ItemLink(CTX * ctx, CCRemoteRef & remote, CCFormulaList const * args, CCRef const * current) {
-    CString texts[2];
-    if (!TakeTexts(ctx, texts, 2, args, current)) return 0;
-    remote = CCRemoteRef(texts[0], texts[1]);
-    return 1;
-}
-
 // A dot behind the last separator of folders, and not as the first character.
 bool HasExtension(CString const & path) {
     int const slash = std::max(path.ReverseFind(L'/'), path.ReverseFind(L'\\'));
@@ -142,7 +135,7 @@ template <auto & Extension>
 int DocumentLink(CTX * ctx, CCRemoteRef & remote, CCFormulaList const * args,
                  CCRef const * current) {
     CCCellManager * const manager = ctx->manager();
-    if (!manager || !ItemLink(ctx, remote, args, current)) return 0;
+    if (!manager || !PlainLink<2>(ctx, remote, args, current)) return 0;
     if (!HasExtension(remote.document()) && !manager->DoRemoteIsValidRef(&remote))
         remote.m_strDocument += Extension;
     return 1;
@@ -230,19 +223,19 @@ template <Catalogue Names>
 constexpr FunctionRow CountRow(unsigned int id, wchar_t const * name, wchar_t const * arguments,
                                char const * kinds, wchar_t const * description) {
     return FunctionRow(id, name, arguments, kinds, description, Singles<TextsOf(Names)>,
-                       EvalNameCount<Names>, CatalogueLink<Names>);
+                       EvalNameCount<Names>, PlainLink<TextsOf(Names)>);
 }
 
 template <Catalogue Names>
 constexpr FunctionRow NameRow(unsigned int id, wchar_t const * name, wchar_t const * arguments,
                               char const * kinds, wchar_t const * description) {
     return FunctionRow(id, name, arguments, kinds, description, Singles<TextsOf(Names) + 1>,
-                       EvalName<Names>, CatalogueLink<Names>);
+                       EvalName<Names>, PlainLink<TextsOf(Names)>);
 }
 
 constexpr FunctionRow kRows[] = {
-    LinkRow<ItemLink, 2, 2>(13245, L"REMOTE", L"source; item", "tt",
-                            L"Value of an item of another source."),
+    LinkRow<PlainLink<2>, 2, 2>(13245, L"REMOTE", L"source; item", "tt",
+                                L"Value of an item of another source."),
     LinkRow<TableLink<Slots::kNone>, 2>(13264, L"DBGET", L"database; table; field; row", "tt[vv]",
                                         L"Data of a table."),
     LinkRow<StatementLink<false, false, false>, 2>(

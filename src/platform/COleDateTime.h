@@ -24,6 +24,8 @@ public:
     int GetMinute() const { return Parts().minute; }
     int GetSecond() const { return Parts().second; }
 
+    static constexpr double kBeginOf1900 = 2; // 1 January 1900, midnight
+
     double m_dt = 0;
     DateTimeStatus m_status = valid;
 

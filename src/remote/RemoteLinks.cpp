@@ -14,15 +14,17 @@ using cells::internal::Resolve;
 
 // Names
 
-int CCCellManager::IsValidDocument(wchar_t const * name) const {
-    CString const path = GetDocumentName();
-    CString const asked(name);
+bool IsDocumentCalled(CString const & path, CString const & name) {
     int const slash = std::max(path.ReverseFind(L'/'), path.ReverseFind(L'\\'));
     CString const file = path.Mid(slash + 1);
     int const dot = file.ReverseFind(L'.');
-    CString const bare = dot < 0 ? file : file.Left(dot);
-    return asked.CompareNoCase(path) == 0 || asked.CompareNoCase(bare) == 0 ||
-           asked.CompareNoCase(file) == 0;
+    for (CString const & known : {path, dot < 0 ? file : file.Left(dot), file})
+        if (known.CompareNoCase(name) == 0) return true;
+    return false;
+}
+
+int CCCellManager::IsValidDocument(wchar_t const * name) const {
+    return IsDocumentCalled(GetDocumentName(), CString(name));
 }
 
 // The place that a text names, an empty sheet part or the own sheet's name in front of it or not.
