@@ -178,6 +178,8 @@ public:
 
 private:
     friend class ExchangeReader;
+    friend class LegacyReader;
+    friend class LegacyWriter;
     friend class Workbook;
 
     explicit Sheet(std::unique_ptr<SheetManager> manager);

@@ -35,13 +35,13 @@ struct ConvertOptions {
     std::vector<std::string> inputs;
     std::string output;
     std::string locale;
-    std::string sheet;                   // to write as text
+    std::string sheet;                   // to write, where a file holds one
     std::string show = "formulas";       // or values
     std::vector<std::string> properties; // NAME=TEXT
     LinkOptions links;
 };
 
-// Between texts and saved documents, by extension.
+// Between texts, saved documents and files of the older version, by extension.
 int Convert(ConvertOptions const & options);
 // Tells what a document holds and what is damaged in it; 1 with any damage. What can be recovered
 // is saved as `recovered`, if that is not empty.

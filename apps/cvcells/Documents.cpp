@@ -2,6 +2,7 @@
 
 #include "cvcells/Commands.h"
 #include "cvcells/Output.h"
+#include "host/LegacyFile.h"
 #include "platform/Text.h"
 #include "platform/Utf.h"
 
@@ -44,6 +45,48 @@ std::unique_ptr<Workbook> ReadDocument(std::string const & file, std::string con
     }
 }
 
+// "plan.cv15: names that are lost: 2 (rate, tax)".
+void PrintLoss(std::string const & file, host::LegacyLoss const & loss) {
+    constexpr std::size_t kNamed = 10;
+    std::string named;
+    for (std::size_t i = 0; i < std::min(loss.where.size(), kNamed); ++i)
+        named += (i ? ", " : "") + loss.where[i];
+    if (loss.where.size() > kNamed) named += ", ...";
+    std::cerr << "cvcells: " << file << ": " << loss.what;
+    if (!named.empty()) std::cerr << ": " << loss.where.size() << " (" << named << ')';
+    std::cerr << '\n';
+}
+
+void ReadLegacy(Sheet & sheet, std::string const & file) {
+    try {
+        for (host::LegacyLoss const & loss : host::ReadLegacyFile(ReadFile(file), sheet))
+            PrintLoss(file, loss);
+    } catch (host::DocumentError const & error) {
+        throw InputError(file + ": " + error.what());
+    }
+}
+
+// The one sheet that a file of the kind of `output` takes.
+Sheet & OnlySheet(Workbook const & book, std::string const & name) {
+    if (name.empty() && book.Count() > 1)
+        throw InputError("there are " + std::to_string(book.Count()) +
+                         " sheets: choose one with --sheet, or write a .cvs document");
+    return ChooseSheet(book, name);
+}
+
+// What a file of the older version lacks of a workbook, beside what it lacks of its sheet.
+void PrintLossesBeyond(Sheet const & sheet, Workbook const & book, std::string const & file) {
+    host::LegacyLoss sheets{"sheets that are left out", {}};
+    for (int i = 0; i < book.Count(); ++i)
+        if (&book.At(i) != &sheet) sheets.where.push_back(book.NameOf(i));
+    host::LegacyLoss properties{"properties that are lost", {}};
+    for (host::Property property : host::AllProperties())
+        if (!book.GetProperty(property).empty())
+            properties.where.emplace_back(host::NameOf(property));
+    for (host::LegacyLoss const & loss : {sheets, properties})
+        if (!loss.where.empty()) PrintLoss(file, loss);
+}
+
 void PrintDamages(std::string const & file, std::vector<host::Damage> const & damages) {
     for (host::Damage const & damage : damages)
         std::cout << file << ": at byte " << damage.offset << ": " << damage.what << '\n';
@@ -73,6 +116,16 @@ bool IsDocumentName(std::string const & path) {
     return std::filesystem::path(path).extension() == ".cvs";
 }
 
+bool IsLegacyName(std::string const & path) {
+    return std::filesystem::path(path).extension() == ".cv15";
+}
+
+void WriteLegacy(Sheet & sheet, std::string const & file) {
+    host::LegacyFile const legacy = host::WriteLegacyFile(sheet);
+    WriteFile(file, legacy.bytes);
+    for (host::LegacyLoss const & loss : legacy.losses) PrintLoss(file, loss);
+}
+
 std::unique_ptr<Workbook> LoadWorkbook(std::vector<std::string> const & files,
                                        std::string const & locale,
                                        std::optional<TextFormat> format) {
@@ -83,9 +136,13 @@ std::unique_ptr<Workbook> LoadWorkbook(std::vector<std::string> const & files,
         if (IsDocumentName(file)) throw InputError(file + ": a document is read by itself");
         names.push_back(AddSheetFor(*book, file));
     }
-    for (std::size_t i = 0; i < files.size(); ++i)
-        LoadText((*book)[names[i]], files[i], ReadFile(files[i]),
-                 format.value_or(FormatOf(files[i])));
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        Sheet & sheet = (*book)[names[i]];
+        if (IsLegacyName(files[i]))
+            ReadLegacy(sheet, files[i]);
+        else
+            LoadText(sheet, files[i], ReadFile(files[i]), format.value_or(FormatOf(files[i])));
+    }
     return book;
 }
 
@@ -134,10 +191,12 @@ int Convert(ConvertOptions const & options) {
             book->Save(options.output);
             return 0;
         }
-        if (options.sheet.empty() && book->Count() > 1)
-            throw InputError("there are " + std::to_string(book->Count()) +
-                             " sheets: choose one with --sheet, or write a .cvs document");
-        Sheet & sheet = ChooseSheet(*book, options.sheet);
+        Sheet & sheet = OnlySheet(*book, options.sheet);
+        if (IsLegacyName(options.output)) {
+            WriteLegacy(sheet, options.output);
+            PrintLossesBeyond(sheet, *book, options.output);
+            return 0;
+        }
         host::Area const area{{0, 0}, sheet.UsedArea().value_or(host::Area{}).last};
         WriteFile(options.output,
                   Render(sheet, area,

@@ -15,12 +15,19 @@ namespace cells::app {
 // Whether a file name has the extension of saved documents, ".cvs".
 bool IsDocumentName(std::string const & path);
 
-// A saved document, or texts as the sheets of a workbook, which are named after their files. All
-// sheets are there before the first text is entered, so that texts may refer to each other. A
-// format given counts for the texts, otherwise each one's extension. Throws InputError.
+// Whether a file name has the extension of the older version, ".cv15".
+bool IsLegacyName(std::string const & path);
+
+// A saved document, or texts and files of the older version as the sheets of a workbook, which are
+// named after their files. All sheets are there before the first is filled, so that texts may refer
+// to each other. A format given counts for the texts, otherwise each one's extension. Throws
+// InputError.
 std::unique_ptr<host::Workbook> LoadWorkbook(std::vector<std::string> const & files,
                                              std::string const & locale,
                                              std::optional<TextFormat> format = {});
+
+// Writes a sheet as a file of the older version, and tells on standard error what that cannot hold.
+void WriteLegacy(host::Sheet & sheet, std::string const & file);
 
 // The sheet of a name; without a name the first. Throws InputError.
 host::Sheet & ChooseSheet(host::Workbook const & book, std::string const & name);

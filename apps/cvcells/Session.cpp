@@ -139,7 +139,7 @@ std::string const & Session::HelpText() {
         "undo, redo            edits, one by one\n"
         "locale TAG            start an empty workbook in another locale, such as de-DE\n"
         "load FILE, save FILE  a workbook (.cvs), or the present sheet as comma or tab separated\n"
-        "                      text, by extension\n"
+        "                      text or in the older version (.cv15), by extension\n"
         "link FILE             let formulas read another workbook, a text or a database\n"
         "peer SOCKET           let formulas read what another process serves there\n"
         "links                 what can be read\n"
@@ -360,7 +360,7 @@ void Session::SetLocale(std::string const & rest) {
 }
 
 void Session::Load(std::string const & rest) {
-    if (IsDocumentName(rest))
+    if (IsDocumentName(rest) || IsLegacyName(rest))
         return SetBook(LoadWorkbook({rest}, m_Locale), rest, host::ReadLinks::kAsk);
     LoadText(*m_Sheet, rest, ReadFile(rest), FormatOf(rest));
     m_Changed.clear();
@@ -369,6 +369,7 @@ void Session::Load(std::string const & rest) {
 void Session::Save(std::string const & rest) {
     if (rest.empty()) throw CommandError("save needs the name of a file");
     if (IsDocumentName(rest)) return m_Book->Save(rest);
+    if (IsLegacyName(rest)) return WriteLegacy(*m_Sheet, rest);
     Area const area{{0, 0}, m_Sheet->UsedArea().value_or(Area{}).last};
     OutputFormat const format =
         FormatOf(rest) == TextFormat::kTsv ? OutputFormat::kTsv : OutputFormat::kCsv;

@@ -35,8 +35,9 @@ void AddCalc(CLI::App & app, std::function<int()> & run) {
     auto options = std::make_shared<CalcOptions>();
     CLI::App * calc = app.add_subcommand("calc", "Read a sheet, bring it up to date and print it");
     calc->add_option("FILE", options->files,
-                     "a saved document, or CSV and TSV in UTF-8 as sheets of one workbook, named "
-                     "after the files; - is standard input")
+                     "a saved document, or CSV and TSV in UTF-8 and files of the older version "
+                     "(.cv15) as sheets of one workbook, named after the files; - is standard "
+                     "input")
         ->required();
     calc->add_option("--sheet", options->sheet, "the sheet to print; the first otherwise");
     calc->add_option("--input-format", options->inputFormat, "csv or tsv; by extension otherwise")
@@ -65,14 +66,15 @@ void AddCalc(CLI::App & app, std::function<int()> & run) {
 void AddConvert(CLI::App & app, std::function<int()> & run) {
     auto options = std::make_shared<cells::app::ConvertOptions>();
     CLI::App * convert =
-        app.add_subcommand("convert", "Between CSV, TSV and saved documents (.cvs)");
+        app.add_subcommand("convert", "Between CSV, TSV, saved documents (.cvs) and files of the "
+                                      "older version (.cv15)");
     convert
         ->add_option("FILE", options->inputs,
-                     "IN... OUT: a saved document, or texts as its sheets; then the file to write "
-                     "(.cvs, .csv or .tsv)")
+                     "IN... OUT: a saved document, or texts and .cv15 files as its sheets; then "
+                     "the file to write (.cvs, .csv, .tsv or .cv15)")
         ->required()
         ->expected(2, cells::host::Workbook::kMostSheets + 1);
-    convert->add_option("--sheet", options->sheet, "the sheet to write as text");
+    convert->add_option("--sheet", options->sheet, "the sheet to write, where a file holds one");
     convert->add_option("--show", options->show, "what a text holds: formulas or values")
         ->check(CLI::IsMember({"values", "formulas"}))
         ->capture_default_str();

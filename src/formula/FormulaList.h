@@ -88,6 +88,7 @@ public:
         *m_End = FormulaListCreate1Item(formula);
         m_End = &(*m_End)->next;
     }
+    CCFormulaList * First() const { return m_Head; }
     CCFormulaList * Release() {
         CCFormulaList * list = m_Head;
         m_Head = nullptr;

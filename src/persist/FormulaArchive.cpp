@@ -6,23 +6,14 @@
 #include "formula/CCRefOpFormula.h"
 #include "formula/CCRemoteOpFormula.h"
 #include "formula/FunctionRegistry.h"
+#include "persist/NestingLimit.h"
 #include "platform/CArchive.h"
-#include "platform/Exceptions.h"
 #include "platform/HeapText.h"
 
 #include <algorithm>
 #include <memory>
 
 namespace {
-
-struct DepthGuard {
-    DepthGuard() {
-        if (depth >= cells::kMaxFormulaDepth) throw CArchiveException(CArchiveException::badSchema);
-        ++depth;
-    }
-    ~DepthGuard() { --depth; }
-    static inline int depth = 0;
-};
 
 std::unique_ptr<CCFormula> NewFormula(int type) {
     switch (type) {
@@ -122,7 +113,7 @@ void WriteFormula(cells::CTX * ctx, CArchive & ar, CCFormula const * formula) {
 }
 
 CCFormula * ReadFormula(cells::CTX * ctx, CArchive & ar) {
-    DepthGuard const depth;
+    cells::internal::NestingLimit<CCFormula, cells::kMaxFormulaDepth> const level;
     uchar type;
     ar >> type;
     std::unique_ptr<CCFormula> formula = NewFormula(type);

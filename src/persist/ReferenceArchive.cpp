@@ -7,23 +7,14 @@
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
 #include "formula/CCRemoteRef.h"
+#include "persist/NestingLimit.h"
 #include "platform/CArchive.h"
-#include "platform/Exceptions.h"
 
 #include <memory>
 
 namespace {
 
 constexpr int kDeepestRef = 16; // sheets around sheets, which nothing but a bad file holds
-
-struct DepthGuard {
-    explicit DepthGuard(int limit) {
-        if (depth >= limit) throw CArchiveException(CArchiveException::badSchema);
-        ++depth;
-    }
-    ~DepthGuard() { --depth; }
-    static inline int depth = 0;
-};
 
 std::unique_ptr<CCRef> NewRef(int type) {
     switch (type) {
@@ -106,7 +97,7 @@ void WriteRef(cells::CTX * ctx, CArchive & ar, CCRef const * ref) {
 }
 
 CCRef * ReadRef(cells::CTX * ctx, CArchive & ar) {
-    DepthGuard const depth(kDeepestRef);
+    cells::internal::NestingLimit<CCRef, kDeepestRef> const level;
     uchar type;
     ar >> type;
     std::unique_ptr<CCRef> ref = NewRef(type);

@@ -1,0 +1,86 @@
+// Cells between the older file version and today.
+#include "core/CCCell.h"
+#include "core/CCCellManager.h"
+#include "core/Context.h"
+#include "formula/CCRCRef.h"
+#include "formula/CCRef3D.h"
+#include "formula/CCRefFormula.h"
+#include "formula/CCRefList.h"
+#include "legacy/CCC4W15Convert.h"
+
+#include <optional>
+
+namespace {
+
+using Legacy = CCC4W15Exchange;
+
+constexpr uchar kAllAbsolute = 0xFF;
+
+// The origin of the formula at a place.
+class Origin {
+public:
+    explicit Origin(CCRef const * place) {
+        if (!place || place->GetType() != kRefCell) return;
+        auto const & cell = static_cast<CCRCRef const &>(*place);
+        m_Point.emplace(cell.col + 1, cell.row + 1);
+    }
+    CPoint const * Get() const { return m_Point ? &*m_Point : nullptr; }
+
+private:
+    std::optional<CPoint> m_Point;
+};
+
+} // namespace
+
+// The place of a dependent without its sheet, or null where that is another one.
+CCRef const * CCC4W15Convert::OnThisSheet(CCRef const * dependent) const {
+    if (dependent->GetType() != kRefSheets) return dependent;
+    auto const & placed = static_cast<CCRef3D const &>(*dependent);
+    return placed.GetManager() == m_pManager ? placed.ref : nullptr;
+}
+
+void CCC4W15Convert::ConvertTo15(Legacy::CCC4W15_Cell * legacy, CCCell * cell) const {
+    legacy->Release();
+    Origin const origin(cell->GetRef());
+    Legacy::CCC4W15_Coords * coords;
+    ConvertTo15(coords, cell->GetRef(), kAllAbsolute, nullptr);
+    legacy->coords.reset(coords);
+    ConvertTo15(legacy->value, cell->GetValue());
+
+    CCFormula const * const tree = cell->LoadFormula(Context());
+    Legacy::CCC4W15_Ref * ref;
+    if (std::unique_ptr<CCRef const> const source{cell->GetEditSourceRef(Context())}) {
+        uchar const flags = tree->GetType() == kRefFormula
+                                ? static_cast<CCRefFormula const *>(tree)->GetMode()
+                                : kAllAbsolute;
+        ConvertTo15(ref, source.get(), flags, origin.Get());
+        if (ref) legacy->editSources.Add(ref);
+    } else {
+        legacy->formula.reset(ConvertTo15(tree, origin.Get()));
+    }
+
+    cells::internal::RefListHolder const dependents(cell->LoadDependents(Context()));
+    for (CCRefList const * node = dependents.list; node; node = node->next()) {
+        ConvertTo15(ref, OnThisSheet(node->ref()), kAllAbsolute, nullptr);
+        if (ref) legacy->dependents.Add(ref);
+    }
+}
+
+void CCC4W15Convert::ConvertTo95(CCCell * cell, CCRef *& ref,
+                                 Legacy::CCC4W15_Cell const * legacy) const {
+    uchar flags;
+    ConvertTo95(ref, flags, legacy->coords.get(), nullptr);
+    Origin const origin(ref);
+    CCCellValue value;
+    ConvertTo95(value, legacy->value);
+    cell->SetValue(Context(), value);
+
+    std::unique_ptr<CCFormula> const formula(ConvertTo95(legacy->formula.get(), origin.Get()));
+    if (formula) cell->SetFormula(Context(), formula.get(), 1);
+
+    if (!legacy->editSources.First()) return;
+    CCRef * source;
+    ConvertTo95(source, flags, legacy->editSources.First()->ref.get(), origin.Get());
+    std::unique_ptr<CCRef> const owned(source);
+    if (source) cell->SetEditSource(Context(), source, flags);
+}
