@@ -147,8 +147,8 @@ private:
         return CString(m_Buffer.View());
     }
 
-    // Whether a formula reads back from its bytes as it was converted. Texts that are too long bring
-    // the reader out of step.
+    // Whether a formula reads back from its bytes as it was converted. Texts that are too long
+    // bring the reader out of step.
     bool ComesBack(Legacy::CCC4W15_Formula const & legacy, GridCell & cell) {
         bool isCut;
         ToNarrow(PrintedFormula(cell.LoadFormula(&m_Sheet)), &isCut);
@@ -164,8 +164,7 @@ private:
             CPoint const origin(cell.At().column + 1, cell.At().row + 1);
             std::unique_ptr<CCFormula> const before(m_Convert.ConvertTo95(&legacy, &origin));
             std::unique_ptr<CCFormula> const after(m_Convert.ConvertTo95(read.get(), &origin));
-            return before && after &&
-                   PrintedFormula(before.get()) == PrintedFormula(after.get());
+            return before && after && PrintedFormula(before.get()) == PrintedFormula(after.get());
         } catch (CArchiveException const &) {
             return false;
         }
@@ -257,9 +256,7 @@ private:
         return LookAlike({value.GetNumber(), value.GetFormat()}, back);
     }
 
-    void Lose(char const * what, std::string const & where) {
-        AddLoss(m_File.losses, what, where);
-    }
+    void Lose(char const * what, std::string const & where) { AddLoss(m_File.losses, what, where); }
 
     SheetManager & m_Sheet;
     CCC4W15Convert m_Convert;
@@ -330,8 +327,7 @@ private:
         std::unique_ptr<CCRef> const owned(ref);
         if (!ref || ref->GetType() != kRefCell) return;
         record.place = PlaceOf(*ref);
-        if (!m_Places.insert(*record.place).second)
-            throw std::runtime_error("a place comes twice");
+        if (!m_Places.insert(*record.place).second) throw std::runtime_error("a place comes twice");
     }
 
     void Enter() {

@@ -102,5 +102,8 @@
 
 #include "remote/CCTransportInterface.h"
 
+#include "legacy/CCC4W15Convert.h"
+#include "legacy/CCC4W15Exchange.h"
+
 #include "catalogue/CFunctionCategories.h"
 #include "catalogue/Language.h"

@@ -71,11 +71,12 @@ public:
 
 private:
     cells::CTX * Context() const;
-    std::unique_ptr<Legacy::CCC4W15_Formula> CallTo15(CCOpFormula const & formula, CPoint const * origin) const;
-    std::unique_ptr<CCFormula> FormulaTo95(Legacy::CCC4W15_Formula const * legacy, CPoint const * origin,
-                                           int depth) const;
-    std::unique_ptr<CCFormula> CallTo95(Legacy::CCC4W15_FormulaOp const & legacy, CPoint const * origin,
-                                        int depth) const;
+    std::unique_ptr<Legacy::CCC4W15_Formula> CallTo15(CCOpFormula const & formula,
+                                                      CPoint const * origin) const;
+    std::unique_ptr<CCFormula> FormulaTo95(Legacy::CCC4W15_Formula const * legacy,
+                                           CPoint const * origin, int depth) const;
+    std::unique_ptr<CCFormula> CallTo95(Legacy::CCC4W15_FormulaOp const & legacy,
+                                        CPoint const * origin, int depth) const;
     CCRef const * OnThisSheet(CCRef const * dependent) const;
     wchar_t SeparatorOf(CCNumberFormat const & date) const;
 

@@ -69,8 +69,7 @@ void CCC4W15Convert::ConvertTo15(Legacy::CCC4W15_NumberFormat & legacy,
     case C_NF_NUMBER: {
         auto fields = DecimalsOf<Legacy::SCC4W15_NF_Number>(format);
         fields.stringKind = std::uint16_t(format.GetLTStringMode());
-        if (fields.stringKind)
-            fields.text = cells::ToNarrow(GetLTStringAt(format.GetLTString()));
+        if (fields.stringKind) fields.text = cells::ToNarrow(GetLTStringAt(format.GetLTString()));
         return legacy.Set(fields);
     }
     case C_NF_CURRENCY:

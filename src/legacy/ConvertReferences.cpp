@@ -34,8 +34,8 @@ struct Corner {
         bool const absoluteRow = corner.rowAbsolute || !origin;
         column = CoordinateOf(corner.column, absoluteColumn, origin ? origin->x : 0);
         row = CoordinateOf(corner.row, absoluteRow, origin ? origin->y : 0);
-        flags = (absoluteColumn ? cells::kAbsoluteColumn : 0) |
-                (absoluteRow ? cells::kAbsoluteRow : 0);
+        flags =
+            (absoluteColumn ? cells::kAbsoluteColumn : 0) | (absoluteRow ? cells::kAbsoluteRow : 0);
     }
     bool IsOnGrid() const { return column <= cells::kMaxColumn; }
 

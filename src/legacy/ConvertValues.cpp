@@ -53,10 +53,10 @@ struct NumberRow {
 };
 
 constexpr NumberRow kNumbers[] = {
-    {2, C_NF_NUMBER, Word::kDecimals},   {3, C_NF_NUMBER, Word::kNoDecimals},
-    {4, C_NF_NUMBER, Word::kDecimals},   {5, C_NF_CURRENCY, Word::kDecimals},
-    {6, C_NF_TIME, Word::kUnused},       {7, C_NF_DATE, Word::kUnused},
-    {8, C_NF_PERCENT, Word::kDecimals},  {9, C_NF_SCIENTIFIC, Word::kDecimals},
+    {2, C_NF_NUMBER, Word::kDecimals},    {3, C_NF_NUMBER, Word::kNoDecimals},
+    {4, C_NF_NUMBER, Word::kDecimals},    {5, C_NF_CURRENCY, Word::kDecimals},
+    {6, C_NF_TIME, Word::kUnused},        {7, C_NF_DATE, Word::kUnused},
+    {8, C_NF_PERCENT, Word::kDecimals},   {9, C_NF_SCIENTIFIC, Word::kDecimals},
     {10, C_NF_FRACTION, Word::kDecimals},
 };
 

@@ -15,6 +15,7 @@ using cells::host::Sheet;
 using cells::host::Workbook;
 using cells::host::WriteLegacyFile;
 using cells::test::A;
+using cells::test::DumpOfTheDocumentation;
 using cells::test::P;
 using cells::test::Shown;
 
@@ -81,9 +82,16 @@ TEST(LegacyFile, HasNamesThenCellsWithTheirFormats) {
     std::string const text = Bytes({1, 1, 'x', 0, 0, 0, 0});
     std::string const rest(9, '\0'); // no formula, no references
     std::string const allDecimals = Bytes({1, 0, 0, 15, 0}) + std::string(16, '\0');
-    EXPECT_EQ(Written(sheet).bytes, kHead + Bytes({1, 0, 0, 0, 1, 'n'}) + a1 +
-                                        Bytes({2, 0, 0, 0}) + a1 + half + rest + allDecimals +
-                                        b1 + text + rest + Bytes({0}));
+    EXPECT_EQ(Written(sheet).bytes, kHead + Bytes({1, 0, 0, 0, 1, 'n'}) + a1 + Bytes({2, 0, 0, 0}) +
+                                        a1 + half + rest + allDecimals + b1 + text + rest +
+                                        Bytes({0}));
+}
+
+TEST(LegacyFile, IsTheDumpOfTheDocumentation) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "12.5");
+    sheet.Enter("B2", "=A1*2");
+    EXPECT_EQ(Written(sheet).bytes, DumpOfTheDocumentation("89 43 31 35"));
 }
 
 TEST(LegacyFile, BringsBackWhatTheOlderVersionCanHold) {
@@ -201,9 +209,8 @@ TEST(LegacyFile, NamesThatHaveNoBytesAreTold) {
     sheet.Enter("B3", "=\u540D+1");
     sheet.Enter("B4", "=SUM(area)");
     LegacyFile const file = Written(sheet);
-    EXPECT_EQ(ByKind(file.losses),
-              (Losses{{"names that are lost", {"\u540D"}},
-                      {"formulas of which only the value is kept", {"B3"}}}));
+    EXPECT_EQ(ByKind(file.losses), (Losses{{"names that are lost", {"\u540D"}},
+                                           {"formulas of which only the value is kept", {"B3"}}}));
     Read back(file.bytes);
     EXPECT_EQ(back.sheet.Text("B3"), "6");
     EXPECT_EQ(back.sheet.Formula(P("B4")), "=SUM (area)");
@@ -227,8 +234,9 @@ TEST(LegacyFile, ErrorsAreToldWhereNoFormulaMakesThem) {
     sheet.Enter("A3", "=IF(1,NA(),2)");
     sheet.Enter("A4", "=IF(1,1/0,2)");
     LegacyFile const file = Written(sheet);
-    EXPECT_EQ(ByKind(file.losses), (Losses{{"formulas of which only the value is kept", {"A3", "A4"}},
-                                           {"errors that became others", {"A3"}}}));
+    EXPECT_EQ(ByKind(file.losses),
+              (Losses{{"formulas of which only the value is kept", {"A3", "A4"}},
+                      {"errors that became others", {"A3"}}}));
     Read back(file.bytes);
     EXPECT_EQ(back.sheet.Get("A1").error, 9);
     EXPECT_EQ(back.sheet.Get("A2").error, 5);
@@ -304,8 +312,8 @@ TEST(LegacyFile, RecordsWithoutACellAreTold) {
     std::string const none(1, '\0');
     std::string const name = Bytes({3, 1, 'n'});
     std::string const offGrid = Bytes({1, 1, 0, 0, 0, 1, 1, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0});
-    Read const back(FileOf({{std::string(1, '\0'), none}, {kA1, none}, {name, none},
-                            {offGrid, none}}));
+    Read const back(
+        FileOf({{std::string(1, '\0'), none}, {kA1, none}, {name, none}, {offGrid, none}}));
     EXPECT_EQ(back.losses, (Losses{{"records without a cell", {"1", "3", "4"}}}));
     EXPECT_EQ(back.sheet.Text("A1"), "0");
 }

@@ -57,7 +57,9 @@ protected:
         return Tree(convert.ConvertTo95(old, &origin));
     }
     // A formula through the older version, as it prints.
-    std::string Through(std::wstring const & text) { return Printed(ToTree(ToOld(text).get()).get()); }
+    std::string Through(std::wstring const & text) {
+        return Printed(ToTree(ToOld(text).get()).get());
+    }
 
     // An old call of a function with arguments in today's notation.
     Old Call(std::string const & name, std::vector<std::wstring> const & args) {
@@ -180,7 +182,7 @@ TEST_F(LegacyConvert, ACellComesFromADistanceOrANumberFrom1) {
         {{1, 257, 1, 1}, "C3", "", 0},
         {{1, 300, 1, 1}, "C3", "", 0},
         {{1, 0, 1, 1}, "C3", "", 0},
-        {{1, 0xFFFD, 0, 0}, "C3", "", 0}, // before column A
+        {{1, 0xFFFD, 0, 0}, "C3", "", 0},       // before column A
         {{0xFFFD, 0, 0, 0}, "C3", "C65536", 0}, // rows wrap
     };
     for (Case const & c : cases) {
@@ -243,7 +245,8 @@ TEST_F(LegacyConvert, ANameIsNarrowedAndWidened) {
     convert.ConvertTo15(made, &name, 0, nullptr);
     std::unique_ptr<Legacy::CCC4W15_Coords> const coords(made);
     ASSERT_EQ(coords->GetType(), Legacy::kCoordsName);
-    EXPECT_EQ(static_cast<Legacy::CCC4W15_CoordsName const &>(*coords).name, "gr\xF6\xDF" "e?");
+    EXPECT_EQ(static_cast<Legacy::CCC4W15_CoordsName const &>(*coords).name, "gr\xF6\xDF"
+                                                                             "e?");
     CCRef * back;
     uchar flags = 0xAA;
     convert.ConvertTo95(back, flags, coords.get(), nullptr);
@@ -368,7 +371,7 @@ TEST_F(LegacyConvert, NumbersHaveATypeByTheirClass) {
     struct Row {
         int formatClass, type, word;
     };
-    Row const rows[] = {{0, 2, 0}, {1, 2, 3}, {2, 5, 3}, {3, 8, 3},  {4, 10, 3}, {5, 9, 3},
+    Row const rows[] = {{0, 2, 0}, {1, 2, 3}, {2, 5, 3}, {3, 8, 3}, {4, 10, 3}, {5, 9, 3},
                         {6, 6, 0}, {7, 7, 0}, {8, 2, 0}, {9, 2, 0}, {10, 2, 0}, {11, 2, 0}};
     for (Row const & row : rows) {
         CCNumberFormat format;
@@ -388,8 +391,8 @@ TEST_F(LegacyConvert, NumbersGetAClassByTheirType) {
     struct Row {
         int type, formatClass, decimals, mask;
     };
-    Row const rows[] = {{2, 1, 5, 0x3F},  {3, 1, 0, 0x3F},  {4, 1, 5, 0x3F}, {5, 2, 5, 0x3F},
-                        {6, 6, 0, 0x3D},  {7, 7, 0, 0x3D},  {8, 3, 5, 0x3F}, {9, 5, 5, 0x3F},
+    Row const rows[] = {{2, 1, 5, 0x3F},  {3, 1, 0, 0x3F},  {4, 1, 5, 0x3F},  {5, 2, 5, 0x3F},
+                        {6, 6, 0, 0x3D},  {7, 7, 0, 0x3D},  {8, 3, 5, 0x3F},  {9, 5, 5, 0x3F},
                         {10, 4, 5, 0x3F}, {11, 0, 0, 0x3D}, {255, 0, 0, 0x3D}};
     for (Row const & row : rows) {
         Legacy::CCC4W15_CellValue old;
@@ -648,18 +651,19 @@ TEST_F(LegacyConvert, ACellsBytes) {
     host.Enter("B1", L"=A1");
     Legacy::CCC4W15_Cell old;
     Fill(old, convert, host.Make("A1"));
-    EXPECT_EQ(BytesOf(old), (Bytes{1, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, // A1
-                                   1, 4, 't', 'e', 'x', 't', 0, 0, 0, 0,             // value
-                                   0,                                                // no formula
-                                   1, 0, 0, 0,                                       // B1
-                                   1, 1, 1, 0, 0, 0, 2, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, //
-                                   0, 0, 0, 0}));
+    EXPECT_EQ(BytesOf(old), (Bytes{1, 1, 0,   0,   0,   1,   0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, // A1
+                                   1, 4, 't', 'e', 'x', 't', 0, 0, 0, 0, // value
+                                   0,                                    // no formula
+                                   1, 0, 0,   0,                         // B1
+                                   1, 1, 1,   0,   0,   0,   2, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, //
+                                   0, 0, 0,   0}));
     Fill(old, convert, host.Make("B1"));
-    EXPECT_EQ(BytesOf(old), (Bytes{1, 1, 0, 0, 0, 2, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, // B1
-                                   1, 4, 't', 'e', 'x', 't', 0, 0, 0, 0,             // value
-                                   3, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,         // reference
-                                   1, 1, 0, 0, 0, 0, 0xFF, 0xFF, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, //
-                                   0, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(BytesOf(old),
+              (Bytes{1, 1, 0,   0,   0,   2,   0,    0,    0, 1, 0, 0, 0, 1, 0, 0, 0, // B1
+                     1, 4, 't', 'e', 'x', 't', 0,    0,    0, 0,                      // value
+                     3, 3, 0,   0,   0,   0,   0,    0,    0, 0, 0, 0, 0, 0,          // reference
+                     1, 1, 0,   0,   0,   0,   0xFF, 0xFF, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, //
+                     0, 0, 0,   0,   0,   0,   0,    0}));
 }
 
 TEST_F(LegacyConvert, AnEditSourceGoesToTheSecondListWithoutAFormula) {
@@ -750,8 +754,7 @@ TEST_F(LegacyConvert, DependentsOnOtherSheetsAreLeftOut) {
     CCRef3D const here(&host, &place), there(&other, &place);
     CCRemoteRef const remote(L"doc", L"A1");
     cells::test::MapCell & cell = host.Make("B2");
-    for (CCRef const * ref : {static_cast<CCRef const *>(&here),
-                              static_cast<CCRef const *>(&there),
+    for (CCRef const * ref : {static_cast<CCRef const *>(&here), static_cast<CCRef const *>(&there),
                               static_cast<CCRef const *>(&remote)})
         ASSERT_TRUE(cell.RegisterDependent(&host, ref));
     Legacy::CCC4W15_Cell old;
@@ -877,8 +880,8 @@ TEST_F(LegacyConvert, LeadingAndTrailingStringsGoAsTexts) {
         format.SetPrecision(2);
         format.SetLTString(mode, index);
         auto const old = OldFormat(format);
-        EXPECT_EQ(BytesOf(old), (Bytes{0, 0, 2, 0, 0, 0, 0, 0, 0, 0, uchar(mode), 0, 'k', 'g',
-                                       0x80, 0, 0, 0, 0, 0}));
+        EXPECT_EQ(BytesOf(old), (Bytes{0,           0, 2,   0,   0,    0, 0, 0, 0, 0,
+                                       uchar(mode), 0, 'k', 'g', 0x80, 0, 0, 0, 0, 0}));
         EXPECT_TRUE(Format(old).IsEqual(host.lctx(), format));
         EXPECT_EQ(Format(old).GetLTStringMode(), mode);
     }

@@ -119,18 +119,14 @@ TEST(LegacyText, Of300BytesComesOutAsItsFirst44) {
     Reading(bytes, [&](CArchive & ar) { EXPECT_EQ(Legacy::ReadString16(ar), text.substr(0, 44)); });
 }
 
-TEST(LegacyText, Of256BytesComesOutEmpty) {
-    EXPECT_EQ(Text(std::string(256, 'x')), Bytes{0});
-}
+TEST(LegacyText, Of256BytesComesOutEmpty) { EXPECT_EQ(Text(std::string(256, 'x')), Bytes{0}); }
 
 TEST(LegacyText, Of255BytesReadsAsNullAndLeavesTheBytesToWhatFollows) {
     Bytes const bytes = Text(std::string(255, 'x'));
     EXPECT_EQ(bytes.size(), 256u);
-    EXPECT_EQ(LeftBehind(bytes,
-                         [](CArchive & ar) {
-                             EXPECT_EQ(Legacy::ReadString16(ar), std::nullopt);
-                         }),
-              255u);
+    EXPECT_EQ(
+        LeftBehind(bytes, [](CArchive & ar) { EXPECT_EQ(Legacy::ReadString16(ar), std::nullopt); }),
+        255u);
 }
 
 TEST(LegacyText, ThatEndsTooEarlyThrows) {
@@ -227,8 +223,7 @@ TEST(LegacyCoords, NumbersAreCutTo16Bits) {
 
 TEST(LegacyCoords, AnUnknownTypeIsNullAndLeavesTheStreamBehindTheNumber) {
     Bytes const bytes = {9, 1, 2, 3};
-    EXPECT_EQ(LeftBehind(bytes,
-                         [](CArchive & ar) { EXPECT_EQ(Legacy::ReadCoords(ar), nullptr); }),
+    EXPECT_EQ(LeftBehind(bytes, [](CArchive & ar) { EXPECT_EQ(Legacy::ReadCoords(ar), nullptr); }),
               3u);
 }
 
@@ -385,9 +380,7 @@ Bytes NestedQueries(int levels) {
 }
 
 // A cell around a formula.
-Bytes CellWith(Bytes const & formula) {
-    return Join(0, kNewValue, formula, U32(0), U32(0));
-}
+Bytes CellWith(Bytes const & formula) { return Join(0, kNewValue, formula, U32(0), U32(0)); }
 
 } // namespace
 
@@ -479,8 +472,8 @@ TEST(LegacyNumberFormat, ANumberFillsTheBlockWithItsText) {
     number.text = "pieces";
     Legacy::CCC4W15_NumberFormat format;
     format.Set(number);
-    EXPECT_EQ(BytesOf(format), (Bytes{0,   0,   2,   0,   1,   0,   0,   0, 1, 0,
-                                      2,   0,   'p', 'i', 'e', 'c', 'e', 's', 0, 0}));
+    EXPECT_EQ(BytesOf(format),
+              (Bytes{0, 0, 2, 0, 1, 0, 0, 0, 1, 0, 2, 0, 'p', 'i', 'e', 'c', 'e', 's', 0, 0}));
     Legacy::SCC4W15_NF_Number back;
     format.Get(back);
     EXPECT_EQ(back.text, "pieces");
@@ -500,9 +493,7 @@ TEST(LegacyNumberFormat, WordsWithoutAMeaningAre0) {
     Legacy::CCC4W15_NumberFormat format;
     format.words.fill(0xFFFF);
     format.Set(Legacy::SCC4W15_NF_Date{3, 2, 1, 1});
-    EXPECT_EQ(BytesOf(format),
-              (Bytes{3, 0, 3, 0, 2, 0, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(BytesOf(format), (Bytes{3, 0, 3, 0, 2, 0, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
     format.Set(Legacy::SCC4W15_NF_Time{1, 0});
-    EXPECT_EQ(BytesOf(format),
-              (Bytes{2, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(BytesOf(format), (Bytes{2, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
