@@ -116,13 +116,21 @@ private:
         Legacy::CCC4W15_Cell legacy;
         m_Convert.ConvertTo15(&legacy, &cell);
         if (legacy.formula && !ComesBack(*legacy.formula, cell)) legacy.formula.reset();
-        if (cell.IsFormulaLink() && !legacy.formula && !legacy.editSources.First())
-            Lose("formulas of which only the value is kept", NameOf(place));
+        TellFormula(legacy, cell);
         FitText(legacy, cell);
-        if (cell.getCFmt().GetSetMask() & kCellFormatStyleItems & ~kCellFormatEditSource)
+        int const kept = legacy.editSources.First() ? kCellFormatEditSource : 0;
+        if (cell.getCFmt().GetSetMask() & kCellFormatStyleItems & ~kept)
             Lose("cell flags that are lost", NameOf(place));
         legacy.Write(ar);
         WriteFormat(ar, legacy, cell);
+    }
+
+    void TellFormula(Legacy::CCC4W15_Cell const & legacy, GridCell & cell) {
+        CCFormula const * const tree = cell.LoadFormula(&m_Sheet);
+        if (legacy.editSources.First() && tree->GetType() != kRefFormula)
+            Lose("edit sources of which only the present place is kept", NameOf(cell.At()));
+        if (cell.IsFormulaLink() && !legacy.formula && !legacy.editSources.First())
+            Lose("formulas of which only the value is kept", NameOf(cell.At()));
     }
 
     // A plain number becomes a cell for the time being.

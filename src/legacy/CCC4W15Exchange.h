@@ -132,8 +132,8 @@ public:
 
     class CVCELLS_API CCC4W15_CoordsName : public CCC4W15_Coords {
     public:
-        void Read(CArchive & ar) override { name = ReadString16(ar); }
-        void Write(CArchive & ar) const override { WriteString16(ar, name); }
+        void Read(CArchive & ar) override;
+        void Write(CArchive & ar) const override;
         int GetType() const override { return kCoordsName; }
         void Release() override { name.reset(); }
 

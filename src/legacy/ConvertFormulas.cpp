@@ -29,6 +29,15 @@ constexpr NamedOperator kNamedOperators[] = {
     {cells::kIdOr, Operator::kOr, 2},          {cells::kIdNot, Operator::kNot, 1},
 };
 
+// The function of a call. A sign before an argument that is no single value here, such as a name
+// that comes later, is still a sign: the infix operator of one item would print without it.
+CCFunc * FindFunction(cells::CTX * ctx, std::string name, CCFormulaList * args) {
+    CCFunc * const func = GetFunction(ctx, name.data(), args);
+    if (!func || func->kind != cells::kInfix || FormulaList2Item(args)) return func;
+    CCFunc * sign;
+    return _EatFunction(ctx, func->LocalName(), sign, cells::kPrefix) ? sign : func;
+}
+
 CCFunc * PreferOperator(CCFunc * func, CCFormulaList const * args) {
     for (NamedOperator const & named : kNamedOperators)
         if (func->stringId == named.function && FormulaListHasItems(args, named.fewestItems))
@@ -119,8 +128,7 @@ std::unique_ptr<CCFormula> CCC4W15Convert::CallTo95(Legacy::CCC4W15_FormulaOp co
         if (!formula) return nullptr;
         args.Add(formula.release());
     }
-    std::string name = legacy.name.value_or("");
-    CCFunc * const func = GetFunction(Context(), name.data(), args.First());
+    CCFunc * const func = FindFunction(Context(), legacy.name.value_or(""), args.First());
     if (!func) return nullptr;
     CCFunc * const preferred = PreferOperator(func, args.First());
     return std::unique_ptr<CCFormula>(ConstructOpFormula(preferred, args.Release()));

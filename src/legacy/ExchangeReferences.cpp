@@ -86,6 +86,13 @@ void CCC4W15Exchange::CCC4W15_CoordsRC::Write(CArchive & ar) const {
     for (std::uint16_t word : {row, column, rowAbsolute, columnAbsolute}) WriteWord(ar, word);
 }
 
+void CCC4W15Exchange::CCC4W15_CoordsName::Read(CArchive & ar) {
+    Release();
+    name = ReadString16(ar);
+}
+
+void CCC4W15Exchange::CCC4W15_CoordsName::Write(CArchive & ar) const { WriteString16(ar, name); }
+
 void CCC4W15Exchange::CCC4W15_CoordsRegion::Read(CArchive & ar) {
     first.Read(ar);
     last.Read(ar);
@@ -112,6 +119,7 @@ void CCC4W15Exchange::WriteCoords(CArchive & ar, CCC4W15_Coords const * coords) 
 // Queries
 
 void CCC4W15Exchange::CCC4W15_FileRef::Read(CArchive & ar) {
+    Release();
     ar >> kind;
     firstName = ReadString16(ar);
     secondName = ReadString16(ar);
@@ -141,6 +149,7 @@ void CCC4W15Exchange::CCC4W15_QueryCondition::Write(CArchive & ar) const {
 }
 
 void CCC4W15Exchange::CCC4W15_QuerySortKey::Read(CArchive & ar) {
+    Release();
     ar >> order;
     field = ReadString16(ar);
 }

@@ -3,8 +3,10 @@
 
 #include "support/Workbooks.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <map>
+#include <random>
 
 using cells::host::CellFlag;
 using cells::host::DocumentError;
@@ -338,4 +340,87 @@ TEST(LegacyFile, NamesThatCannotBeDefinedAreTold) {
     back.sheet.Enter("A1", "4");
     back.sheet.Enter("A2", "=k+1");
     EXPECT_EQ(back.sheet.Text("A2"), "5");
+}
+
+// Whatever is entered: what is not told as lost comes back as it was.
+
+namespace {
+
+std::vector<std::string> const kEntries = {
+    "12.5",
+    "-1234.5678",
+    "1e20",
+    "$5.00",
+    "(7)",
+    "50%",
+    "1 1/2",
+    "2026-03-05",
+    "10:30",
+    "TRUE",
+    "text",
+    "'007",
+    "\u20AC and \u4E2D",
+    std::string(255, 'x'),
+    "=A1*2",
+    "=1/3",
+    "=$B2+C$3",
+    "=SUM(A1:C3)",
+    "=AND(A1:B2)",
+    "=~A1",
+    "=A1=B1",
+    "=A1+\"\u4E2D\"",
+    "=IF(A1>0,B1,C1)",
+    "=CHOOSE(2,A1,B1)",
+    "=SUM({1,2,3})",
+    "=1/0",
+    "=NA()",
+    "=D4",
+    "=TODAY()",
+    "=rate*100",
+    "!B2",
+};
+std::vector<std::string> const kFormats = {"general",    "number:2",     "currency:1", "percent:0",
+                                           "fraction:2", "scientific:3", "date",       "time",
+                                           "logical",    "hex",          "0.00 \"kg\""};
+
+bool IsTold(Losses const & losses, std::string const & place) {
+    for (auto const & [what, where] : losses)
+        if (std::find(where.begin(), where.end(), place) != where.end()) return true;
+    return false;
+}
+
+} // namespace
+
+TEST(LegacyFile, WhatIsNotToldAsLostComesBackAsItWas) {
+    for (unsigned seed = 1; seed <= 150; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::mt19937 random(seed);
+        auto const pick = [&](auto const & list) -> auto const & {
+            return list[random() % list.size()];
+        };
+        Sheet sheet("C");
+        sheet.DefineName("rate", A("B1:B1"));
+        for (int i = 0; i < 16; ++i) {
+            cells::host::Place const place{int(random() % 4), int(random() % 5)};
+            if (random() % 4 == 0) sheet.SetNumberFormat({place, place}, pick(kFormats));
+            sheet.Enter(place, pick(kEntries));
+        }
+        LegacyFile const file = Written(sheet);
+        Losses const losses = ByKind(file.losses);
+        Read back(file.bytes);
+        EXPECT_EQ(back.losses, Losses());
+        EXPECT_EQ(back.sheet.CheckInvariants(), std::vector<std::string>());
+        // A formula that became a value may have had another one after a circle of cells.
+        sheet.ForEachOccupied([&](cells::host::Place place) {
+            std::string const name = NameOf(place);
+            if (IsTold(losses, name)) return;
+            EXPECT_EQ(back.sheet.Formula(place), sheet.Formula(place)) << name;
+            if (!sheet.Formula(place)) EXPECT_EQ(back.sheet.Text(place), sheet.Text(place)) << name;
+        });
+        // From then on nothing is lost any more.
+        LegacyFile const second = Written(back.sheet);
+        EXPECT_EQ(ByKind(second.losses), Losses());
+        Read again(second.bytes);
+        EXPECT_EQ(Shown(again.sheet), Shown(back.sheet));
+    }
 }

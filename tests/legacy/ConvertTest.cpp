@@ -446,7 +446,7 @@ TEST_F(LegacyConvert, FormulasComeBackAsTheyPrint) {
     for (wchar_t const * text :
          {L"SUM(A1:A2)", L"-A1", L"+A1", L"A1-B1", L"A1%", L"~A1", L"A1 & B1 | C1", L"$A1+A$1*$A$1",
           L"(A1+B1)*2", L"rate*2", L"\"text\"+A1", L"A1^2^3", L"A1>=B1", L"A1<>B1",
-          L"ROUND(A1/3,2)", L"PI()", L"IV65536+A1", L"REMOTE(\"a\",\"A1\")"}) {
+          L"ROUND(A1/3,2)", L"PI()", L"IV65536+A1", L"REMOTE(\"a\",\"A1\")", L"TITLE()"}) {
         std::string const printed = Printed(Parsed(text).get());
         EXPECT_NE(printed, "nothing");
         EXPECT_EQ(Through(text), printed);
@@ -547,6 +547,13 @@ TEST_F(LegacyConvert, OneGlyphIsPrefixOrInfixByItsArguments) {
     EXPECT_EQ(value.GetNumber(), -5);
 }
 
+TEST_F(LegacyConvert, ASignStaysASignBeforeWhatIsNoSingleValueHere) {
+    EXPECT_EQ(PrintedCall("-", {L"rate"}), "-rate"); // a name that nobody has defined
+    EXPECT_EQ(PrintedCall("-", {L"A1:A3"}), "-A1:A3");
+    EXPECT_EQ(PrintedCall("+", {L"rate"}), "+rate");
+    EXPECT_EQ(PrintedCall("*", {L"A1"}), "A1"); // has no other form
+}
+
 TEST_F(LegacyConvert, UnknownNamesAndWrongListsGiveNothing) {
     EXPECT_EQ(PrintedCall("NOSUCH", {L"A1"}), "nothing");
     EXPECT_EQ(PrintedCall("", {L"A1"}), "nothing");
@@ -603,6 +610,77 @@ TEST_F(LegacyConvert, AFunctionWhoseNameHasNoBytesDoesNotPass) {
     EXPECT_EQ(convert.ConvertTo15(&call, nullptr), nullptr);
     func.localName.reset(cells::NewHeapText(L"sum"));
     EXPECT_NE(Old(convert.ConvertTo15(&call, nullptr)), nullptr);
+}
+
+namespace {
+
+// A formula, and whether it holds what the older version does not have.
+struct Expression {
+    std::wstring text;
+    bool isLost = false;
+};
+
+Expression Leaf() {
+    switch (*rc::gen::inRange(0, 8)) {
+    case 0:
+        return {std::to_wstring(*rc::gen::inRange(0, 100000))};
+    case 1:
+        return {L"0." + std::to_wstring(*rc::gen::inRange(1, 100000))};
+    case 2:
+        return {L"\"text\""};
+    case 3:
+        return {L"rate"};
+    case 4:
+        return {L"SUM(B$2:$D9)"};
+    case 5:
+        return *rc::gen::inRange(0, 4) ? Expression{L"PI()"} : Expression{L"IF(A1,1,2)", true};
+    case 6:
+        return *rc::gen::inRange(0, 4) ? Expression{L"50%"} : Expression{L"SUM({1,2})", true};
+    default:
+        return {std::wstring(*rc::gen::arbitrary<bool>() ? L"$" : L"") +
+                wchar_t(L'A' + *rc::gen::inRange(0, 26)) +
+                (*rc::gen::arbitrary<bool>() ? L"$" : L"") +
+                std::to_wstring(*rc::gen::inRange(1, 65537))};
+    }
+}
+
+Expression AnyExpression(int depth) {
+    if (depth == 0) return Leaf();
+    Expression const a = AnyExpression(depth - 1);
+    switch (*rc::gen::inRange(0, 4)) {
+    case 0:
+        return {L"-(" + a.text + L")", a.isLost};
+    case 1:
+        return {L"ROUND(" + a.text + L",2)", a.isLost};
+    case 2:
+        return {L"(" + a.text + L")%", a.isLost};
+    default: {
+        Expression const b = AnyExpression(depth - 1);
+        wchar_t const op = L"+-*/^&|<>="[*rc::gen::inRange(0, 10)];
+        return {L"(" + a.text + L")" + op + L"(" + b.text + L")", a.isLost || b.isLost};
+    }
+    }
+}
+
+} // namespace
+
+RC_GTEST_FIXTURE_PROP(LegacyConvert, EveryFormulaComesBackUnlessItHoldsWhatIsLost, ()) {
+    cells::host::Sheet sheet("C");
+    sheet.DefineName("rate", {{0, 0}, {0, 0}});
+    CCC4W15Convert const convertSheet(&sheet.Manager());
+    Expression const expression = AnyExpression(*rc::gen::inRange(0, 5));
+    Tree const tree(_ParseFormula(sheet.Manager().ctx(), expression.text.c_str(), 0, nullptr));
+    RC_ASSERT(tree);
+    CPoint const origin(*rc::gen::inRange(1, 257), *rc::gen::inRange(1, 65537));
+    Old const old(convertSheet.ConvertTo15(tree.get(), &origin));
+    RC_ASSERT((old == nullptr) == expression.isLost);
+    if (!old) return;
+    Bytes const bytes = Written([&](CArchive & ar) { Legacy::WriteFormula(ar, old.get()); });
+    Old read;
+    cells::test::Reading(bytes, [&](CArchive & ar) { read.reset(Legacy::ReadFormula(ar)); });
+    RC_ASSERT(Written([&](CArchive & ar) { Legacy::WriteFormula(ar, read.get()); }) == bytes);
+    Tree const back(convertSheet.ConvertTo95(read.get(), &origin));
+    RC_ASSERT(Printed(back.get()) == Printed(tree.get()));
 }
 
 // Cells
@@ -746,6 +824,51 @@ TEST_F(LegacyConvert, ACellWithoutAPlaceTakesItsValueAndAbsoluteReferences) {
     convert.ConvertTo95(&host.Make("B2"), ref, &old);
     EXPECT_EQ(ref, nullptr);
     EXPECT_EQ(host.Make("B2").CCCell::GetValue().GetNumber(), 3);
+}
+
+TEST_F(LegacyConvert, TheListOfDependentsIsNotRead) {
+    host.Enter("A1", L"4");
+    host.Enter("B1", L"=A1");
+    Legacy::CCC4W15_Cell old;
+    Fill(old, convert, host.Make("A1"));
+    ASSERT_NE(old.dependents.First(), nullptr);
+    BaseHost other;
+    CCRef * ref;
+    CCC4W15Convert(&other).ConvertTo95(&other.Make("A1"), ref, &old);
+    delete ref;
+    EXPECT_FALSE(other.Make("A1").HasDependents());
+}
+
+TEST_F(LegacyConvert, OfSeveralEditSourcesTheFirstCounts) {
+    Legacy::CCC4W15_Cell old;
+    old.coords = std::make_unique<Legacy::CCC4W15_CoordsRC>(CoordsOf({9, 2, 1, 1}));
+    for (int row : {3, 5}) {
+        auto * const ref = new Legacy::CCC4W15_Ref;
+        ref->coords = std::make_unique<Legacy::CCC4W15_CoordsRC>(CoordsOf({row, 1, 1, 1}));
+        old.editSources.Add(ref);
+    }
+    CCRef * ref;
+    convert.ConvertTo95(&host.Make("B9"), ref, &old);
+    delete ref;
+    EXPECT_EQ(host.EditText("B9"), "!$A$3");
+}
+
+TEST_F(LegacyConvert, ACellWithAnotherKindOfPlaceHasAbsoluteReferences) {
+    struct NamedCell : CCCell {
+        CCRef const * GetRef() const override { return &name; }
+        bool IsEqual(CCItem const * item) const override { return item == this; }
+        CCNameRef name{L"total"};
+    } cell;
+    cell.SetFormula(&host, Parsed(L"A1+1").get(), 1);
+    Legacy::CCC4W15_Cell old;
+    Fill(old, convert, cell);
+    ASSERT_EQ(old.coords->GetType(), Legacy::kCoordsName);
+    EXPECT_EQ(Printed(Tree(convert.ConvertTo95(old.formula.get(), nullptr)).get()), "$A$1 + 1");
+    CCRef * ref;
+    convert.ConvertTo95(&host.Make("C3"), ref, &old);
+    std::unique_ptr<CCRef> const owned(ref);
+    EXPECT_EQ(ref->GetType(), kRefName);
+    EXPECT_EQ(host.EditText("C3"), "=$A$1 + 1");
 }
 
 TEST_F(LegacyConvert, DependentsOnOtherSheetsAreLeftOut) {
