@@ -115,7 +115,7 @@ private:
         GridCell & cell = CellAt(place, number);
         Legacy::CCC4W15_Cell legacy;
         m_Convert.ConvertTo15(&legacy, &cell);
-        if (legacy.formula && !ComesBack(*legacy.formula, cell)) legacy.formula.reset();
+        DropWhatIsNotStorable(legacy, cell);
         TellFormula(legacy, cell);
         FitText(legacy, cell);
         int const kept = legacy.editSources.First() ? kCellFormatEditSource : 0;
@@ -123,6 +123,14 @@ private:
             Lose("cell flags that are lost", NameOf(place));
         legacy.Write(ar);
         WriteFormat(ar, legacy, cell);
+    }
+
+    // Texts that are too long would bring the reader out of step.
+    void DropWhatIsNotStorable(Legacy::CCC4W15_Cell & legacy, GridCell & cell) {
+        CString const printed = PrintedFormula(cell.LoadFormula(&m_Sheet));
+        if (!IsStorable(printed)) legacy.editSources.Clear();
+        if (legacy.formula && !(HasBytes(printed) && ComesBack(*legacy.formula, cell.At())))
+            legacy.formula.reset();
     }
 
     void TellFormula(Legacy::CCC4W15_Cell const & legacy, GridCell & cell) {
@@ -144,9 +152,13 @@ private:
         return plain;
     }
 
+    static bool HasBytes(CString const & text) {
+        bool lacksSome;
+        ToNarrow(text, &lacksSome);
+        return !lacksSome;
+    }
     static bool IsStorable(CString const & text) {
-        bool isCut;
-        return ToNarrow(text, &isCut).size() <= Legacy::kLongestString16 && !isCut;
+        return std::size_t(text.GetLength()) <= Legacy::kLongestString16 && HasBytes(text);
     }
 
     CString PrintedFormula(CCFormula const * formula) {
@@ -155,12 +167,8 @@ private:
         return CString(m_Buffer.View());
     }
 
-    // Whether a formula reads back from its bytes as it was converted. Texts that are too long
-    // bring the reader out of step.
-    bool ComesBack(Legacy::CCC4W15_Formula const & legacy, GridCell & cell) {
-        bool isCut;
-        ToNarrow(PrintedFormula(cell.LoadFormula(&m_Sheet)), &isCut);
-        if (isCut) return false;
+    // Whether a formula reads back from its bytes as it was converted.
+    bool ComesBack(Legacy::CCC4W15_Formula const & legacy, Place place) {
         CMemFile file(64);
         CArchive out(&file, CArchive::store, 256);
         Legacy::WriteFormula(out, &legacy);
@@ -169,7 +177,7 @@ private:
         CArchive in(&stored, CArchive::load, 256);
         try {
             std::unique_ptr<Legacy::CCC4W15_Formula> const read(Legacy::ReadFormula(in));
-            CPoint const origin(cell.At().column + 1, cell.At().row + 1);
+            CPoint const origin(place.column + 1, place.row + 1);
             std::unique_ptr<CCFormula> const before(m_Convert.ConvertTo95(&legacy, &origin));
             std::unique_ptr<CCFormula> const after(m_Convert.ConvertTo95(read.get(), &origin));
             return before && after && PrintedFormula(before.get()) == PrintedFormula(after.get());

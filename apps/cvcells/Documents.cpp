@@ -209,7 +209,8 @@ int Convert(ConvertOptions const & options) {
 
 int Check(std::string const & file, std::string const & recovered) {
     return Guarded([&] {
-        auto const found = Workbook::Recover(ReadFile(file), "C");
+        auto const found = IsLegacyName(file) ? Workbook::Recovered{LoadWorkbook({file}, "C"), {}}
+                                              : Workbook::Recover(ReadFile(file), "C");
         PrintDamages(file, found.damages);
         PrintSheets(*found.book);
         for (host::Property property : host::AllProperties())

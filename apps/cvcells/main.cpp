@@ -93,7 +93,8 @@ void AddCheck(CLI::App & app, std::function<int()> & run) {
     auto file = std::make_shared<std::string>(), recovered = std::make_shared<std::string>();
     CLI::App * check =
         app.add_subcommand("check", "Verify a saved document and tell what it holds");
-    check->add_option("FILE", *file, "a saved document")->required();
+    check->add_option("FILE", *file, "a saved document, or a file of the older version (.cv15)")
+        ->required();
     check->add_option("--recover", *recovered, "save the sheets that are whole as this document");
     check->callback(
         [&run, file, recovered] { run = [=] { return cells::app::Check(*file, *recovered); }; });

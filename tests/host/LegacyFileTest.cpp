@@ -229,6 +229,27 @@ TEST(LegacyFile, EditSourcesStayEditSources) {
     EXPECT_EQ(back.sheet.Text("A1"), "7");
 }
 
+TEST(LegacyFile, EditSourcesThatCannotBeNamedAreTold) {
+    Sheet sheet("C");
+    std::string const name(300, 'n');
+    sheet.Enter("A1", "5");
+    sheet.Enter("C1", "7");
+    sheet.DefineName(name, A("A1:A1"));
+    sheet.Enter("B1", "!" + name);
+    sheet.Enter("B2", "!IF(A1,C1,A1)");
+    sheet.Enter("B3", "9");
+    LegacyFile const file = Written(sheet);
+    EXPECT_EQ(ByKind(file.losses),
+              (Losses{{"names that are lost", {name}},
+                      {"formulas of which only the value is kept", {"B1"}},
+                      {"cell flags that are lost", {"B1"}},
+                      {"edit sources of which only the present place is kept", {"B2"}}}));
+    Read back(file.bytes);
+    EXPECT_EQ(back.sheet.Text("B1"), "5");
+    EXPECT_EQ(back.sheet.EditText(P("B2")), "!$C$1");
+    EXPECT_EQ(back.sheet.Text("B3"), "9");
+}
+
 TEST(LegacyFile, ErrorsAreToldWhereNoFormulaMakesThem) {
     Sheet sheet("C");
     sheet.Enter("A1", "=NA()");
