@@ -288,11 +288,16 @@ public:
     std::vector<LegacyLoss> Read(std::string_view bytes) {
         CMemFile file(bytes.data(), bytes.size());
         CArchive ar(&file, CArchive::load);
-        try {
-            ReadBytes(ar);
-        } catch (std::exception const & failure) {
+        auto const refuse = [&](std::exception const & failure) {
             ar.Flush();
             throw DocumentError({file.GetPosition(), failure.what()});
+        };
+        try {
+            ReadBytes(ar);
+        } catch (CArchiveException const & failure) {
+            refuse(failure);
+        } catch (std::runtime_error const & failure) {
+            refuse(failure);
         }
         Enter();
         return std::move(m_Losses);

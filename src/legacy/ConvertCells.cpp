@@ -68,9 +68,12 @@ void CCC4W15Convert::ConvertTo15(Legacy::CCC4W15_Cell * legacy, CCCell * cell) c
 
 void CCC4W15Convert::ConvertTo95(CCCell * cell, CCRef *& ref,
                                  Legacy::CCC4W15_Cell const * legacy) const {
+    ref = nullptr;
+    CCRef * made;
     uchar flags;
-    ConvertTo95(ref, flags, legacy->coords.get(), nullptr);
-    Origin const origin(ref);
+    ConvertTo95(made, flags, legacy->coords.get(), nullptr);
+    std::unique_ptr<CCRef> place(made);
+    Origin const origin(place.get());
     CCCellValue value;
     ConvertTo95(value, legacy->value);
     cell->SetValue(Context(), value);
@@ -78,9 +81,10 @@ void CCC4W15Convert::ConvertTo95(CCCell * cell, CCRef *& ref,
     std::unique_ptr<CCFormula> const formula(ConvertTo95(legacy->formula.get(), origin.Get()));
     if (formula) cell->SetFormula(Context(), formula.get(), 1);
 
-    if (!legacy->editSources.First()) return;
-    CCRef * source;
-    ConvertTo95(source, flags, legacy->editSources.First()->ref.get(), origin.Get());
-    std::unique_ptr<CCRef> const owned(source);
-    if (source) cell->SetEditSource(Context(), source, flags);
+    if (auto const * const first = legacy->editSources.First()) {
+        ConvertTo95(made, flags, first->ref.get(), origin.Get());
+        std::unique_ptr<CCRef> const source(made);
+        if (source) cell->SetEditSource(Context(), source.get(), flags);
+    }
+    ref = place.release();
 }

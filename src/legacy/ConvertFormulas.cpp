@@ -59,12 +59,11 @@ CCC4W15Exchange::CCC4W15_Formula * CCC4W15Convert::ConvertTo15(CCFormula const *
     }
     case kRefFormula: {
         auto const * const node = static_cast<CCRefFormula const *>(formula);
+        auto reference = std::make_unique<Legacy::CCC4W15_FormulaRef>();
         Legacy::CCC4W15_Ref * ref;
         ConvertTo15(ref, node->GetRef(), node->GetMode(), origin);
-        if (!ref) return nullptr;
-        auto reference = std::make_unique<Legacy::CCC4W15_FormulaRef>();
         reference->ref.reset(ref);
-        return reference.release();
+        return ref ? reference.release() : nullptr;
     }
     case kOpFormula:
     case kRemoteOpFormula:
