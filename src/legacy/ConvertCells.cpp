@@ -47,9 +47,10 @@ void CCC4W15Convert::ConvertTo15(Legacy::CCC4W15_Cell * legacy, CCCell * cell) c
     legacy->coords.reset(coords);
     ConvertTo15(legacy->value, cell->GetValue());
 
-    CCFormula const * const tree = cell->LoadFormula(Context());
     Legacy::CCC4W15_Ref * ref;
-    if (std::unique_ptr<CCRef const> const source{cell->GetEditSourceRef(Context())}) {
+    std::unique_ptr<CCRef const> const source(cell->GetEditSourceRef(Context()));
+    CCFormula const * const tree = cell->LoadFormula(Context());
+    if (source) {
         uchar const flags = tree->GetType() == kRefFormula
                                 ? static_cast<CCRefFormula const *>(tree)->GetMode()
                                 : kAllAbsolute;
