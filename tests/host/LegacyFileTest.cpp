@@ -431,7 +431,7 @@ TEST(LegacyFile, WhatIsNotToldAsLostComesBackAsItWas) {
         Read back(file.bytes);
         EXPECT_EQ(back.losses, Losses());
         EXPECT_EQ(back.sheet.CheckInvariants(), std::vector<std::string>());
-        // A formula that became a value may have had another one after a circle of cells.
+        // What formulas compute may depend on how a circle of cells is entered.
         sheet.ForEachOccupied([&](cells::host::Place place) {
             std::string const name = NameOf(place);
             if (IsTold(losses, name)) return;
