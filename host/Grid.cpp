@@ -1,6 +1,7 @@
 #include "host/Grid.h"
 
-#include <cwchar>
+#include "core/ValueCompare.h"
+
 #include <utility>
 #include <vector>
 
@@ -93,10 +94,7 @@ bool Grid::Holds(Place place, CCCellValue const & key) const {
     std::uint32_t format;
     if (FindNumber(place, number, format)) return key.IsNumber() && key.GetNumber() == number;
     GridCell const * const cell = FindCell(place);
-    if (!cell || cell->CCCell::GetValue().GetType() != key.GetType()) return false;
-    CCCellValue const & value = cell->CCCell::GetValue();
-    return key.IsNumber() ? key.GetNumber() == value.GetNumber()
-                          : std::wcscmp(key.GetTextString(), value.GetTextString()) == 0;
+    return cell && AreSameKeys(cell->CCCell::GetValue(), key);
 }
 
 void GridCell::OnValueStored() {

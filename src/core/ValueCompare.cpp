@@ -1,6 +1,7 @@
 #include "core/ValueCompare.h"
 
 #include <cmath>
+#include <cwchar>
 
 namespace {
 
@@ -23,4 +24,10 @@ int CompareEQTypeValues(CCCellValue const & a, CCCellValue const & b, int caseSe
     if (a.IsNumber()) return Sign(a.GetNumber() - b.GetNumber());
     if (a.IsText()) return StrColl(a.GetText(), b.GetText(), caseSensitive);
     return 0;
+}
+
+bool AreSameKeys(CCCellValue const & a, CCCellValue const & b) {
+    if (a.GetType() != b.GetType()) return false;
+    if (a.IsNumber()) return a.GetNumber() == b.GetNumber();
+    return !a.IsText() || std::wcscmp(a.GetTextString(), b.GetTextString()) == 0;
 }

@@ -42,6 +42,10 @@ CVCELLS_API int CompareCells(CCCell const * a, CCCell const * b, int caseSensiti
 CVCELLS_API int CompareEQTypeValues(CCCellValue const & a, CCCellValue const & b,
                                     int caseSensitive);
 
+// Whether an exact search for one finds the other: of one type and the same. Texts that only
+// collate alike are not the same; all errors are, and all blanks.
+CVCELLS_API bool AreSameKeys(CCCellValue const & a, CCCellValue const & b);
+
 // Combines two values by a binary operator; the result is in `left`. The left error wins.
 CVCELLS_API void EvalCellValue(int code, CCCellValue & left, CCCellValue const & right);
 // Applies a unary operator. Unlike the formula's own prefix operators it makes text and blanks 0.

@@ -16,18 +16,10 @@
 #include "functions/Shapes.h"
 
 #include <cmath>
-#include <cwchar>
 #include <sstream>
 
 namespace cells::internal {
 namespace {
-
-// Same type and same content. Texts collate as equal only where they are identical.
-bool AreSame(CCCellValue const & a, CCCellValue const & b) {
-    if (a.GetType() != b.GetType()) return false;
-    if (a.IsNumber()) return a.GetNumber() == b.GetNumber();
-    return !a.IsText() || std::wcscmp(a.GetTextString(), b.GetTextString()) == 0;
-}
 
 // The first value of an argument; false with an error in `result`.
 bool FirstValue(CTX * ctx, CCCellValue & result, CCFormula * formula, CCRef const * current,
@@ -72,7 +64,7 @@ void FindResult(CTX * ctx, CCCellValue & result, CCCellValue const & value, CCFo
     if (!keys.IsOpen() || !results.IsOpen()) return result.Set(errRef);
     CCCellValue key;
     while (keys.Next(key)) {
-        if (AreSame(value, key)) {
+        if (AreSameKeys(value, key)) {
             if (!results.Next(result)) break;
             return;
         }
@@ -273,7 +265,7 @@ void EvalFindEx(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
         }
         while (walk.Next(key)) {
             ++position;
-            if (AreSame(value, key)) return SetNumber(result, position);
+            if (AreSameKeys(value, key)) return SetNumber(result, position);
         }
     }
     result.Set(errValue);
