@@ -137,6 +137,138 @@ TEST(CellFormat, FlagAlgebraWorksOnItsOwnMask) {
     EXPECT_FALSE(out.isLock());
 }
 
+namespace {
+
+// A format of a type with so many decimals, which are its only field.
+CCCellFormat Decimals(uchar type, int decimals) {
+    CCNumberFormat number;
+    number.SetDefault(nullptr, C_NF_BOOL); // no field at all
+    number.SetType(type);
+    number.SetPrecision(decimals);
+    CCCellFormat format;
+    format.PutNFmt(number);
+    return format;
+}
+
+CCCellFormat Commas(uchar type, int commas) {
+    CCNumberFormat number;
+    number.SetDefault(nullptr, C_NF_BOOL);
+    number.SetType(type);
+    number.SetCommas(commas);
+    CCCellFormat format;
+    format.PutNFmt(number);
+    return format;
+}
+
+} // namespace
+
+TEST(CellFormatAlgebra, SetLaysTheFieldsOfTheOtherOver) {
+    CCCellFormat a = Decimals(C_NF_NUMBER, 2), b = Commas(C_NF_PERCENT, 1);
+    a.setHide(true);
+    b.setLock(true);
+    b.setHide(false);
+    b.clearHide(); // the flag is there, its bit is not
+    a.set(b);
+    EXPECT_EQ(a.GetNFType(), C_NF_PERCENT);
+    EXPECT_EQ(a.GetNFPrecision(), 2);
+    EXPECT_EQ(a.GetNFCommas(), 0x10);
+    EXPECT_TRUE(a.isLock() && a.getLock());
+    EXPECT_TRUE(a.isHide() && a.getHide());
+}
+
+TEST(CellFormatAlgebra, MergeTakesWhatTheMasksLetThrough) {
+    CCNumberFormat both = Decimals(C_NF_PERCENT, 4).GetNFmt();
+    both.SetCommas(1);
+    CCCellFormat other;
+    other.PutNFmt(both);
+    other.setLock(true);
+    other.setHide(true);
+    CCCellFormat a = Decimals(C_NF_NUMBER, 2);
+    a.merge(other, kFlagHide, kNumberFormatCommas);
+    EXPECT_EQ(a.GetNFPrecision(), 2);
+    EXPECT_EQ(a.GetNFCommas(), 0x10);
+    EXPECT_TRUE(a.isHide() && a.getHide());
+    EXPECT_FALSE(a.isLock());
+}
+
+TEST(CellFormatAlgebra, ExtractKeepsWhatTheMasksName) {
+    CCNumberFormat both = Decimals(C_NF_NUMBER, 3).GetNFmt();
+    both.SetCommas(1);
+    CCCellFormat a, out;
+    a.PutNFmt(both);
+    a.setLock(true);
+    a.setZeroHidden(true);
+    a.extract(out, kFlagLock, kNumberFormatType | kNumberFormatPrecision);
+    EXPECT_EQ(out.GetNFmt().GetSetMask(), kNumberFormatType | kNumberFormatPrecision);
+    EXPECT_EQ(out.GetNFPrecision(), 3);
+    EXPECT_TRUE(out.isLock() && out.getLock());
+    EXPECT_FALSE(out.isZeroHidden());
+}
+
+TEST(CellFormatAlgebra, MergeCommonsTakesNumberFieldsOfBothAndEveryFlag) {
+    CCCellFormat a = Decimals(C_NF_NUMBER, 2);
+    CCNumberFormat both = Decimals(C_NF_PERCENT, 5).GetNFmt();
+    both.SetCommas(1);
+    CCCellFormat other;
+    other.PutNFmt(both);
+    other.setErrorHidden(true);
+    a.mergeCommons(other);
+    EXPECT_EQ(a.GetNFType(), C_NF_PERCENT);
+    EXPECT_EQ(a.GetNFPrecision(), 5);
+    EXPECT_EQ(a.GetNFCommas(), 0); // not a field of both
+    EXPECT_TRUE(a.isErrorHidden() && a.getErrorHidden());
+}
+
+TEST(CellFormatAlgebra, FlatternLetsThisOneWin) {
+    CCCellFormat a = Decimals(C_NF_NUMBER, 2), base = Decimals(C_NF_PERCENT, 4), out;
+    a.setLock(false);
+    base.setLock(true);
+    base.setHide(true);
+    a.flattern(base, out);
+    EXPECT_EQ(out.GetNFType(), C_NF_NUMBER);
+    EXPECT_EQ(out.GetNFPrecision(), 2);
+    EXPECT_FALSE(out.getLock());
+    EXPECT_TRUE(out.getHide());
+}
+
+TEST(CellFormat, MergesCopyIntoAnEmptyFormat) {
+    CCCellFormat b;
+    b.SetLock(1);
+    b.SetNFPrecision(4);
+    CCCellFormat empty, fresh, base;
+    unsigned short conflicts = 0;
+    empty.Merge(b, conflicts);
+    EXPECT_TRUE(empty.IsSame(b));
+    EXPECT_EQ(conflicts, 0);
+    fresh.Merge(b, base);
+    EXPECT_TRUE(fresh.IsSame(b));
+    fresh.Merge(CCCellFormat(), base);
+    fresh.Merge(CCCellFormat(), conflicts);
+    EXPECT_TRUE(fresh.IsSame(b));
+}
+
+TEST(CellFormat, EveryItemMayConflict) {
+    CCCellFormat a, b;
+    CCNumberFormat one(C_NF_NUMBER), two(C_NF_DATE);
+    a.SetNumberFormat(one);
+    b.SetNumberFormat(two);
+    unsigned short conflicts = 0;
+    a.Merge(b, conflicts);
+    EXPECT_EQ(conflicts, kCellFormatNumber);
+    EXPECT_EQ(a.GetNFType(), C_NF_NUMBER);
+    CCCellFormat c, d;
+    for (int i : {0, 1}) {
+        CCCellFormat & format = i ? d : c;
+        format.SetNFType(uchar(i ? C_NF_PERCENT : C_NF_NUMBER));
+        format.SetNFPrecision(i + 1);
+        format.SetNFCommas(i);
+    }
+    conflicts = 0;
+    c.Merge(d, conflicts);
+    EXPECT_EQ(conflicts, kCellFormatNumberType | kCellFormatPrecision | kCellFormatCommas);
+    EXPECT_EQ(c.GetNFPrecision(), 1);
+}
+
 TEST(CellFormatTable, StoresEqualFormatsOnce) {
     CCCellFormatTable table;
     CCCellFormat format;

@@ -221,6 +221,66 @@ TEST(Paste, MovesByTheCornersOrExchangesRowsAndColumns) {
     EXPECT_EQ(Printed(*placed.ref), "H3");
 }
 
+TEST(Paste, ARegionGoesWithItsCorners) {
+    CCClipboardData clip;
+    clip.source = CRect(0, 0, 9, 9);
+    clip.col = 3;
+    clip.row = 1;
+    CCRegionRef region = Region("B2", "C5");
+    region.UpdateInPaste(nullptr, &clip);
+    EXPECT_EQ(Printed(region), "E3:F6");
+    clip.transpose = 1;
+    CCRegionRef turned = Region("B2", "C5");
+    turned.UpdateInPaste(nullptr, &clip);
+    EXPECT_EQ(Printed(turned), "E3:H4");
+    clip.transpose = 0;
+    clip.col = 254;
+    CCRegionRef wrapped = Region("B2", "C5");
+    wrapped.UpdateInPaste(nullptr, &clip);
+    EXPECT_EQ(Printed(wrapped), "IV3:A6"); // column 256 is column 0 again
+}
+
+TEST(Paste, ALinkToASheetCarriesItsItem) {
+    BaseHost host;
+    CCClipboardData clip;
+    clip.source = CRect(0, 0, 9, 9);
+    clip.col = 3;
+    CCRemoteRef link(L"?Sheet", L"$A1"), document(L"doc", L"A1");
+    for (CCRemoteRef * remote : {&link, &document}) remote->UpdateInPaste(&host, &clip);
+    EXPECT_EQ(link.item(), L"$D1");
+    EXPECT_EQ(document.item(), L"A1");
+    link.Clear();
+    EXPECT_TRUE(link.document().IsEmpty() && link.item().IsEmpty());
+}
+
+TEST(Paste, WhatHasNoPlaceStaysAsItIs) {
+    CCClipboardData clip;
+    clip.col = 3;
+    CCNameRef name(L"tax");
+    name.UpdateInPaste(nullptr, &clip);
+    name.Move(1, 1);
+    EXPECT_EQ(Printed(name), "tax");
+    CCRCRef const cell(0, 0);
+    EXPECT_EQ(name.IsInside(&cell), 0);
+    EXPECT_EQ(name.IsInside(CRect(0, 0, 255, 65535)), 0);
+    EXPECT_EQ(name.Contain(&cell), 0);
+    EXPECT_EQ(CCRemoteRef(L"doc", L"A1").IsInside(CRect(0, 0, 255, 65535)), 0);
+}
+
+TEST(Regions, AgainstRectangles) {
+    CCRegionRef const outer = Region("A1", "D4"), inner = Region("B2", "C3");
+    CRect const inside(1, 1, 2, 2), across(1, 1, 9, 2), below(1, 1, 2, 9);
+    EXPECT_TRUE(AreRegionEqualRect(inner, inside));
+    EXPECT_FALSE(AreRegionEqualRect(inner, across) || AreRegionEqualRect(inner, below));
+    EXPECT_TRUE(Contain(outer, inside) && ContainH(outer, inside) && ContainV(outer, inside));
+    EXPECT_FALSE(Contain(outer, across) || ContainH(outer, across));
+    EXPECT_TRUE(ContainV(outer, across));
+    EXPECT_FALSE(Contain(outer, below) || ContainV(outer, below));
+    EXPECT_TRUE(ContainH(outer, below));
+    EXPECT_TRUE(Contain(across, inner) && ContainH(across, inner) && ContainV(across, inner));
+    EXPECT_FALSE(Contain(inside, outer) || ContainH(inside, outer) || ContainV(inside, outer));
+}
+
 TEST(RemoteRef, RewritesTheItemOfASheetLinkOnly) {
     BaseHost host;
     CCRCRef const from(0, 0), to(1, 1);

@@ -3,6 +3,7 @@
 #include "platform/Exceptions.h"
 #include "support/Bytes.h"
 
+#include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
 
@@ -123,4 +124,105 @@ TEST(Archive, FlushOfALoadingArchiveMovesItsFileBack) {
     ar >> first;
     ar.Flush();
     EXPECT_EQ(file.GetPosition(), 1u);
+}
+
+// Files of the machine
+
+namespace {
+
+CFileException::Cause FileCauseOf(std::function<void()> const & work) {
+    try {
+        work();
+    } catch (CFileException const & failure) {
+        return failure.m_cause;
+    }
+    return CFileException::none;
+}
+
+class FileOnDisk : public testing::Test {
+protected:
+    void SetUp() override { std::filesystem::create_directory(folder); }
+    void TearDown() override { std::filesystem::remove_all(folder); }
+
+    std::filesystem::path const folder =
+        std::filesystem::path(testing::TempDir()) / "cvcells-file-on-disk";
+    std::string const path = (folder / "gr\u00F6\u00DFe.bin").string();
+};
+
+} // namespace
+
+TEST_F(FileOnDisk, HoldsWhatAnArchiveWrote) {
+    {
+        CFile file(path.c_str(), CFile::modeWrite);
+        CArchive ar(&file, CArchive::store);
+        for (std::uint32_t i = 0; i < 5000; ++i) ar << i; // more than a buffer
+        ar.Flush();
+        EXPECT_EQ(file.GetPosition(), 20000u);
+    }
+    CFile file(path.c_str(), CFile::modeRead);
+    EXPECT_EQ(file.GetLength(), 20000u);
+    EXPECT_EQ(file.GetPosition(), 0u);
+    CArchive ar(&file, CArchive::load);
+    for (std::uint32_t i = 0; i < 5000; ++i) {
+        std::uint32_t number;
+        ar >> number;
+        ASSERT_EQ(number, i);
+    }
+    EXPECT_EQ(CauseOf([&] {
+                  uchar byte;
+                  ar >> byte;
+              }),
+              CArchiveException::endOfFile);
+}
+
+TEST_F(FileOnDisk, ALoadingArchiveGivesBackWhatItHasNotHandedOut) {
+    {
+        CFile file(path.c_str(), CFile::modeWrite);
+        file.Write("abcdef", 6);
+        file.Flush();
+    }
+    CFile file(path.c_str(), CFile::modeReadWrite);
+    {
+        CArchive ar(&file, CArchive::load);
+        uchar byte;
+        ar >> byte >> byte;
+        EXPECT_EQ(byte, 'b');
+    }
+    EXPECT_EQ(file.GetPosition(), 2u);
+    EXPECT_EQ(file.Seek(-1, CFile::end), 5u);
+    char last = 0;
+    EXPECT_EQ(file.Read(&last, 1), 1u);
+    EXPECT_EQ(last, 'f');
+    EXPECT_EQ(file.Read(&last, 1), 0u);
+    EXPECT_EQ(file.Seek(1, CFile::begin), 1u);
+    EXPECT_EQ(file.Seek(2, CFile::current), 3u);
+    file.SeekToBegin();
+    EXPECT_EQ(file.GetPosition(), 0u);
+}
+
+TEST_F(FileOnDisk, FailuresHaveTheirCauses) {
+    EXPECT_EQ(FileCauseOf([&] { CFile(path.c_str(), CFile::modeRead); }),
+              CFileException::fileNotFound);
+    EXPECT_EQ(FileCauseOf([&] { CFile(folder.string().c_str(), CFile::modeWrite); }),
+              CFileException::accessDenied);
+    CFile(path.c_str(), CFile::modeWrite).Write("x", 1);
+    CFile reading(path.c_str(), CFile::modeRead);
+    EXPECT_EQ(FileCauseOf([&] {
+                  reading.Write("y", 1);
+                  reading.Flush();
+              }),
+              CFileException::generic);
+    EXPECT_EQ(FileCauseOf([&] { reading.Seek(-5, CFile::begin); }), CFileException::badSeek);
+    EXPECT_STREQ(CFileException(CFileException::fileNotFound).what(), "the file does not exist");
+}
+
+TEST(File, WithoutAPathIsNoFile) {
+    CFile file;
+    char byte;
+    EXPECT_EQ(file.Read(&byte, 1), 0u);
+    EXPECT_EQ(file.GetLength(), 0u);
+    EXPECT_EQ(file.GetPosition(), 0u);
+    EXPECT_EQ(FileCauseOf([&] { file.Write("x", 1); }), CFileException::generic);
+    EXPECT_EQ(FileCauseOf([&] { file.Seek(0, CFile::begin); }), CFileException::badSeek);
+    file.Flush();
 }
