@@ -1,6 +1,8 @@
 #include "core/CCItem.h"
 
+#include "core/CCCalcCache.h"
 #include "core/CCCellManager.h"
+#include "core/CCWorkbook.h"
 #include "core/Context.h"
 #include "core/Guards.h"
 #include "core/Resolve.h"
@@ -246,7 +248,9 @@ void CCItem::RecalcDependentRefs(cells::CTX * ctx, CCRefList * list) {
     for (; manager && list; list = list->m_pNext) {
         CCItem * const item = cells::internal::Resolve(*manager, list->m_pRef).item;
         if (!item || !manager->GetAutoCalc()) continue;
-        if (item->IsFormulaLink())
+        if (CCWorkbook * workbook = manager->GetWorkbook())
+            workbook->GetCalcCache().Notify(manager, list->m_pRef, 1);
+        else if (item->IsFormulaLink())
             manager->m_ProcessList.AddLast(item->GetRef());
         else
             manager->ProcessDependents(list->m_pRef, manager->m_ProcessList);

@@ -1,3 +1,4 @@
+#include "core/ValueCompare.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRefFormula.h"
@@ -487,6 +488,104 @@ TEST(FindAndReplace, ReplacesThroughAnEntry) {
     EXPECT_EQ(host.Text("A2"), "4");
     data.findText = L"nothing";
     EXPECT_EQ(host.Make("A2").Replace(&host, data), 0);
+}
+
+TEST(CellFormula, AnInvalidatedItemBecomesErrorOne) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Enter("A2", L"2");
+    host.Enter("B1", L"=A1+A2*3");
+    MapCell & b1 = host.Make("B1");
+    EXPECT_EQ(b1.InvalidateItem(&host, &host.Make("C9")), 0);
+    EXPECT_EQ(host.EditText("B1"), "=A1 + A2 * 3");
+    int const changes = b1.valueChanges;
+    EXPECT_EQ(b1.InvalidateItem(&host, &host.Make("A1")), 1);
+    EXPECT_EQ(host.EditText("B1"), "=#REF! + A2 * 3");
+    EXPECT_EQ(b1.GetValue().GetError(), 1);
+    EXPECT_EQ(b1.valueChanges, changes + 1);
+    EXPECT_FALSE(host.Make("A1").HasDependents());
+    EXPECT_TRUE(host.Make("A2").HasDependents());
+    EXPECT_EQ(host.Make("A1").InvalidateItem(&host, &b1), 0); // no formula
+}
+
+TEST(CellFormula, AReferenceIsUpdatedInPlaceOrInANewTree) {
+    BaseHost host;
+    for (char const * name : {"A1", "C1"}) host.Make(name);
+    host.Enter("B1", L"=$A1");
+    host.Enter("B2", L"=A1*2");
+    CCRCRef const from = R("A1"), to = R("C1"), other = R("D1");
+    CCFormula const * const tree = host.Make("B1").LoadFormula(&host);
+    EXPECT_EQ(host.Make("B1").UpdateFormula(&host, &other, &to, 0), 0);
+    EXPECT_EQ(host.Make("B1").UpdateFormula(&host, &from, &to, 1), 1);
+    EXPECT_EQ(host.EditText("B1"), "=$C1");
+    EXPECT_EQ(host.Make("B1").LoadFormula(&host), tree);
+    EXPECT_EQ(host.Make("B2").UpdateFormula(&host, &from, &to, 1), 1);
+    EXPECT_EQ(host.EditText("B2"), "=C1 * 2");
+    EXPECT_FALSE(host.Make("A1").HasDependents());
+    EXPECT_EQ(host.Make("A1").UpdateFormula(&host, &from, &to, 1), 0); // no formula
+}
+
+TEST(CellFormula, ValidatingAReferenceRegistersItAnew) {
+    BaseHost host;
+    host.Enter("A1", L"4");
+    host.Enter("B1", L"=A1+1");
+    MapCell & b1 = host.Make("B1");
+    host.Idle();
+    b1.UnregisterFormula(&host);
+    CCRCRef const a1 = R("A1"), other = R("D1");
+    EXPECT_EQ(b1.ValidateFormulaRef(&host, &other), 0);
+    EXPECT_FALSE(host.Make("A1").HasDependents());
+    host.recalculated.clear();
+    EXPECT_EQ(b1.ValidateFormulaRef(&host, &a1), 1);
+    EXPECT_TRUE(host.Make("A1").HasDependents());
+    host.Idle();
+    EXPECT_EQ(host.recalculated, std::vector<std::string>{"B1"});
+
+    b1.UnregisterFormula(&host);
+    host.Make("A1").SetFormat(&host, Hide());
+    host.Protect(L"");
+    EXPECT_EQ(b1.ValidateFormulaRef(&host, &a1), 0);
+    EXPECT_EQ(host.Text("B1"), "=A1 + 1");
+    EXPECT_FALSE(b1.IsFormulaLink());
+    EXPECT_EQ(b1.ValidateFormulaRef(&host, &a1), 0); // no formula any more
+}
+
+TEST(CellValues, CompareWithNoCellBehindAll) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Enter("A2", L"2");
+    host.Enter("A3", L"text");
+    MapCell &one = host.Make("A1"), &two = host.Make("A2"), &text = host.Make("A3");
+    EXPECT_EQ(CompareCells(&one, &two, 0), -1);
+    EXPECT_EQ(CompareCells(&two, &one, 0), 1);
+    EXPECT_EQ(CompareCells(&two, &two, 0), 0);
+    EXPECT_EQ(CompareCells(&two, &text, 0), -CompareCells(&text, &two, 0));
+    EXPECT_EQ(CompareCells(nullptr, &two, 0), 1);
+    EXPECT_EQ(CompareCells(&two, nullptr, 0), -1);
+    EXPECT_EQ(CompareCells(nullptr, nullptr, 0), 0);
+}
+
+TEST(CellValues, TextIsWhateverIsNotEmpty) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Enter("B1", L"=A2");
+    MapCell &number = host.Make("A1"), &formula = host.Make("B1"), &empty = host.Make("C1");
+    EXPECT_TRUE(number.CCCell::IsValueText(&host) && number.CCCell::IsFormulaText(&host));
+    EXPECT_TRUE(formula.CCCell::IsFormulaText(&host));
+    EXPECT_FALSE(empty.CCCell::IsValueText(&host) || empty.CCCell::IsFormulaText(&host));
+}
+
+TEST(CellClear, AHiddenCellOfAProtectedSheetStaysHidden) {
+    BaseHost host;
+    host.Enter("A1", L"0.5");
+    CCCellFormat format = Hide();
+    format.SetNumberFormat(CCNumberFormat(C_NF_PERCENT));
+    host.Make("A1").SetFormat(&host, format);
+    host.Protect(L"");
+    EXPECT_EQ(host.Make("A1").Clear(&host, kClearFormat), 1);
+    EXPECT_TRUE(host.Make("A1").IsHidden(&host));
+    EXPECT_FALSE(host.Make("A1").getCFmt().IsNF());
+    EXPECT_EQ(host.Make("A1").GetValue().GetFormat().GetType(), C_NF_GENERAL);
 }
 
 TEST(CellPaste, ReferencesMoveAndRegisterAnew) {

@@ -4,6 +4,7 @@
 #include "platform/CArchive.h"
 #include "support/BaseHost.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using cells::test::BaseHost;
@@ -272,6 +273,100 @@ TEST(Item, ASlotOfTheManagerNamesItemsThatAreNoCells) {
     EXPECT_EQ(host.RegisterDependent(&a1, &b1), 1); // what every item can do
     EXPECT_EQ(host.item.GetDependentCount(), 1);
     EXPECT_EQ(host.RecalcCell(&a1), 1);
+}
+
+namespace {
+
+// An item whose protected operations a test may call.
+class OpenItem : public CCItem {
+public:
+    CCRef const * GetRef() const override { return &m_Ref; }
+    bool IsEqual(CCItem const * item) const override { return item == this; }
+    using CCItem::AddDependentsRef;
+    using CCItem::CopyDependentsList;
+    using CCItem::DeleteDependentsRef;
+    using CCItem::GrowDependetsRefs;
+    using CCItem::PreChangeDependent;
+    using CCItem::PreDelete;
+    using CCItem::SerializeDependents;
+
+private:
+    CCRCRef m_Ref{0, 0};
+};
+
+} // namespace
+
+TEST(Item, ItsArrayGrowsAndShrinksByHand) {
+    BaseHost host;
+    OpenItem item;
+    item.GrowDependetsRefs(3);
+    EXPECT_EQ(item.GetDependentCapacity(), 3);
+    EXPECT_EQ(item.GetDependentCount(), 0);
+    CCRCRef const b1 = R("B1"), c1 = R("C1");
+    for (CCRCRef const & place : {b1, c1}) item.AddDependentsRef(new CCRef3D(&host, &place));
+    EXPECT_EQ(item.GetDependentCount(), 2);
+    EXPECT_EQ(item.DeleteDependentsRef(&host, 2), 0);
+    EXPECT_EQ(item.DeleteDependentsRef(&host, -1), 0);
+    EXPECT_EQ(item.DeleteDependentsRef(&host, 0), 1);
+    cells::internal::RefListHolder const left(item.LoadDependents(&host));
+    ASSERT_NE(left.list, nullptr);
+    EXPECT_EQ(BaseHost::NameOf(left.list->m_pRef), "C1");
+    EXPECT_EQ(left.list->m_pNext, nullptr);
+    EXPECT_EQ(item.CopyDependentsList(), nullptr); // which nobody fills
+}
+
+TEST(Item, BeforeAChangeItsBlockIsRead) {
+    BaseHost host;
+    for (bool byDelete : {false, true}) {
+        OpenItem item, stored;
+        CCRCRef const b1 = R("B1");
+        stored.RegisterDependent(&host, &b1);
+        CMemFile file;
+        CArchive out(&file, CArchive::store);
+        stored.Write(&host, out);
+        out.Flush();
+        file.SeekToBegin();
+        CArchive in(&file, CArchive::load);
+        item.Read(&host, in);
+        if (byDelete)
+            item.PreDelete(&host);
+        else
+            item.PreChangeDependent(&host, nullptr);
+        EXPECT_EQ(item.GetDependentCount(), 1);
+    }
+}
+
+TEST(Item, RecalculatingItsDependentsQueuesFormulasAndPassesThroughValues) {
+    for (bool all : {false, true}) {
+        BaseHost host;
+        host.Enter("A1", L"1");
+        host.Enter("B1", L"=A1*2");
+        host.Enter("C1", L"5");
+        host.Enter("D1", L"=C1+1");
+        CCRCRef const c1 = R("C1");
+        host.Make("A1").RegisterDependent(&host, &c1); // a value that depends on A1
+        host.Idle();
+        host.recalculated.clear();
+        auto const recalc = [&] {
+            if (all)
+                host.Make("A1").ReCalcAllDependents(&host);
+            else
+                host.Make("A1").ReCalcDependents(&host);
+        };
+        host.autoCalc = 0;
+        recalc();
+        EXPECT_EQ(host.m_ProcessList.GetCount(), 0);
+        host.autoCalc = 1;
+        recalc();
+        host.Idle();
+        std::sort(host.recalculated.begin(), host.recalculated.end());
+        EXPECT_EQ(host.recalculated, (std::vector<std::string>{"B1", "D1"}));
+        EXPECT_EQ(host.depth, 0);
+        host.withManager = false;
+        recalc();
+        host.withManager = true;
+        EXPECT_EQ(host.m_ProcessList.GetCount(), 0);
+    }
 }
 
 TEST(ItemLists, AddAtTheHeadFindAndRemove) {

@@ -313,3 +313,171 @@ TEST(ScanTwins, DoTheSameOnATextThatMayChange) {
     EXPECT_FALSE(StrIComp(L(), at, L"True")); // the word must be in capitals
     EXPECT_FALSE(StrIComp(L(), at, L""));
 }
+
+namespace {
+
+// Both forms give the same and take the same part of the text.
+template <typename Plain, typename Twin>
+void ExpectTwins(char const * name, std::wstring text, int taken, Plain && plain, Twin && twin) {
+    SCOPED_TRACE(name);
+    wchar_t const * readOnly = text.c_str();
+    wchar_t * changing = text.data();
+    EXPECT_EQ(plain(readOnly), twin(changing));
+    EXPECT_EQ(readOnly - text.c_str(), taken);
+    EXPECT_EQ(changing - text.data(), taken);
+}
+
+// The number that a scanner found, as text, or "-".
+template <typename Scan, typename At>
+std::string Found(Scan && scan, At & at) {
+    CCCellValue value;
+    if (!scan(at, value)) return "-";
+    return value.IsText() ? cells::ToUtf8(value.GetTextString())
+                          : std::to_string(value.GetNumber());
+}
+
+// The reference that a scanner found, with its flags.
+template <typename Scan, typename At>
+std::string FoundRef(Scan && scan, At & at) {
+    CCRef * made = nullptr;
+    uchar flags = 0;
+    if (!scan(at, made, flags)) return "-";
+    std::unique_ptr<CCRef> const ref(made);
+    std::wostringstream stream;
+    ref->Print(nullptr, stream, flags);
+    return cells::test::Utf8(stream.str());
+}
+
+} // namespace
+
+TEST(ScanTwins, OfValuesAgree) {
+    struct Row {
+        char const * name;
+        wchar_t const * text;
+        int taken;
+        int (*plain)(wchar_t const *&, CCCellValue &);
+        int (*twin)(wchar_t *&, CCCellValue &);
+    };
+    using Const = wchar_t const *;
+    Row const rows[] = {
+        {"NumberValue", L"1,234.5x", 7,
+         [](Const & at, CCCellValue & v) { return _EatNumberValue(L(), at, v, 1); },
+         [](wchar_t *& at, CCCellValue & v) { return EatNumberValue(L(), at, v, 1); }},
+        {"NPFSNumber", L"-50% of", 4,
+         [](Const & at, CCCellValue & v) { return _EatNPFSNumber(L(), at, v, 1); },
+         [](wchar_t *& at, CCCellValue & v) { return EatNPFSNumber(L(), at, v, 1); }},
+        {"NPFSNumber without signs", L"-50%", 0,
+         [](Const & at, CCCellValue & v) { return _EatNPFSNumber(L(), at, v, 0); },
+         [](wchar_t *& at, CCCellValue & v) { return EatNPFSNumber(L(), at, v, 0); }},
+        {"Number", L"3/5/2026", 8,
+         [](Const & at, CCCellValue & v) { return _EatNumber(L(), at, v, 1); },
+         [](wchar_t *& at, CCCellValue & v) { return EatNumber(L(), at, v, 1); }},
+        {"Constant", L"\"ab\"+1", 4,
+         [](Const & at, CCCellValue & v) { return _EatConstant(L(), at, v); },
+         [](wchar_t *& at, CCCellValue & v) { return EatConstant(L(), at, v); }},
+        {"DNumber", L"3/5/2026", 8,
+         [](Const & at, CCCellValue & v) { return _EatDNumber(L(), at, v); },
+         [](wchar_t *& at, CCCellValue & v) { return EatDNumber(L(), at, v); }},
+        {"DNumber of no date", L"13/13/2026", 0,
+         [](Const & at, CCCellValue & v) { return _EatDNumber(L(), at, v); },
+         [](wchar_t *& at, CCCellValue & v) { return EatDNumber(L(), at, v); }},
+        {"TNumber", L"10:30", 5,
+         [](Const & at, CCCellValue & v) { return _EatTNumber(L(), at, v); },
+         [](wchar_t *& at, CCCellValue & v) { return EatTNumber(L(), at, v); }},
+        {"BOOLValue", L"TRUE", 4,
+         [](Const & at, CCCellValue & v) { return _EatBOOLValue(L(), at, v); },
+         [](wchar_t *& at, CCCellValue & v) { return EatBOOLValue(L(), at, v); }},
+        {"TextValue", L"\"a b\" c", 5,
+         [](Const & at, CCCellValue & v) { return _EatTextValue(L(), at, v); },
+         [](wchar_t *& at, CCCellValue & v) { return EatTextValue(L(), at, v); }},
+    };
+    for (Row const & row : rows)
+        ExpectTwins(
+            row.name, row.text, row.taken, [&](auto & at) { return Found(row.plain, at); },
+            [&](auto & at) { return Found(row.twin, at); });
+}
+
+TEST(ScanTwins, OfPartsAgree) {
+    int a = 0, b = 0, c = 0, d = 0, e = 0, f = 0;
+    ExpectTwins(
+        "NDigits", L"12345", 3, [&](auto & at) { return _EatNDigits(L(), at, a, 3); },
+        [&](auto & at) { return EatNDigits(L(), at, b, 3); });
+    EXPECT_EQ(a, 123);
+    EXPECT_EQ(b, 123);
+    double x = 0, y = 0;
+    ExpectTwins(
+        "Time", L"10:30:15 x", 8, [&](auto & at) { return _EatTime(L(), at, x, a, b); },
+        [&](auto & at) { return EatTime(L(), at, y, c, d); });
+    EXPECT_EQ(x, y);
+    EXPECT_EQ(a, c);
+    EXPECT_EQ(b, d);
+    CCNumberFormat first, second;
+    ExpectTwins(
+        "DNumber", L"3/5/2026", 8, [&](auto & at) { return _EatDNumber(L(), at, a, b, c, first); },
+        [&](auto & at) { return EatDNumber(L(), at, d, e, f, second); });
+    EXPECT_EQ(a * 10000 + b * 100 + c % 100, 50326);
+    EXPECT_EQ(d * 10000 + e * 100 + f % 100, 50326);
+    EXPECT_TRUE(first.IsEqual(L(), second));
+}
+
+TEST(ScanTwins, OfReferencesAgree) {
+    BaseHost host;
+    uchar col = 0, flags = 0, col2 = 0, flags2 = 0;
+    ushort row = 0, row2 = 0;
+    ExpectTwins(
+        "C", L"$AB7", 3, [&](auto & at) { return _EatC(&host, at, col, flags); },
+        [&](auto & at) { return EatC(&host, at, col2, flags2); });
+    EXPECT_EQ(col, 27);
+    EXPECT_EQ(col2, 27);
+    EXPECT_EQ(flags, flags2);
+    ExpectTwins(
+        "R", L"$12+", 3, [&](auto & at) { return _EatR(&host, at, row, flags); },
+        [&](auto & at) { return EatR(&host, at, row2, flags2); });
+    EXPECT_EQ(row, 11);
+    EXPECT_EQ(row2, 11);
+    EXPECT_EQ(flags, flags2);
+
+    struct Row {
+        char const * name;
+        wchar_t const * text;
+        int taken;
+        int (*plain)(cells::CTX *, wchar_t const *&, CCRef *&, uchar &);
+        int (*twin)(cells::CTX *, wchar_t *&, CCRef *&, uchar &);
+    };
+    Row const rows[] = {
+        {"SpreadRef", L"$A1:B$2+1", 7, _EatSpreadRef, EatSpreadRef},
+        {"NameRef", L"tax+1", 3, _EatNameRef, EatNameRef},
+        {"Ref", L"B7-1", 2, _EatRef, EatRef},
+        {"Ref of a name", L"tax", 3, _EatRef, EatRef},
+        {"SheetRef", L"Two!A1", 4,
+         [](cells::CTX * ctx, wchar_t const *& at, CCRef *& ref, uchar &) {
+             return _EatSheetRef(ctx, at, ref);
+         },
+         [](cells::CTX * ctx, wchar_t *& at, CCRef *& ref, uchar &) {
+             return EatSheetRef(ctx, at, ref);
+         }},
+    };
+    for (Row const & r : rows)
+        ExpectTwins(
+            r.name, r.text, r.taken,
+            [&](wchar_t const *& at) {
+                return FoundRef(
+                    [&](auto & a, CCRef *& ref, uchar & f) { return r.plain(&host, a, ref, f); },
+                    at);
+            },
+            [&](wchar_t *& at) {
+                return FoundRef(
+                    [&](auto & a, CCRef *& ref, uchar & f) { return r.twin(&host, a, ref, f); },
+                    at);
+            });
+    ExpectTwins(
+        "Name", L"Two!A1", 3,
+        [&](wchar_t const *& at) {
+            cells::HeapText const name(_EatName(&host, at));
+            return name ? std::wstring(name.get()) : std::wstring();
+        },
+        [&](wchar_t *& at) {
+            cells::HeapText const name(EatName(&host, at));
+            return name ? std::wstring(name.get()) : std::wstring();
+        });
+}

@@ -1,7 +1,10 @@
 // Sheets that calculate together: references across sheets, and sheets that come, go and move.
 #include "host/Workbook.h"
 
+#include "core/CCCell.h"
 #include "core/CCCellManager.h"
+#include "core/Context.h"
+#include "formula/CCRCRef.h"
 
 #include <gtest/gtest.h>
 #include <map>
@@ -287,5 +290,27 @@ TEST(Workbook, RandomEditsGiveWhatAFreshWorkbookGives) {
                 << "seed " << seed << ", " << names[place.first] << "!A" << place.second + 1 << " "
                 << text;
         ASSERT_EQ(book.CheckInvariants(), std::vector<std::string>()) << seed;
+    }
+}
+
+TEST(Workbook, RecalculatingTheDependentsOfAnItemGoesThroughTheOrderOfTheWorkbook) {
+    Workbook book("C");
+    Sheet &one = book.Add("One"), &two = book.Add("Two");
+    one.Enter("A1", "1");
+    one.Enter("B1", "=A1*2");
+    two.Enter("A1", "=One!A1*3");
+    book.Recalculate();
+    CCRCRef const a1(0, 0);
+    auto & cell = static_cast<CCCell &>(*one.Manager().GetItem(&a1));
+    for (bool all : {false, true}) {
+        CCNumberFormat format;
+        cell.SetPlainNumber(all ? 20 : 10, format); // silently
+        if (all)
+            cell.ReCalcAllDependents(one.Manager().ctx());
+        else
+            cell.ReCalcDependents(one.Manager().ctx());
+        book.Recalculate();
+        EXPECT_EQ(one.Text("B1"), all ? "40" : "20");
+        EXPECT_EQ(two.Text("A1"), all ? "60" : "30");
     }
 }
