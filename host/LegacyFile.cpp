@@ -50,24 +50,14 @@ class LegacyWriter {
 public:
     explicit LegacyWriter(Sheet & sheet) : m_Sheet(*sheet.m_Manager), m_Convert(&m_Sheet) {}
 
-    // The result of a formula may look otherwise where its constants lose their formats. The cell
-    // then gets as its own what it shows, as far as the file can hold that.
     LegacyFile Write() {
         WriteBytes();
-        std::vector<Place> changed = ChangedLooks();
-        for (Place place : changed)
-            if (CanBePinned(place)) m_Pinned.insert(place);
-        if (!m_Pinned.empty()) {
-            WriteBytes();
-            changed = ChangedLooks();
-        }
-        for (Place place : changed) Lose("number formats that changed", NameOf(place));
+        for (Place place : ChangedLooks()) Lose("number formats that changed", NameOf(place));
         return std::move(m_File);
     }
 
 private:
     void WriteBytes() {
-        m_File = {};
         CMemFile file(4096);
         CArchive ar(&file, CArchive::store);
         ar.Write(kMark, sizeof kMark);
@@ -205,7 +195,7 @@ private:
         CCCellValue back;
         m_Convert.ConvertTo95(back, legacy.value);
         FormatKind kind = kNoFormat;
-        if (cell.getCFmt().IsNF() || m_Pinned.contains(cell.At()))
+        if (cell.getCFmt().IsNF())
             kind = kFormatOfCell;
         else if (value.IsNumber() && !legacy.formula &&
                  !LookAlike({value.GetNumber(), value.GetFormat()}, back.GetFormat()))
@@ -261,23 +251,11 @@ private:
         return changed;
     }
 
-    bool CanBePinned(Place place) {
-        GridCell const * const cell = m_Sheet.Cells().FindCell(place);
-        if (!cell || !cell->IsFormulaLink() || !cell->IsValueNumber()) return false;
-        CCCellValue const & value = cell->CCCell::GetValue();
-        Legacy::CCC4W15_NumberFormat legacy;
-        CCNumberFormat back;
-        m_Convert.ConvertTo15(legacy, value.GetFormat());
-        m_Convert.ConvertTo95(back, legacy);
-        return LookAlike({value.GetNumber(), value.GetFormat()}, back);
-    }
-
     void Lose(char const * what, std::string const & where) { AddLoss(m_File.losses, what, where); }
 
     SheetManager & m_Sheet;
     CCC4W15Convert m_Convert;
     LegacyFile m_File;
-    std::set<Place> m_Pinned; // formulas whose cells get a format
     TextBuffer m_Buffer;
 };
 

@@ -9,6 +9,25 @@ int Sign(double difference) { return difference < 0 ? -1 : difference > 0; }
 
 } // namespace
 
+bool cells::ComparisonHolds(int code, double order) {
+    switch (code) {
+    case kEqual:
+        return order == 0;
+    case kNotEqual:
+        return order != 0;
+    case kGreater:
+        return order > 0;
+    case kGreaterOrEqual:
+        return order >= 0;
+    case kLess:
+        return order < 0;
+    case kLessOrEqual:
+        return order <= 0;
+    default:
+        return false;
+    }
+}
+
 int CompareCellValues(CCCellValue const & a, CCCellValue const & b, int caseSensitive) {
     // Rows: type of a; columns: type of b; 2 marks the pairs whose content decides.
     static constexpr signed char kOrder[5][5] = {{0, 1, 1, 1, 1},

@@ -31,6 +31,10 @@ enum OperatorCode : int {
 // A text result longer than this is error 3.
 constexpr int kLongestText = 16777216;
 
+// Whether a comparison, by its number, holds for an order: negative, 0 or positive. Any other
+// number holds for none.
+CVCELLS_API bool ComparisonHolds(int code, double order);
+
 } // namespace cells
 
 // A total order of kinds: numbers, text, errors, empty. It is no strict order (all errors are

@@ -12,23 +12,6 @@ void SetTruth(CCCellValue & result, bool truth) { result.Set(truth ? 1.0 : 0.0, 
 
 bool IsComparison(int code) { return code >= kEqual && code <= kLessOrEqual; }
 
-bool Holds(int code, double order) {
-    switch (code) {
-    case kEqual:
-        return order == 0;
-    case kNotEqual:
-        return order != 0;
-    case kGreater:
-        return order > 0;
-    case kGreaterOrEqual:
-        return order >= 0;
-    case kLess:
-        return order < 0;
-    default:
-        return order <= 0;
-    }
-}
-
 void CombineTexts(int code, CCCellValue & left, CCCellValue const & right) {
     if (code == kAdd) {
         CString const a = left.GetTextString(), b = right.GetTextString();
@@ -37,7 +20,7 @@ void CombineTexts(int code, CCCellValue & left, CCCellValue const & right) {
         else
             left.Set(a + b);
     } else if (IsComparison(code)) {
-        SetTruth(left, Holds(code, StrColl(left.GetText(), right.GetText(), 1)));
+        SetTruth(left, cells::ComparisonHolds(code, StrColl(left.GetText(), right.GetText(), 1)));
     } else {
         left.Set(errValue);
     }

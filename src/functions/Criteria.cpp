@@ -28,25 +28,6 @@ int TakeSign(CString & text) {
     return kEqual;
 }
 
-bool Holds(int comparison, double order) {
-    switch (comparison) {
-    case kEqual:
-        return order == 0;
-    case kNotEqual:
-        return order != 0;
-    case kLess:
-        return order < 0;
-    case kLessOrEqual:
-        return order <= 0;
-    case kGreater:
-        return order > 0;
-    case kGreaterOrEqual:
-        return order >= 0;
-    default:
-        return false;
-    }
-}
-
 // Within the smallest difference, which is included.
 bool AreClose(double a, double b) {
     constexpr double kSmallestDifference = 2.220446049250313e-16;
@@ -132,7 +113,7 @@ bool Criterion::Matches(CCCellValue const & cell) const {
     if (cell.IsEmpty()) return Matches(0.0);
     if (!cell.IsText() || m_Kind != Kind::kText) return false;
     CString text = cell.GetTextString();
-    return Holds(m_nComparison, text.MakeUpper().Compare(m_strText));
+    return ComparisonHolds(m_nComparison, text.MakeUpper().Compare(m_strText));
 }
 
 // What is added are the values, by the rules of the + operator: matching texts are joined. A blank

@@ -167,6 +167,12 @@ TEST(Operators, OverTwoValues) {
                                   {kOr, Number(0), Number(0), "FALSE"},
                                   {kEqual, Number(0.1 + 0.2), Number(0.3), "TRUE"},
                                   {kGreaterOrEqual, Number(0.3), Number(0.1 + 0.2), "FALSE"},
+                                  {kLessOrEqual, Number(0.3), Number(0.1 + 0.2), "TRUE"},
+                                  {kLessOrEqual, Number(2), Number(1), "FALSE"},
+                                  {kNotEqual, Text(L"a"), Text(L"b"), "TRUE"},
+                                  {kGreaterOrEqual, Text(L"b"), Text(L"a"), "TRUE"},
+                                  {99, Number(1), Number(2), "#VALUE!"},
+                                  {99, Text(L"a"), Text(L"b"), "#VALUE!"},
                                   {kAdd, Error(9), Error(3), "#N/A"},
                                   {kAdd, Number(1), Error(3), "#VALUE!"},
                                   {kAdd, Number(46085, C_NF_DATE), Number(1), "46086"}};
@@ -197,6 +203,12 @@ TEST(Operators, OverOneValueMakeTextAndBlanksZero) {
     value = Number(50);
     EvalCellValue(cells::kPercent, value);
     EXPECT_EQ(value.GetNumber(), 0.5);
+    value = Number(5, C_NF_DATE);
+    EvalCellValue(cells::kPlusSign, value);
+    EXPECT_EQ(value.GetNumber(), 5);
+    EXPECT_EQ(value.GetFormat().GetType(), C_NF_GENERAL);
+    EvalCellValue(99, value);
+    EXPECT_EQ(value.GetNumber(), 5);
     value = Error(4);
     EvalCellValue(cells::kNot, value);
     EXPECT_EQ(value.GetError(), 4);

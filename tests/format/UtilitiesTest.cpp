@@ -191,6 +191,76 @@ TEST(International, SettersAndGetters) {
     EXPECT_STREQ(GetCurrencyString(), L"$");
 }
 
+TEST(International, EverySettingGivesBackWhatWasSet) {
+    struct Number {
+        void (*set)(int);
+        int (*get)();
+    };
+    for (Number const & n : {Number{SetNumberGroupSize, GetNumberGroupSize},
+                             {SetNumberPrecision, GetNumberPrecision},
+                             {SetCurrencyGroupSize, GetCurrencyGroupSize},
+                             {SetCurrencyPrecision, GetCurrencyPrecision},
+                             {SetCurrencyPositiveOrder, GetCurrencyPositiveOrder},
+                             {SetCurrencyNegativeOrder, GetCurrencyNegativeOrder},
+                             {SetDateOrder, GetDateOrder},
+                             {SetDateYearSize, GetDateYearSize},
+                             {SetTimeRange, GetTimeRange}}) {
+        int const before = n.get();
+        n.set(before + 7);
+        EXPECT_EQ(n.get(), before + 7);
+    }
+    struct Unit {
+        void (*set)(wchar_t);
+        wchar_t (*get)();
+    };
+    for (Unit const & u : {Unit{SetListSeparartor, GetListSeparartor},
+                           {SetListSeparartor2, GetListSeparartor2},
+                           {SetNumberDeciamalSeparartor, GetNumberDeciamalSeparartor},
+                           {SetNumberGroupSeparartor, GetNumberGroupSeparartor},
+                           {SetDateSeparator, GetDateSeparator},
+                           {SetTimeSeparator, GetTimeSeparator}}) {
+        u.set(L'#');
+        EXPECT_EQ(u.get(), L'#');
+    }
+    EXPECT_EQ(GetCurrencyGroupSeparartor(), L'#'); // that of numbers
+    EXPECT_EQ(GetCurrencyDeciamalSeparartor(), L'#');
+    struct Text {
+        void (*set)(wchar_t const *);
+        wchar_t const * (*get)();
+    };
+    for (Text const & t : {Text{SetTimeAMString, GetTimeAMString},
+                           {SetTimePMString, GetTimePMString},
+                           {SetCurrencyString, GetCurrencyString}}) {
+        t.set(L"text");
+        EXPECT_STREQ(t.get(), L"text");
+    }
+    SetDateLongMonths(12, L"Last");
+    EXPECT_STREQ(GetDateLongMonths(12), L"Last");
+    InitInternationalSettings();
+}
+
+TEST(International, DefaultsOfTheInvariantLocale) {
+    cells::PlatformServices().localeName = [] { return CString(L"C"); };
+    InitInternationalSettings();
+    EXPECT_EQ(GetListSeparartor(), L',');
+    EXPECT_EQ(GetListSeparartor2(), L';');
+    EXPECT_EQ(GetNumberDeciamalSeparartor(), L'.');
+    EXPECT_EQ(GetNumberGroupSeparartor(), L',');
+    EXPECT_EQ(GetNumberGroupSize(), 3);
+    EXPECT_EQ(GetCurrencyGroupSize(), 3);
+    EXPECT_EQ(GetCurrencyPrecision(), 2);
+    EXPECT_EQ(GetCurrencyPositiveOrder(), 0);
+    EXPECT_EQ(GetCurrencyNegativeOrder(), 0);
+    EXPECT_EQ(GetDateSeparator(), L'/');
+    EXPECT_EQ(GetDateOrder(), 0);
+    EXPECT_EQ(GetDateYearSize(), 4);
+    EXPECT_EQ(GetTimeSeparator(), L':');
+    EXPECT_EQ(GetTimeRange(), 12);
+    EXPECT_STREQ(GetTimeAMString(), L"AM");
+    EXPECT_STREQ(GetTimePMString(), L"PM");
+    EXPECT_EQ(GetDefaultDateFormat(), 0x10);
+}
+
 TEST(International, LocaleItemsOutsideTheTableAreEmpty) {
     EXPECT_EQ(getLocaleInfo(14, 1), L".");
     EXPECT_TRUE(getLocaleInfo(0, 1).IsEmpty());
@@ -211,7 +281,7 @@ TEST(International, BuiltInFormats) {
     EXPECT_EQ(getBuiltInNumberFormat(49), L"[h]:mm:ss");
 }
 
-TEST(International, AListSeparatorThatIsTheDecimalOneIsReplacedWithAWarning) {
+TEST(International, TheInvariantListSeparatorNeedsNoWarning) {
     std::vector<CString> shown;
     cells::Services & services = cells::PlatformServices();
     services.showMessage = [&](unsigned id, CString const & text) {
@@ -221,7 +291,7 @@ TEST(International, AListSeparatorThatIsTheDecimalOneIsReplacedWithAWarning) {
     services.localeName = [] { return CString(L"C"); };
     InitInternationalSettings();
     services.showMessage = nullptr;
-    EXPECT_TRUE(shown.empty()); // the invariant locale needs no replacement
+    EXPECT_TRUE(shown.empty());
 }
 
 TEST(Library, TheProcessLocaleIsNeverChanged) {
