@@ -230,6 +230,47 @@ TEST_F(CalcCache, SortedEntriesAreFoundByTheirNumbers) {
     EXPECT_EQ(Order(), "A4 A2 A6");
 }
 
+TEST_F(CalcCache, EntriesMayBePutInByHand) {
+    cache.SetManager(&manager);
+    for (char const * cell : {"A1", "A2"}) {
+        CCRCRef const ref = R(cell);
+        cache.AppendEntry(&ref);
+    }
+    auto const made = [&](char const * cell) {
+        CCRCRef const ref = R(cell);
+        auto * const entry = new SCCalcEntry;
+        entry->m_pRef = new CCRef3D(&manager, &ref);
+        bool found = true;
+        cache.FindSorted(entry->m_pRef, found);
+        EXPECT_FALSE(found);
+        cache.IndexSorted(entry);
+        return entry;
+    };
+    cache.InsertBefore(0, made("C1"));
+    EXPECT_EQ(Order(), "C1 A1 A2");
+    cache.InsertBefore(2, made("C2"));
+    EXPECT_EQ(Order(), "C1 A1 C2 A2");
+    cache.InsertAfter(3, made("C3"));
+    cache.InsertAfter(-1, made("C4"));
+    EXPECT_EQ(Order(), "C4 C1 A1 C2 A2 C3");
+    EXPECT_EQ(cache.GetCount(), 6);
+}
+
+TEST_F(CalcCache, AnInsertedRegionStandsBehindItsCellsAndBeforeItsReaders) {
+    sheet.Enter("A1", "=1");
+    sheet.Enter("B1", "=SUM(A1:A3)");
+    sheet.Enter("A2", "=A1");
+    book.Recalculate();
+    CCRegionRef const region(0, 0, 0, 2), other(0, 0, 0, 8);
+    cache.SetManager(&manager);
+    std::string const before = Order();
+    cache.Insert(&region); // it is there
+    EXPECT_EQ(Order(), before);
+    cache.Insert(nullptr);
+    cache.Insert(&other); // nobody reads it
+    EXPECT_EQ(Order(), before + " A1:A9");
+}
+
 TEST_F(CalcCache, ReorderMovesTheEntriesBehindAPlace) {
     cache.SetManager(&manager);
     for (char const * cell : {"A1", "A2", "A3", "A4"}) {

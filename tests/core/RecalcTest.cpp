@@ -442,6 +442,30 @@ TEST(RecalcList, BehavesLikeAPlainList) {
     }
 }
 
+TEST(RecalcList, AnUnlinkedReferenceIsTheCallers) {
+    RecalcList list;
+    CCRCRef const a1(0, 0), b1(1, 0);
+    for (CCRCRef const * ref : {&a1, &b1}) list.AddLast(ref);
+    std::unique_ptr<CCRef> const taken(list.Unlink(list.Find(&a1)));
+    EXPECT_TRUE(taken->IsEqual(&a1));
+    EXPECT_EQ(list.GetCount(), 1);
+    EXPECT_EQ(list.Find(&a1), RecalcList::kNone);
+    EXPECT_TRUE(list.GetFirst()->IsEqual(&b1));
+}
+
+TEST(RecalcList, AnAbortEmptiesAndDeletesNothing) {
+    RecalcList list;
+    CCRCRef const a1(0, 0);
+    list.AddLast(&a1);
+    std::unique_ptr<CCRef> const kept(list.GetFirst());
+    list.Abort();
+    EXPECT_TRUE(list.IsEmpty());
+    EXPECT_EQ(list.GetFirst(), nullptr);
+    EXPECT_TRUE(kept->IsEqual(&a1));
+    list.AddLast(&a1);
+    EXPECT_EQ(list.GetCount(), 1);
+}
+
 TEST(RecalcList, MergingAndEmptying) {
     RecalcList a, b;
     CCRCRef const one(0, 1), two(0, 2);
