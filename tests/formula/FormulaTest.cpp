@@ -1,10 +1,12 @@
 #include "core/Guards.h"
 #include "formula/CCConstFormula.h"
+#include "formula/CCDocumentRef.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRefFormula.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRefOpFormula.h"
 #include "formula/CCRegionRef.h"
+#include "formula/CCRemoteOpFormula.h"
 #include "formula/CCRemoteRef.h"
 #include "formula/Clipboard.h"
 #include "formula/FunctionRegistry.h"
@@ -633,4 +635,84 @@ TEST(LinkQuestions, AreAnsweredByTheTree) {
     CCRefFormula const sheetLink(&link, 0);
     EXPECT_TRUE(sheetLink.ContainsSheetLinks());
     EXPECT_FALSE(const_cast<CCRefFormula &>(sheetLink).ContainsRemoteLinks());
+}
+
+TEST(LinkQuestions, GoThroughAllArguments) {
+    BaseHost host;
+    CCRemoteRef const sheet(L"?Sheet", L"A1"), document(L"doc", L"A1");
+    auto const sum = [&](CCRef const & ref) {
+        return Tree(
+            ConstructOpFormula(cells::internal::FindEnglishFunction(L"SUM", cells::kFunction),
+                               new CCRefFormula(1, 1, 0), new CCRefFormula(&ref, 0)));
+    };
+    EXPECT_TRUE(sum(sheet)->ContainsSheetLinks());
+    EXPECT_FALSE(sum(sheet)->ContainsRemoteLinks());
+    EXPECT_TRUE(sum(document)->ContainsRemoteLinks());
+    EXPECT_FALSE(sum(document)->ContainsSheetLinks());
+    EXPECT_FALSE(Parsed(host, L"SUM(A1)")->ContainsRemoteLinks());
+    EXPECT_FALSE(Parsed(host, L"SUM(A1)+1")->ContainsSheetLinks());
+    CCRCRef const far(9, 9);
+    EXPECT_FALSE(Parsed(host, L"SUM(A1)+1")->ContainsLink(&host, &far, nullptr));
+}
+
+TEST(LinkQuestions, ADocumentFunctionIsLinkedToItsProperty) {
+    BaseHost host;
+    Tree const title = Parsed(host, L"TITLE()"), author = Parsed(host, L"AUTHOR()");
+    CCDocumentRef property;
+    auto const & node = static_cast<CCOpFormula const &>(*title);
+    ASSERT_TRUE(GetFuncDocumentRef(node.GetFunc(), &host, property, node.GetArgs(), nullptr));
+    EXPECT_TRUE(title->ContainsLink(&host, &property, nullptr));
+    EXPECT_FALSE(author->ContainsLink(&host, &property, nullptr));
+    CCRCRef const a1(0, 0);
+    EXPECT_TRUE(Parsed(host, L"ROW(A1)")->ContainsLink(&host, &a1, nullptr));
+}
+
+TEST(LinkQuestions, ARemoteFunctionIsLinkedToItsPlace) {
+    BaseHost host;
+    Tree const owned = Parsed(host, L"REMOTE(\"doc\",\"B2\")");
+    CCFormula * const tree = owned.get();
+    ASSERT_EQ(tree->GetType(), kRemoteOpFormula);
+    CCRCRef const here(0, 0);
+    tree->RegisterDependents(&host, &here);
+    CCRemoteRef const place(L"DOC", L"b2"), other(L"doc", L"B3");
+    EXPECT_TRUE(tree->ContainsLink(&host, &place, nullptr));
+    EXPECT_FALSE(tree->ContainsLink(&host, &other, nullptr));
+    CCFormula * untouched = nullptr;
+    EXPECT_EQ(tree->InvalidateItem(&host, &host.Make("C3"), untouched, nullptr), 0);
+    EXPECT_EQ(untouched, nullptr);
+    CCRCRef const local(2, 2);
+    CCFormula * out = nullptr;
+    EXPECT_EQ(tree->UpdateRef(&host, nullptr, &place, &local, 0, out), 1);
+    EXPECT_EQ(Printed(host, Tree(out).get()), "C3");
+    EXPECT_EQ(tree->UpdateRef(&host, nullptr, &place, &other, 0, out), 1);
+    EXPECT_EQ(Printed(host, Tree(out).get()), "REMOTE (\"doc\", \"B3\")");
+}
+
+TEST(TreeUpdates, ASheetLinkFollowsItsSheetsName) {
+    CCRemoteRef const link(L"?Old", L"A1"), other(L"?Else", L"A1");
+    CCRefFormula follows(&link, 0), stays(&other, 0), plain(1, 1, 0);
+    CString old(L"?OLD"), now(L"?New");
+    for (CCRefFormula * node : {&follows, &stays, &plain}) node->OnSheetRename(old, now);
+    EXPECT_EQ(static_cast<CCRemoteRef *>(follows.GetRef())->document(), L"?New");
+    EXPECT_EQ(static_cast<CCRemoteRef *>(stays.GetRef())->document(), L"?Else");
+}
+
+TEST(TreeUpdates, AMovedFormulaIsKnownByItsNewPlace) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Make("D4");
+    host.Enter("B1", L"=A1+1");
+    CCRCRef const from(1, 0), to(3, 3);
+    CCRef3D const was(&host, &from), is(&host, &to);
+    host.Make("B1").LoadFormula(&host)->MoveFormula(&host, &was, &is);
+    cells::internal::RefListHolder const list(host.Make("A1").LoadDependents(&host));
+    ASSERT_NE(list.list, nullptr);
+    EXPECT_EQ(BaseHost::NameOf(list.list->m_pRef), "D4");
+    EXPECT_EQ(list.list->m_pNext, nullptr);
+}
+
+TEST(FormulaPrint, ARegionHasItsOwnFlags) {
+    BaseHost host;
+    CCRefFormula const region(1, 2, 3, 4, cells::kAbsoluteColumn);
+    EXPECT_EQ(Printed(host, &region), "$B3:D5");
 }

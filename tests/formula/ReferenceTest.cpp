@@ -305,6 +305,23 @@ TEST(Ref3D, WithoutAWorkbookReadsABlankAndOpensNothing) {
     EXPECT_EQ(CCRef3D(1).RegisterDependent(&host, run.ref), 0);
 }
 
+TEST(Ref3D, LiesInsideByItsSheetAndItsPlace) {
+    CCRef3D placed(2, 0, new CCRCRef(1, 1));
+    CCRef3D const area(2, 0, new CCRegionRef(0, 0, 3, 3));
+    CCRef3D const elsewhere(3, 0, new CCRegionRef(0, 0, 3, 3));
+    CCRegionRef const plain(0, 0, 3, 3), far(5, 5, 9, 9);
+    EXPECT_TRUE(placed.IsInside(&area));
+    EXPECT_FALSE(placed.IsInside(&elsewhere));
+    EXPECT_TRUE(placed.IsInside(&plain));
+    EXPECT_FALSE(placed.IsInside(&far));
+    EXPECT_FALSE(placed.IsInside(static_cast<CCRef const *>(nullptr)));
+    EXPECT_FALSE(CCRef3D(2).IsInside(&area));
+    placed.Move(1, 2);
+    EXPECT_EQ(Printed(*placed.ref), "C4");
+    CCNameRef const name(L"tax");
+    EXPECT_FALSE(plain.Contain(&name)); // asks the name, which lies nowhere
+}
+
 TEST(Ref3D, ManagerFormNamesALivingManager) {
     CCRCRef const cell(0, 0);
     std::unique_ptr<CCRef3D> placed;

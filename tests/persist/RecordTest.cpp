@@ -108,6 +108,26 @@ TEST(ValueRecord, EveryShorterPieceThrowsOrIsShort) {
     }
 }
 
+TEST(NumberFormatRecord, TheShortFormIsFourBytes) {
+    CCNumberFormat date;
+    date.Set(uchar(C_NF_DATE)); // month as a number
+    date.SetDelimiter(L'-');
+    EXPECT_EQ(Written([&](CArchive & ar) { date.WriteA(ar); }), (Bytes{7, 0, 0x10, '-'}));
+    date.SetDelimiter(0x20AC); // one byte of the code page
+    EXPECT_EQ(Written([&](CArchive & ar) { date.WriteA(ar); }), (Bytes{7, 0, 0x10, 0x80}));
+    date.SetDelimiter(0x4E2D); // none
+    EXPECT_EQ(Written([&](CArchive & ar) { date.WriteA(ar); }), (Bytes{7, 0, 0x10, '?'}));
+    CCNumberFormat read;
+    unsigned short const mask = read.GetSetMask();
+    Reading({1, 0x92, 0, 3}, [&](CArchive & ar) { read.ReadA(ar); });
+    EXPECT_EQ(read.getType(), C_NF_NUMBER);
+    EXPECT_EQ(read.getPrecision(), 2);
+    EXPECT_EQ(read.getCommas(), 1);
+    EXPECT_EQ(read.GetLTString(), 2);
+    EXPECT_EQ(read.GetLTStringMode(), 1);
+    EXPECT_EQ(read.GetSetMask(), mask);
+}
+
 TEST(ValueArrayRecord, MarksNullElements) {
     CCCellValue value;
     value.Set(errNA);
