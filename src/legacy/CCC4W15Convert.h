@@ -38,9 +38,9 @@ public:
     // A cell with the place of `cell`, its stored value, and its edit source or its formula.
     // Dependents on other sheets are left out.
     void ConvertTo15(Legacy::CCC4W15_Cell * legacy, CCCell * cell) const;
-    // Stores value, formula and edit source as quiet edits: the formula registers and computes, so
-    // that its value replaces the stored one. `ref` is the place, or null. Dependents are not read,
-    // since formulas register themselves.
+    // Stores value, formula and edit source as edits without messages: the formula registers and
+    // computes, so that its value replaces the stored one. `ref` is the place, or null. Dependents
+    // are not read, since formulas register themselves.
     void ConvertTo95(CCCell * cell, CCRef *& ref, Legacy::CCC4W15_Cell const * legacy) const;
 
     // References and their places: cells, regions and names; null for all others. `flags` are the

@@ -206,8 +206,6 @@ public:
     // References: a place, here or in another document.
     class CVCELLS_API CCC4W15_Ref {
     public:
-        CCC4W15_Ref() = default;
-        explicit CCC4W15_Ref(CCC4W15_Coords * place) : coords(place) {} // takes it over
         virtual ~CCC4W15_Ref() = default;
         virtual void Read(CArchive & ar);
         virtual void Write(CArchive & ar) const;

@@ -30,6 +30,22 @@ private:
     std::optional<CPoint> m_Point;
 };
 
+// Holds messages back: an import asks nobody and tells nobody cell by cell.
+class WithoutMessages {
+public:
+    explicit WithoutMessages(CCCellManager & manager)
+        : m_Manager(manager), m_nBefore(manager.GetNotifyEnable()) {
+        m_Manager.SetNotifyEnable(0);
+    }
+    WithoutMessages(WithoutMessages const &) = delete;
+    WithoutMessages & operator=(WithoutMessages const &) = delete;
+    ~WithoutMessages() { m_Manager.SetNotifyEnable(m_nBefore); }
+
+private:
+    CCCellManager & m_Manager;
+    int m_nBefore;
+};
+
 } // namespace
 
 // The place of a dependent without its sheet, or null where that is another one.
@@ -69,6 +85,7 @@ void CCC4W15Convert::ConvertTo15(Legacy::CCC4W15_Cell * legacy, CCCell * cell) c
 
 void CCC4W15Convert::ConvertTo95(CCCell * cell, CCRef *& ref,
                                  Legacy::CCC4W15_Cell const * legacy) const {
+    WithoutMessages const quiet(*m_pManager);
     ref = nullptr;
     CCRef * made;
     uchar flags;

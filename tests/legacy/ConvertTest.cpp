@@ -817,6 +817,42 @@ TEST_F(LegacyConvert, ACircularFormulaIsTakenWithoutAMessage) {
     EXPECT_TRUE(host.messages.empty());
 }
 
+TEST_F(LegacyConvert, CirclesAreTakenWithoutAMessage) {
+    auto const take = [&](char const * name, bool asSource, Old formula) {
+        CCRCRef const place = BaseHost::RefOf(name);
+        Legacy::CCC4W15_Cell old;
+        old.coords = std::make_unique<Legacy::CCC4W15_CoordsRC>(
+            CoordsOf({place.row + 1, place.col + 1, 1, 1}));
+        if (asSource)
+            old.editSources.Add(static_cast<Legacy::CCC4W15_FormulaRef &>(*formula).ref.release());
+        else
+            old.formula = std::move(formula);
+        CCRef * ref;
+        convert.ConvertTo95(&host.Make(name), ref, &old);
+        delete ref;
+    };
+    take("A1", true, ToOld(L"A1", "A1")); // a source of its own
+    take("B1", false, ToOld(L"B2", "B1"));
+    take("B2", false, ToOld(L"B1", "B2")); // a circle of two
+    EXPECT_EQ(host.EditText("A1"), "!A1");
+    EXPECT_EQ(host.EditText("B2"), "=B1");
+    EXPECT_TRUE(host.messages.empty());
+    EXPECT_TRUE(host.GetNotifyEnable());
+}
+
+TEST_F(LegacyConvert, ANullNameStaysNull) {
+    CCNameRef const none;
+    Legacy::CCC4W15_Coords * made;
+    convert.ConvertTo15(made, &none, 0, nullptr);
+    std::unique_ptr<Legacy::CCC4W15_Coords> const coords(made);
+    EXPECT_EQ(static_cast<Legacy::CCC4W15_CoordsName const &>(*coords).name, std::nullopt);
+    CCRef * back;
+    uchar flags;
+    convert.ConvertTo95(back, flags, coords.get(), nullptr);
+    std::unique_ptr<CCRef> const owned(back);
+    EXPECT_EQ(static_cast<CCNameRef const &>(*back).name(), nullptr);
+}
+
 TEST_F(LegacyConvert, ACellWithoutAPlaceTakesItsValueAndAbsoluteReferences) {
     Legacy::CCC4W15_Cell old;
     old.value.number = 3;

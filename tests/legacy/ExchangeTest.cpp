@@ -453,6 +453,41 @@ TEST(LegacyCell, EveryPrefixEndsTooEarly) {
             << length;
 }
 
+// Release and Read on objects that hold something
+
+namespace {
+
+// What Release leaves is a new object; a second Read leaves nothing of the first.
+template <typename Record>
+void ExpectFreed(Bytes const & bytes) {
+    Record record, once;
+    ReadInto(once, bytes);
+    for (int i = 0; i < 2; ++i) ReadInto(record, bytes);
+    EXPECT_EQ(BytesOf(record), BytesOf(once));
+    record.Release();
+    EXPECT_EQ(BytesOf(record), BytesOf(Record()));
+}
+
+} // namespace
+
+TEST(LegacyRelease, FreesWhatAnObjectOwnsAndReadDoesSoFirst) {
+    Bytes const place = Join(1, U32(3), U32(2), U32(1), U32(1));
+    ExpectFreed<Legacy::CCC4W15_CellValue>(Join(1, Narrow("text"), U32(2)));
+    ExpectFreed<Legacy::CCC4W15_CoordsName>(Narrow("rate"));
+    ExpectFreed<Legacy::CCC4W15_CoordsQuery>(Bytes(kQuery.begin() + 1, kQuery.end()));
+    ExpectFreed<Legacy::CCC4W15_FileRef>(kFile);
+    ExpectFreed<Legacy::CCC4W15_QueryCondition>(kCondition);
+    ExpectFreed<Legacy::CCC4W15_QuerySortKey>(Join(1, Narrow("a")));
+    ExpectFreed<Legacy::CCC4W15_Ref>(place);
+    ExpectFreed<Legacy::CCC4W15_RemoteRef>(Join(kFile, place));
+    ExpectFreed<Legacy::CCC4W15_FormulaOp>(
+        Join(kNewValue, Narrow("+"), U32(2), 2, kNewValue, 2, kNewValue));
+    ExpectFreed<Legacy::CCC4W15_FormulaConst>(Join(1, Narrow("text"), U32(0)));
+    ExpectFreed<Legacy::CCC4W15_FormulaRef>(Join(kNewValue, 1, place));
+    ExpectFreed<Legacy::CCC4W15_Cell>(kCell);
+    ExpectFreed<Legacy::CCC4W15_NumberFormat>(Bytes(20, 7));
+}
+
 // Number formats
 
 TEST(LegacyNumberFormat, IsABlockOf20BytesThatIsKeptAsItIs) {
