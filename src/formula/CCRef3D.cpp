@@ -104,7 +104,7 @@ int CCRef3D::GetValue(cells::CTX * ctx, CCCellValue & value) {
 }
 
 ushort CCRef3D::OpenRef(cells::CTX * ctx) {
-    currentSheet = firstSheet;
+    currentSheet = LowestSheet();
     CCCellManager * manager = SheetManager(ctx, currentSheet);
     return manager && ref ? manager->OpenRef(ref) : ushort(0);
 }
@@ -113,7 +113,7 @@ int CCRef3D::NextValue(cells::CTX * ctx, ushort & handle, CCCellValue & value) {
     CCCellManager * manager = SheetManager(ctx, currentSheet);
     while (manager && ref) {
         if (manager->NextValue(handle, value)) return 1;
-        if (m_bManagerForm || currentSheet >= lastSheet) return 0;
+        if (currentSheet >= HighestSheet()) return 0;
         manager->CloseRef(handle);
         manager = SheetManager(ctx, ++currentSheet);
         handle = manager ? manager->OpenRef(ref) : ushort(0);
@@ -133,8 +133,7 @@ int CCRef3D::RegisterDependent(cells::CTX * ctx, CCRef const * dependent) {
     if (IsOneSheet() && SheetManager(ctx, firstSheet) == own)
         return own ? own->RegisterDependent(ref, dependent) : 0;
     std::unique_ptr<CCRef> const wrapped(cells::internal::MakeDependentRef(ctx, dependent));
-    ushort const last = IsOneSheet() ? firstSheet : lastSheet;
-    for (int sheet = firstSheet; sheet <= last; ++sheet) {
+    for (int sheet = LowestSheet(); sheet <= HighestSheet(); ++sheet) {
         CCCellManager * manager = SheetManager(ctx, ushort(sheet));
         if (!manager || !manager->RegisterDependent(ref, wrapped.get())) return 0;
     }
@@ -151,9 +150,8 @@ int CCRef3D::UnRegisterDependent(cells::CTX * ctx, CCRef const * dependent) {
     std::unique_ptr<CCRef> const wrapped(cells::internal::MakeDependentRef(ctx, dependent));
     std::unique_ptr<CCRef> const translated(
         IsOneSheet() || !own ? nullptr : own->TranslateToSheetRef(dependent));
-    ushort const last = IsOneSheet() ? firstSheet : lastSheet;
     int all = 1;
-    for (int sheet = firstSheet; sheet <= last; ++sheet) {
+    for (int sheet = LowestSheet(); sheet <= HighestSheet(); ++sheet) {
         CCCellManager * manager = SheetManager(ctx, ushort(sheet));
         int done = manager ? manager->UnRegisterDependent(ref, wrapped.get()) : 0;
         if (manager && translated) done |= manager->UnRegisterDependent(ref, translated.get());
@@ -182,8 +180,7 @@ void CCRef3D::Move(long dx, long dy) {
 
 CCRefList * CCRef3D::TranslateToRefList(cells::CTX * ctx) {
     CCRefList * list = nullptr;
-    int const last = IsOneSheet() ? firstSheet : lastSheet;
-    for (int sheet = firstSheet; sheet <= last; ++sheet) {
+    for (int sheet = LowestSheet(); sheet <= HighestSheet(); ++sheet) {
         CCCellManager * manager = SheetManager(ctx, ushort(sheet));
         if (!manager) continue;
         cells::internal::ManagerContext lent(ctx, manager);

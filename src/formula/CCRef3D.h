@@ -10,6 +10,8 @@
 #include "formula/CCRef.h"
 #include "platform/NodePool.h"
 
+#include <algorithm>
+
 struct CCRefList;
 
 class CVCELLS_API CCRef3D : public CCRef, public cells::internal::Pooled<CCRef3D> {
@@ -35,6 +37,13 @@ public:
     bool IsManagerForm() const { return m_bManagerForm; }
     CCCellManager * GetManager() const; // null in the number form, and for a dead manager
     bool IsOneSheet() const { return m_bManagerForm || lastSheet == 0 || lastSheet == firstSheet; }
+    // The ends of the run in order: its names may stand the other way round.
+    ushort LowestSheet() const {
+        return IsOneSheet() ? firstSheet : std::min(firstSheet, lastSheet);
+    }
+    ushort HighestSheet() const {
+        return IsOneSheet() ? firstSheet : std::max(firstSheet, lastSheet);
+    }
     // What orders references of this class: both numbers, or the manager's place behind all
     // numbers.
     unsigned long long SheetKey() const;
