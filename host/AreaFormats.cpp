@@ -9,18 +9,13 @@ bool Holds(Area const & outer, Area const & inner) {
     return outer.Contains(inner.first) && outer.Contains(inner.last);
 }
 
-bool Meet(Area const & a, Area const & b) {
-    return a.first.column <= b.last.column && b.first.column <= a.last.column &&
-           a.first.row <= b.last.row && b.first.row <= a.last.row;
-}
-
 } // namespace
 
 bool AreaFormats::Covers(Place place) const { return !FormatAt(place).IsEmpty(); }
 
 bool AreaFormats::IsLocked(Area const & area) const {
     return std::any_of(m_Entries.begin(), m_Entries.end(), [&](Entry const & entry) {
-        return entry.format.IsLocked() && Meet(entry.area, area);
+        return entry.format.IsLocked() && entry.area.Meets(area);
     });
 }
 
@@ -48,7 +43,7 @@ void AreaFormats::Add(Area const & area, CCCellFormat const & format) {
 void AreaFormats::Clear(Area const & area) {
     std::erase_if(m_Entries, [&](Entry const & entry) { return Holds(area, entry.area); });
     bool const needed = std::any_of(m_Entries.begin(), m_Entries.end(),
-                                    [&](Entry const & entry) { return Meet(entry.area, area); });
+                                    [&](Entry const & entry) { return entry.area.Meets(area); });
     if (needed) m_Entries.push_back({area, CCCellFormat()});
 }
 

@@ -27,6 +27,10 @@ struct Area {
         return place.column >= first.column && place.column <= last.column &&
                place.row >= first.row && place.row <= last.row;
     }
+    bool Meets(Area const & other) const {
+        return first.column <= other.last.column && other.first.column <= last.column &&
+               first.row <= other.last.row && other.first.row <= last.row;
+    }
 };
 
 constexpr Area kWholeGrid{{0, 0}, {kColumns - 1, kRows - 1}};

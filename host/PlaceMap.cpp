@@ -25,6 +25,12 @@ std::optional<Place> PlaceMap::CellTo(Place place) const {
     return Overwrites(place) ? std::nullopt : ReferenceTo(place);
 }
 
+bool PlaceMap::Touches(Area const & area) const {
+    if (m_Kind == Kind::kMoved) return area.Meets(m_Source) || area.Meets(m_Target);
+    Place last = area.last;
+    return LineOf(last) >= m_At;
+}
+
 std::optional<Place> PlaceMap::ReferenceTo(Place place) const {
     if (m_Kind == Kind::kMoved) {
         if (!m_Source.Contains(place)) return place;

@@ -24,6 +24,8 @@ public:
     bool Overwrites(Place place) const {
         return m_Kind == Kind::kMoved && m_Target.Contains(place) && !m_Source.Contains(place);
     }
+    // Whether a place of the area holds another cell afterwards.
+    bool Touches(Area const & area) const;
     // What a reference to a cell, or to an area, means afterwards. An area grows and shrinks with
     // the lines inside it; it moves only as a whole. Nothing when all it named is gone.
     std::optional<Place> ReferenceTo(Place place) const;

@@ -93,9 +93,8 @@ private:
         CCRef const * const ref = node.GetRef();
         if (!ref || (ref->GetType() != kRefCell && ref->GetType() != kRefRegion)) return true;
         std::unique_ptr<CCRef> const now = Mapped(*ref, m_Map);
-        // The reader of a cell that is overwritten registers with the one that comes.
-        bool const isReplaced = ref->GetType() == kRefCell && m_Map.Overwrites(AreaOf(*ref).first);
-        if (now && now->IsEqual(ref) && !isReplaced) return true;
+        // Who reads a place that holds another cell afterwards registers and computes anew.
+        if (now && now->IsEqual(ref) && !m_Map.Touches(AreaOf(*ref))) return true;
         m_Changed = true;
         if (now)
             Put(slot, std::make_unique<CCRefFormula>(now.get(), node.GetMode()));
@@ -188,12 +187,13 @@ public:
     }
 
 private:
-    // Those of other documents whose places change, out of the graph for the time of the change.
+    // Those of other documents whose places, or what stands there, change: out of the graph for the
+    // time of the change.
     std::vector<SheetManager::RemoteReader> TakeReaders() {
         auto readers = m_Sheet.RemoteReaders();
         std::erase_if(readers, [&](auto const & reader) {
             std::unique_ptr<CCRef> const now = Mapped(*reader.place, m_Map);
-            return now && now->IsEqual(reader.place.get());
+            return now && now->IsEqual(reader.place.get()) && !m_Map.Touches(AreaOf(*reader.place));
         });
         for (auto const & reader : readers)
             m_Sheet.UnRegisterDependent(reader.place.get(), reader.reader.get());
