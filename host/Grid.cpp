@@ -1,6 +1,7 @@
 #include "host/Grid.h"
 
 #include "core/ValueCompare.h"
+#include "formula/CCFormula.h"
 
 #include <utility>
 #include <vector>
@@ -68,6 +69,11 @@ void Grid::PutCell(Place place, std::unique_ptr<GridCell> cell) {
     NoteChange(place);
 }
 
+void GridCell::Recalc(CTX * ctx) {
+    if (CCFormula * tree = LoadFormula(ctx)) tree->ForgetChoices();
+    CCCell::Recalc(ctx);
+}
+
 void GridCell::Empty(CTX * ctx) {
     RemoveFormula(ctx);
     CCCell::SetValue(CCCellValue());
@@ -98,7 +104,21 @@ bool Grid::Holds(Place place, CCCellValue const & key) const {
 }
 
 void GridCell::OnValueStored() {
-    if (m_pGrid) m_pGrid->NoteChange(At());
+    if (!m_pGrid) return;
+    m_pGrid->NoteChange(At());
+    if (CCCell::GetValue().IsError() && CCCell::GetValue().GetError() == errCirc)
+        m_pGrid->NoteCircle(At());
+}
+
+std::vector<GridCell *> Grid::CircularCells() {
+    std::vector<GridCell *> cells;
+    std::erase_if(m_Circles, [&](Place place) {
+        GridCell * const cell = FindCell(place);
+        bool const isCircular = cell && cell->IsFormulaLink() && !cell->IsValidFormula();
+        if (isCircular) cells.push_back(cell);
+        return !isCircular;
+    });
+    return cells;
 }
 
 void Grid::NoteChange(Place place) {

@@ -17,6 +17,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
+#include <vector>
 
 namespace cells::host {
 
@@ -29,6 +31,9 @@ public:
 
     CCRef const * GetRef() const override { return &m_Ref; }
     bool IsEqual(CCItem const * item) const override { return item == this; }
+    // What a formula picks is checked anew each time, so that it gives what it would give if it
+    // were entered now.
+    void Recalc(CTX * ctx) override;
     void OnValueChanged(CTX * ctx) override;
     void OnValueStored() override;
     // From now on the grid hears of every value that is stored here.
@@ -88,8 +93,12 @@ public:
     void Read(Place place, CCCellValue & value) const;
     // Whether this number or text stands there: the same type and the same content.
     bool Holds(Place place, CCCellValue const & key) const;
-    // Told by cells of the grid.
+    // Told by cells of the grid: of each value, and of the errors of circles among them.
     void NoteChange(Place place);
+    void NoteCircle(Place place) { m_Circles.insert(place); }
+    // The cells whose formulas were refused as circular. They are out of the graph, and nobody but
+    // who changes what their formulas mean can tell them.
+    std::vector<GridCell *> CircularCells();
 
     // The position of the first place of the area, row by row, that holds this number or text; -1
     // for none. False where looking at one place after the other is the better way.
@@ -161,6 +170,7 @@ private:
         std::unique_ptr<KeyIndex> index;
     };
     std::array<ColumnKeys, kColumns> m_Keys;
+    std::set<Place> m_Circles; // where the error of a circle was stored, maybe long ago
 };
 
 template <typename Visit>

@@ -14,6 +14,13 @@
 void CCFormula::OnSheetRename(CString &, CString &) {}
 void CCFormula::UpdateArgsOnSheetRename(cells::CTX *, CCRemoteRef const *, CCRemoteRef const *) {}
 
+void CCFormula::ForgetChoices() {
+    if (!m_bHasChoice) return;
+    m_bChecked = false;
+    auto const * args = static_cast<CCOpFormula *>(this)->GetArgs();
+    for (; args; args = args->next) args->formula->ForgetChoices();
+}
+
 void EvalFormula(cells::CTX * ctx, CCCellValue & value, CCFormula const * formula,
                  CCRef const * current) {
     if (!formula) return value.Set(errLegacy);

@@ -88,12 +88,17 @@ public:
     // The references that the formula reads, newest first. The list is the caller's.
     CCRefList * GetPrecedents(cells::CTX * ctx) const;
     int GetDepth() const { return m_nDepth; }
+    bool HasChoice() const { return m_bHasChoice; }
+    // A call that picks one of its arguments is checked with what it picks now. This makes the tree
+    // forget that such calls, and what holds them, were checked: the next check asks them again.
+    void ForgetChoices();
 
 protected:
     explicit CCFormula(EFormulaType kind) : m_nKind(uchar(kind)) {}
     // A copy starts unchecked.
     CCFormula(CCFormula const & other)
-        : CInstanceCounter(other), m_nKind(other.m_nKind), m_nDepth(other.m_nDepth) {}
+        : CInstanceCounter(other), m_nKind(other.m_nKind), m_bHasChoice(other.m_bHasChoice),
+          m_nDepth(other.m_nDepth) {}
     CCFormula & operator=(CCFormula const &) = delete;
 
     mutable bool m_bChecked = false;
@@ -102,6 +107,7 @@ private:
     uchar m_nKind = 0;
 
 protected:
+    bool m_bHasChoice = false; // this node or one below it picks one of its arguments
     ushort m_nDepth = 1;
 };
 

@@ -17,7 +17,14 @@ using namespace cells;
 
 CCOpFormula::CCOpFormula(EFormulaType kind, CCFunc * func, CCFormulaList * args)
     : CCFormula(kind), m_pFunc(func), m_pArgs(args) {
-    m_nDepth = ushort(std::min(internal::DepthOf(args) + 1, 0xFFFF));
+    NoteArguments();
+}
+
+void CCOpFormula::NoteArguments() {
+    m_bHasChoice = Kind() == kChooseOpFormula;
+    for (CCFormulaList const * item = m_pArgs; item; item = item->next)
+        m_bHasChoice = m_bHasChoice || (item->formula && item->formula->HasChoice());
+    m_nDepth = ushort(std::min(internal::DepthOf(m_pArgs) + 1, 0xFFFF));
 }
 
 CCOpFormula::CCOpFormula(CCOpFormula const & other)

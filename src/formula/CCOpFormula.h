@@ -81,6 +81,7 @@ private:
     void PrintInfix(cells::CTX * ctx, std::wostream & stream, wchar_t const * name,
                     PrintNode node) const;
     void CloseArguments(cells::CTX * ctx, CCRef const * current) const;
+    void NoteArguments(); // what the node knows of the arguments that it has now
 };
 
 // IF and CHOOSE: only the live argument is checked and walked.

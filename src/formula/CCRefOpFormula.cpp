@@ -100,6 +100,8 @@ void CCRefOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * current)
     if (!ref) {
         Leave(ctx, current);
         m_Target.reset();
+        if (CCCellManager * manager = NamesPlace() || !current ? nullptr : ctx->manager())
+            manager->OnPlaceMissing(current);
     } else {
         Follow(ctx, ref->Copy(), current);
     }

@@ -94,7 +94,7 @@ void CCOpFormula::Read(cells::CTX * ctx, CArchive & ar) {
     m_pArgs = nullptr;
     m_pFunc = ReadFunc(ctx, ar);
     m_pArgs = FormulaListRead(ctx, ar);
-    m_nDepth = ushort(cells::internal::DepthOf(m_pArgs) + 1);
+    NoteArguments();
 }
 
 void CCRemoteOpFormula::Write(cells::CTX * ctx, CArchive & ar) const {
