@@ -1,12 +1,44 @@
 #include "host/Book.h"
 
+#include "formula/CCNameRef.h"
+#include "formula/CCOpFormula.h"
+#include "formula/CCRef3D.h"
+#include "formula/CCRefFormula.h"
+#include "formula/OperatorObjects.h"
 #include "host/LinkTable.h"
+#include "host/PlaceRefs.h"
 #include "host/SheetManager.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace cells::host {
+namespace {
+
+// The places in a formula where a sheet stands by this name: the operands of ":" before a "!".
+std::vector<CCFormula **> SheetOperands(CCFormula & formula, CString const & name) {
+    std::vector<CCFormula **> operands;
+    std::vector<CCFormula *> open{&formula};
+    while (!open.empty()) {
+        CCFormula * const node = open.back();
+        open.pop_back();
+        if (node->GetType() < kOpFormula) continue;
+        auto & call = *static_cast<CCOpFormula *>(node);
+        bool const isRun =
+            call.GetFunc() == internal::OperatorObject(internal::Operator::kSheetRange);
+        for (CCFormulaList * item = call.GetArgs(); item; item = item->next) {
+            open.push_back(item->formula);
+            if (!isRun || item->formula->GetType() != kRefFormula) continue;
+            CCRef const * const ref = static_cast<CCRefFormula *>(item->formula)->GetRef();
+            if (ref && ref->GetType() == kRefName &&
+                name.CompareNoCase(static_cast<CCNameRef const *>(ref)->name()) == 0)
+                operands.push_back(&item->formula);
+        }
+    }
+    return operands;
+}
+
+} // namespace
 
 int Book::PositionOf(CString const & name) const {
     for (int i = 0; i < Count(); ++i)
@@ -86,15 +118,44 @@ void Book::Move(int from, int to) {
     });
 }
 
-// The event gives the formulas on other sheets the new name while they still listen.
+void Book::ForEachNaming(CString const & name,
+                         std::function<void(SheetManager &, GridCell &)> const & visit) const {
+    for (SheetManager * sheet : m_Sheets)
+        for (GridCell * cell : LinkedCells(*sheet))
+            if (!SheetOperands(*cell->LoadFormula(sheet), name).empty()) visit(*sheet, *cell);
+}
+
+// The event gives formulas the new name of the first sheet that they name, while they still listen;
+// a run of sheets may name the sheet elsewhere, too.
 void Book::Rename(int position, CString const & name) {
     SheetManager & sheet = At(position);
     CString const old = sheet.GetSheetName();
     sheet.FireEvent(CCSheetRenameEvent(old, name));
     sheet.OnRename(name);
     UpdateAllOnRename(old, name);
-    Restructure([&] { sheet.Join(this, name); });
+    Restructure([&] {
+        ForEachNaming(old, [&](SheetManager & home, GridCell & cell) {
+            for (CCFormula ** operand : SheetOperands(*cell.LoadFormula(&home), old)) {
+                delete *operand;
+                *operand = new CCRefFormula(name.GetString(), 0);
+            }
+        });
+        sheet.Join(this, name);
+    });
     TellReaders(sheet);
+}
+
+std::vector<std::pair<int, Place>> Book::Pending() {
+    std::vector<std::pair<int, Place>> pending;
+    for (CCRef const * ref : GetCalcCache().DirtyRefs()) {
+        auto const & placed = *static_cast<CCRef3D const *>(ref);
+        int const position = PositionOf(placed.GetManager());
+        if (position < 0 || !placed.ref || placed.ref->GetType() != kRefCell) continue;
+        Place const place = host::PlaceOf(*placed.ref);
+        GridCell const * const cell = At(position).Cells().FindCell(place);
+        if (cell && cell->IsValidFormula()) pending.emplace_back(position, place);
+    }
+    return pending;
 }
 
 void Book::Link(LinkTable * links, CString const & document) {

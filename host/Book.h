@@ -6,10 +6,12 @@
 
 #include "core/CCCellManager.h"
 #include "core/CCWorkbook.h"
+#include "host/Place.h"
 #include "host/Properties.h"
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class CCRemoteRef;
@@ -33,6 +35,9 @@ public:
     void Remove(int position);
     void Move(int from, int to);
     void Rename(int position, CString const & name);
+    // Calls visit(sheet, cell) for the cells whose formulas name a sheet, of the workbook or not.
+    void ForEachNaming(CString const & name,
+                       std::function<void(SheetManager &, GridCell &)> const & visit) const;
 
     // Links to other documents.
     void Link(LinkTable * links, CString const & document);
@@ -45,6 +50,8 @@ public:
     // Visits the formulas that read other documents.
     void ForEachLink(std::function<void(SheetManager &, GridCell &)> const & visit) const;
     void BringUpToDate();
+    // The formulas that wait to be computed, in order: the positions of their sheets, and places.
+    std::vector<std::pair<int, Place>> Pending();
     // Takes a request of a sheet to whoever answers it.
     int Transport(CCRemoteRef const & ref, CFile & request);
 

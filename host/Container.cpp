@@ -37,7 +37,7 @@ std::array<std::uint32_t, 256> MakeChecksumTable() {
 bool IsTag(std::uint32_t tag) {
     for (SectionTag known :
          {SectionTag::kBook, SectionTag::kProperties, SectionTag::kStrings, SectionTag::kSheet,
-          SectionTag::kCells, SectionTag::kSheetEnd, SectionTag::kDone})
+          SectionTag::kCells, SectionTag::kSheetEnd, SectionTag::kPending, SectionTag::kDone})
         if (tag == std::uint32_t(known)) return true;
     return false;
 }

@@ -20,6 +20,7 @@ enum class SectionTag : std::uint32_t {
     kSheet = 0x54454853,      // "SHET": name, protection, names, formats of areas
     kCells = 0x4C4C4543,      // "CELL": a run of cells
     kSheetEnd = 0x444E4553,   // "SEND": how many parts the sheet has
+    kPending = 0x444E4550,    // "PEND": formulas that wait to be computed
     kDone = 0x454E4F44,       // "DONE": how many sections stand before it
 };
 

@@ -43,9 +43,13 @@ private:
     CArchive m_Archive{&m_File, CArchive::store};
 };
 
+void WritePlace(CArchive & ar, Place place) {
+    ar << uchar(place.column) << std::uint16_t(place.row);
+}
+
 void WriteArea(CArchive & ar, Area const & area) {
-    for (Place place : {area.first, area.last})
-        ar << uchar(place.column) << std::uint16_t(place.row);
+    WritePlace(ar, area.first);
+    WritePlace(ar, area.last);
 }
 
 Place ReadPlace(CArchive & ar) {
@@ -69,6 +73,7 @@ public:
         m_Container.Add(SectionTag::kBook, kNoSheet, 0, head.Bytes());
         WriteProperties(book.properties);
         for (int i = 0; i < book.Count(); ++i) WriteSheet(std::uint32_t(i), book.At(i));
+        WritePending(book.Pending());
         WriteStrings();
         m_Container.Finish();
     }
@@ -94,6 +99,18 @@ private:
         // A number without a string shows nothing, here and there.
         if (format.IsLTString() && !GetLTStringAt(format.GetLTString()).IsEmpty())
             m_Strings.insert(format.GetLTString());
+    }
+
+    // What is not up to date here is not there either, and is computed there.
+    void WritePending(std::vector<std::pair<int, Place>> const & pending) {
+        if (pending.empty()) return;
+        PayloadWriter payload;
+        payload.Archive() << std::uint32_t(pending.size());
+        for (auto const & [sheet, place] : pending) {
+            payload.Archive() << std::uint32_t(sheet);
+            WritePlace(payload.Archive(), place);
+        }
+        m_Container.Add(SectionTag::kPending, kNoSheet, 0, payload.Bytes());
     }
 
     void WriteSheet(std::uint32_t number, SheetManager & sheet) {
@@ -145,7 +162,7 @@ private:
         GridCell const * const cell = sheet.Cells().FindCell(place);
         if (cell && cell->IsValueEmpty() && !cell->IsFormulaLink() && cell->getCFmt().IsEmpty())
             return false;
-        ar << uchar(place.column) << std::uint16_t(place.row);
+        WritePlace(ar, place);
         WriteCellState(ar, sheet, place);
         if (!cell) return true;
         Use(cell->getCFmt().GetNFmt());
@@ -232,6 +249,9 @@ private:
             if (formula && (formula->ContainsTodayLinks() || formula->AlwaysRecalc()))
                 sheet.InitIdleRecalc(&cell, 1);
         });
+        ForEachFormula([](SheetManager & sheet, GridCell & cell) { sheet.FindTargets(cell); });
+        for (Section const & section : m_Container.sections)
+            if (section.tag == SectionTag::kPending) ReadPending(section);
         for (auto & [number, sheet] : m_Sheets)
             if (sheet.position) Finish(sheet);
     }
@@ -342,6 +362,25 @@ private:
             ok = false;
         }
         return ok;
+    }
+
+    void ReadPending(Section const & section) {
+        ReadSection(section, [&](CArchive & ar) {
+            std::uint32_t count;
+            ar >> count;
+            for (; count > 0; --count) {
+                std::uint32_t number;
+                ar >> number;
+                Place const place = ReadPlace(ar);
+                auto const sheet = m_Sheets.find(number);
+                if (sheet == m_Sheets.end() || !sheet->second.position) continue;
+                SheetManager & manager = ManagerOf(sheet->second);
+                GridCell const * const cell = manager.Cells().FindCell(place);
+                if (!cell || !cell->IsValidFormula())
+                    throw std::runtime_error("a place without a formula waits to be computed");
+                manager.InitIdleRecalc(cell, 1);
+            }
+        });
     }
 
     void ReadCell(CArchive & ar, SheetManager & sheet) {

@@ -459,6 +459,12 @@ CCCalcCache::Before CCCalcCache::WhatStandsBefore(CCRef const * ref) {
     return found;
 }
 
+std::vector<CCRef const *> CCCalcCache::DirtyRefs() const {
+    std::vector<CCRef const *> refs;
+    for (SCCalcEntry const * entry : m_Dirty) refs.push_back(entry->m_pRef);
+    return refs;
+}
+
 bool CCCalcCache::IsDirty(CCCellManager & manager, CCRef const * ref) {
     if (m_Dirty.empty() || !ref) return false;
     SetManager(&manager);

@@ -62,6 +62,8 @@ public:
     // The manager of the current call; references without a sheet are on it.
     void SetManager(CCCellManager * manager);
     bool IsDirty() const { return !m_Dirty.empty(); }
+    // What is dirty, in order, as references with their sheets; borrowed.
+    std::vector<CCRef const *> DirtyRefs() const;
     // Whether a formula at the place, or in the region, is dirty.
     bool IsDirty(CCCellManager & manager, CCRef const * ref);
 

@@ -223,6 +223,10 @@ public:
     // keeps itself. The nodes are the caller's.
     virtual CCRefList * LoadDependencies(CCRef const * ref);
 
+    // The formula of a cell computed the place that it reads, and there is none: it follows
+    // nothing. A host whose names come and go computes such formulas again when one comes.
+    virtual void OnPlaceMissing(CCRef const * /*cell*/) {}
+
     // Optional, for speed. A host whose cells are all readable places of one value each answers 1:
     // opening, reading and closing a cell then is one call of GetValue.
     virtual int ReadsCellsDirectly() const { return 0; }
