@@ -65,7 +65,11 @@ void RestoreCellState(SheetManager & sheet, Place place, std::string const & sta
     sheet.Cells().RemoveNumber(place);
     GridCell * const cell = sheet.Cells().FindCell(place);
     if (cell) cell->Empty(&sheet);
-    if (state.empty()) return;
+    if (state.empty()) {
+        // As a cell that is made there now.
+        if (cell) cell->putCFmt(sheet.Formats().FormatAt(place));
+        return;
+    }
     CMemFile file(state.data(), state.size());
     CArchive ar(&file, CArchive::load, 256);
     if (!cell || state[0] != char(CellKind::kNumber)) return ReadCellState(ar, sheet, place);

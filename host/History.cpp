@@ -7,6 +7,8 @@
 
 namespace cells::host {
 
+namespace {
+
 SheetFacts FactsOf(SheetManager & sheet) {
     SheetFacts facts;
     for (CString const & name : sheet.Names())
@@ -17,7 +19,7 @@ SheetFacts FactsOf(SheetManager & sheet) {
     return facts;
 }
 
-void RestoreFacts(SheetManager & sheet, SheetFacts const & facts) {
+void RestoreNames(SheetManager & sheet, SheetFacts const & facts) {
     std::set<CString> wanted;
     for (auto const & [name, target] : facts.names) {
         wanted.insert(name);
@@ -26,14 +28,14 @@ void RestoreFacts(SheetManager & sheet, SheetFacts const & facts) {
     }
     for (CString const & name : sheet.Names())
         if (!wanted.count(name)) sheet.RemoveName(name);
-    sheet.Formats().Restore(facts.formats);
+}
+
+void RestoreProtection(SheetManager & sheet, SheetFacts const & facts) {
     if (facts.isProtected)
         sheet.Protect(facts.password);
     else
         sheet.UnProtect();
 }
-
-namespace {
 
 // A protected sheet would refuse its own formulas: it is open for the length of a replay.
 class OpenForReplay {
@@ -55,16 +57,24 @@ private:
 
 } // namespace
 
-// First every place is emptied, then filled; only then formulas are entered, which read the rest.
+// First every place is emptied, then filled, and names mean what they meant; only then formulas are
+// entered, which read all that.
 void History::Apply(Edit const & edit, bool forward) {
     if (edit.undo) return forward ? edit.redo() : edit.undo();
     std::set<SheetManager *> sheets;
     for (auto const & [key, states] : edit.cells) sheets.insert(key.first);
+    for (auto const & [sheet, facts] : edit.facts) sheets.insert(sheet);
+    auto const wanted = [&](auto const & facts) -> SheetFacts const & {
+        return forward ? facts.second : facts.first;
+    };
     {
         OpenForReplay const open(sheets);
+        for (auto const & [sheet, facts] : edit.facts)
+            sheet->Formats().Restore(wanted(facts).formats);
         for (auto const & [key, states] : edit.cells) RestoreCellState(*key.first, key.second, {});
         for (auto const & [key, states] : edit.cells)
             RestoreCellState(*key.first, key.second, forward ? states.after : states.before);
+        for (auto const & [sheet, facts] : edit.facts) RestoreNames(*sheet, wanted(facts));
         std::map<SheetManager *, std::vector<Place>> changed;
         for (auto const & [key, states] : edit.cells) {
             GridCell * const cell = key.first->Cells().FindCell(key.second);
@@ -73,8 +83,7 @@ void History::Apply(Edit const & edit, bool forward) {
         }
         for (auto & [sheet, places] : changed) sheet->TellChanged(std::move(places));
     }
-    for (auto const & [sheet, facts] : edit.facts)
-        RestoreFacts(*sheet, forward ? facts.second : facts.first);
+    for (auto const & [sheet, facts] : edit.facts) RestoreProtection(*sheet, wanted(facts));
 }
 
 void History::Undo() {

@@ -29,9 +29,6 @@ struct SheetFacts {
     CString password;
 };
 
-SheetFacts FactsOf(SheetManager & sheet);
-void RestoreFacts(SheetManager & sheet, SheetFacts const & facts);
-
 class History {
 public:
     // So many edits are kept, and no more bytes of cells than the second number.

@@ -102,7 +102,11 @@ bool Sheet::ClearFormat(Area const & area) {
     CTX * const ctx = m_Manager.get();
     Recording recording(*m_Manager);
     TouchFormats(recording, area);
-    m_Manager->Cells().ForEachCell(area, [&](GridCell & cell) { cell.Clear(ctx, kClearFormat); });
+    // The value of a formula has again the format that the formula gives it.
+    m_Manager->Cells().ForEachCell(area, [&](GridCell & cell) {
+        cell.Clear(ctx, kClearFormat);
+        if (cell.IsValidFormula()) m_Manager->InitIdleRecalc(&cell, 1);
+    });
     m_Manager->Formats().Clear(area);
     m_Manager->SetDirty();
     return true;

@@ -1,5 +1,6 @@
 #include "host/SheetManager.h"
 
+#include "core/Resolve.h"
 #include "formula/CCFormula.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCOpFormula.h"
@@ -14,6 +15,7 @@
 #include "platform/Utf.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace cells::host {
 namespace {
@@ -104,8 +106,11 @@ CCRef const * SheetManager::Target(CCRef const * ref) const {
 }
 
 GridCell & SheetManager::MakeCell(Place place) {
-    if (m_Formats.IsEmpty() || m_Grid.FindCell(place)) return m_Grid.MakeCell(place);
+    double number;
+    std::uint32_t packed;
+    bool const isNew = !m_Grid.FindCell(place) && !m_Grid.FindNumber(place, number, packed);
     GridCell & cell = m_Grid.MakeCell(place);
+    if (!isNew || m_Formats.IsEmpty()) return cell;
     CCCellFormat const format = m_Formats.FormatAt(place);
     if (!format.IsEmpty()) cell.SetFormat(this, format);
     return cell;
@@ -320,15 +325,40 @@ bool SheetManager::RemoveName(CString const & name) {
     return true;
 }
 
+void SheetManager::OnPlaceMissing(CCRef const * cell) {
+    CCRef const * const inner = internal::InnerRef(cell);
+    if (inner->GetType() == kRefCell) m_Missing.insert(PlaceOf(*inner));
+}
+
+std::vector<GridCell *> SheetManager::CellsWithoutTarget() {
+    std::vector<GridCell *> cells;
+    for (Place place : std::exchange(m_Missing, {})) {
+        GridCell * const cell = m_Grid.FindCell(place);
+        CCFormula const * const formula =
+            cell && cell->IsValidFormula() ? cell->LoadFormula(this) : nullptr;
+        if (formula && HasPart(*formula, kRefOpFormula)) cells.push_back(cell);
+    }
+    for (GridCell * cell : m_Grid.CircularCells()) {
+        CCFormula const * const formula = cell->LoadFormula(this);
+        if (formula && HasName(*formula)) cells.push_back(cell);
+    }
+    return cells;
+}
+
 // The users leave the old target and join the new one, and are computed again.
 void SheetManager::Redefine(CString const & name, std::unique_ptr<CCRef> target) {
-    Name & entry = m_Names[Folded(name)];
-    std::vector<GridCell *> cells;
-    for (auto const & user : entry.users)
-        if (auto * cell = static_cast<GridCell *>(GetItem(user.get()))) cells.push_back(cell);
-    for (GridCell * cell : cells) cell->UnregisterFormula(this);
+    std::vector<std::pair<SheetManager *, GridCell *>> cells;
+    for (auto const & user : m_Names[Folded(name)].users) {
+        internal::Place const place = internal::Resolve(*this, user.get());
+        if (place.item)
+            cells.emplace_back(static_cast<SheetManager *>(place.owner),
+                               static_cast<GridCell *>(place.item));
+    }
+    for (auto const & [sheet, cell] : cells) cell->UnregisterFormula(sheet);
+    for (SheetManager * sheet : Family())
+        for (GridCell * cell : sheet->CellsWithoutTarget()) cells.emplace_back(sheet, cell);
     m_Names[Folded(name)].target = std::move(target);
-    for (GridCell * cell : cells) EnterAgain(*cell);
+    for (auto const & [sheet, cell] : cells) sheet->EnterAgain(*cell);
 }
 
 void SheetManager::TellChanged(std::vector<Place> places) {
@@ -342,6 +372,14 @@ void SheetManager::TellChanged(std::vector<Place> places) {
         OnCellChanged(place);
     }
     SetDirty();
+}
+
+void SheetManager::FindTargets(GridCell & cell) {
+    CCFormula const * const formula = cell.LoadFormula(this);
+    if (!formula || !HasPart(*formula, kRefOpFormula)) return;
+    CCRef3D const place(this, cell.GetRef());
+    CCCellValue value;
+    EvalFormula(this, value, formula, &place);
 }
 
 void SheetManager::EnterAgain(GridCell & cell) {

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -37,7 +38,7 @@ public:
     // The grid.
     Grid & Cells() { return m_Grid; }
     Grid const & Cells() const { return m_Grid; }
-    // The cell object at a place; a new one has the format of its area.
+    // The cell object at a place; one made for an empty place has the format of its area.
     GridCell & MakeCell(Place place);
     AreaFormats & Formats() { return m_Formats; }
     // Calls visit(cell) for every occupied place of the area, with a cell object each.
@@ -64,6 +65,9 @@ public:
     void TellChanged(std::vector<Place> places);
     // Enters the formula of a cell anew, so that it finds its precedents where they are now.
     void EnterAgain(GridCell & cell);
+    // After a formula was registered as it was read: what it names only when it is computed is
+    // found out, so that the formula follows it. Its value stays.
+    void FindTargets(GridCell & cell);
     void FinishRecalc() { DoRecalc(-1); }
     void OnCellChanged(Place place) {
         if (onChanged) onChanged(place);
@@ -144,6 +148,7 @@ public:
     int ReadNumbers(CCRef const * ref, NumberSink & sink) override;
     int FindNumber(CCRef const * ref, double number, CCCellValue & value) override;
     int FindKey(CCRef const * ref, CCCellValue const & key, int & position) override;
+    void OnPlaceMissing(CCRef const * cell) override;
     int CountOccupied(CCRef const * ref, double & count) override;
 
 private:
@@ -156,6 +161,9 @@ private:
     bool Settle(CCRef const & place);
     void Redefine(CString const & name, std::unique_ptr<CCRef> target);
     static CString Folded(CString name);
+    // The formulas that a name which comes or goes may concern without being its users: those that
+    // computed a place that there is none, and those that are circular by a name.
+    std::vector<GridCell *> CellsWithoutTarget();
 
     LCTX m_Locale;
     Book * m_Book = nullptr;
@@ -164,6 +172,7 @@ private:
     RegionIndex m_Regions;
     AreaFormats m_Formats;
     std::map<CString, Name> m_Names; // by folded name
+    std::set<Place> m_Missing; // cells that computed a place that there is none, maybe long ago
 };
 
 // Whether a text can name something in a formula: a word that is neither a cell's address nor a

@@ -3,6 +3,7 @@
 #include "formula/CCFormula.h"
 #include "formula/Parser.h"
 #include "host/Book.h"
+#include "host/CellState.h"
 #include "host/Engine.h"
 #include "host/History.h"
 #include "host/Invariants.h"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <tuple>
 
 namespace cells::host {
 namespace {
@@ -24,6 +26,8 @@ bool CanNameASheet(CString const & name, SheetManager & reader) {
         _ParseFormula(&reader, name + CString(L"!A1"), 0, nullptr));
     return formula && formula->GetType() == kRefOpFormula;
 }
+
+using StatesOfCells = std::vector<std::tuple<SheetManager *, Place, std::string>>;
 
 } // namespace
 
@@ -142,9 +146,23 @@ void Workbook::Rename(int position, std::string_view name) {
     Require(position);
     CString const now = CheckedName(name, position);
     CString const old = m_Book->At(position).GetSheetName();
+    // What names the new name now will name the sheet; taken back, it names nothing again.
+    auto const named = std::make_shared<StatesOfCells>();
+    if (m_History)
+        m_Book->ForEachNaming(now, [&](SheetManager & sheet, GridCell & cell) {
+            named->emplace_back(&sheet, cell.At(), CellStateAt(sheet, cell.At()));
+        });
     m_Book->Rename(position, now);
-    Remember([this, position, old] { m_Book->Rename(position, old); },
-             [this, position, now] { m_Book->Rename(position, now); });
+    Remember(
+        [this, position, old, named] {
+            m_Book->Rename(position, old);
+            for (auto const & [sheet, place, state] : *named) {
+                RestoreCellState(*sheet, place, state);
+                sheet->EnterAgain(*sheet->Cells().FindCell(place));
+                sheet->TellChanged({place});
+            }
+        },
+        [this, position, now] { m_Book->Rename(position, now); });
 }
 
 void Workbook::KeepHistory(int steps) {
