@@ -22,7 +22,8 @@ using Placed = std::unique_ptr<CCRef>;
 
 CCCell::CCCell(CCCell const & other)
     : CCItem(other), m_nFormat(other.m_nFormat), m_bCircular(other.m_bCircular),
-      m_Value(other.m_Value), m_pFormula(other.m_pFormula ? other.m_pFormula->Copy() : nullptr) {}
+      m_Value(other.m_Value), m_pFormulaData(other.CopyFormulaBlock()),
+      m_pFormula(other.m_pFormula ? other.m_pFormula->Copy() : nullptr) {}
 
 CCCell::CCCell() = default;
 CCCell::~CCCell() = default;

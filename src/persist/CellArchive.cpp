@@ -67,6 +67,14 @@ Block ReadBlockBytes(CArchive & ar, std::uint32_t length, std::size_t extra) {
     return block;
 }
 
+Block CopyOf(Block const & block, std::size_t extra) {
+    if (!block) return nullptr;
+    std::size_t const size = kLength + extra + LengthOf(block.get());
+    Block copy(new uchar[size]);
+    std::copy_n(block.get(), size, copy.get());
+    return copy;
+}
+
 void WriteBlock(CArchive & ar, Block const & block, std::size_t extra) {
     if (block)
         ar.Write(block.get(), kLength + extra + LengthOf(block.get()));
@@ -78,13 +86,7 @@ void WriteBlock(CArchive & ar, Block const & block, std::size_t extra) {
 
 // Items
 
-uchar * CCItem::CopyDependents() const {
-    if (!m_pDependentsData) return nullptr;
-    std::size_t const size = kLength + LengthOf(m_pDependentsData.get());
-    uchar * const copy = new uchar[size];
-    std::copy_n(m_pDependentsData.get(), size, copy);
-    return copy;
-}
+uchar * CCItem::CopyDependents() const { return CopyOf(m_pDependentsData, 0).release(); }
 
 void CCItem::LoadBlock(cells::CTX * ctx) {
     if (!m_pDependentsData || m_Dependents.Count() > 0) return;
@@ -141,6 +143,8 @@ void CCCell::SerializeFormula(cells::CTX * ctx, uchar type) {
         WriteFormula(ctx, ar, m_pFormula.get());
     });
 }
+
+Block CCCell::CopyFormulaBlock() const { return CopyOf(m_pFormulaData, 1); }
 
 // A damaged block is found out long after it was read; it then has no tree, and stays as it is.
 CCFormula * CCCell::ReadBlock(cells::CTX * ctx) const {
