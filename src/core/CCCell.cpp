@@ -536,14 +536,35 @@ int CCCell::SetFormat(cells::CTX * ctx, CCCellFormat const & format) {
     return 1;
 }
 
-int CCCell::ClearEditSource(cells::CTX * ctx) {
+namespace {
+
+// Chains of edit sources are cleared by recursion; a ring of them has no end.
+class ClearedSource {
+public:
+    ClearedSource() { ++s_nDepth; }
+    ClearedSource(ClearedSource const &) = delete;
+    ClearedSource & operator=(ClearedSource const &) = delete;
+    ~ClearedSource() { --s_nDepth; }
+    bool IsTooDeep() const { return s_nDepth > kDeepest; }
+
+private:
+    static constexpr int kDeepest = 256;
+    static inline int s_nDepth = 0;
+};
+
+} // namespace
+
+// The source is cleared through its manager, and may be an edit source itself.
+int CCCell::ClearEditSource(cells::CTX * ctx, int what) {
+    ClearedSource const level;
+    if (level.IsTooDeep()) return 1;
     std::unique_ptr<CCRef const> const source(GetEditSourceRef(ctx));
     if (CCCellManager * manager = ctx->manager(); manager && source) {
         if (source->GetType() == kRefRemote) {
             CCCellValue const empty;
             SetValue(ctx, empty);
         } else {
-            manager->ClearCell(source.get(), kClearValue);
+            manager->ClearCell(source.get(), what);
         }
     }
     if (!m_Value.IsEmpty()) OnChange(ctx);
@@ -554,7 +575,7 @@ int CCCell::Clear(cells::CTX * ctx, int what) {
     if (RefusesChange(ctx)) return 0;
     CCCellManager * const manager = ctx->manager();
     SessionGuard const session(manager);
-    if (IsEditSource(ctx) && IsFormulaLink()) return ClearEditSource(ctx);
+    if (IsEditSource(ctx)) return ClearEditSource(ctx, what);
     bool changed = false, valueChanged = false, formulaRemoved = false;
     if (what & kClearFormula && IsFormulaLink()) {
         RemoveFormula(ctx);
@@ -593,4 +614,5 @@ int CompareCells(CCCell const * a, CCCell const * b, int caseSensitive) {
     if (!a) return b ? 1 : 0;
     if (!b) return -1;
     return CompareCellValues(a->GetValue(), b->GetValue(), caseSensitive);
+            if (!m_Value.IsEqual(before)) changed = valueChanged = true;
 }

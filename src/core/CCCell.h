@@ -139,7 +139,8 @@ private:
     void MarkCircular(cells::CTX * ctx, CCFormula const & tree, CCRef const * place, int quiet);
     void StoreTree(CCFormula * formula);
     int ReplaceTree(cells::CTX * ctx, CCFormula * now);
-    int ClearEditSource(cells::CTX * ctx);
+    void WarnOfNoEditSource(cells::CTX * ctx, CCRef const * place);
+    int ClearEditSource(cells::CTX * ctx, int what);
     CString ValueString(cells::CTX * ctx) const;
     CString FormulaString(cells::CTX * ctx);
     bool MatchesValue(cells::CTX * ctx, CCFindData const & data);
