@@ -40,11 +40,11 @@ int CCCell::IsEmpty() const {
     return m_Value.IsEmpty() && !IsFormulaLink() && getCFmt().IsEmpty() && CCItem::IsEmpty();
 }
 
-int CCCell::IsHidden(cells::CTX *) const { return m_nFormat ? getCFmt().IsHidden() : 0; }
-int CCCell::IsLocked(cells::CTX *) const { return m_nFormat ? getCFmt().IsLocked() : 0; }
-int CCCell::IsEditSource(cells::CTX *) const { return m_nFormat ? getCFmt().IsEditSource() : 0; }
-int CCCell::IsErrorHidden(cells::CTX *) const { return m_nFormat ? getCFmt().IsErrorHidden() : 0; }
-int CCCell::IsZeroHidden(cells::CTX *) const { return m_nFormat ? getCFmt().IsZeroHidden() : 0; }
+int CCCell::IsHidden(cells::CTX *) const { return getCFmt().IsHidden(); }
+int CCCell::IsLocked(cells::CTX *) const { return getCFmt().IsLocked(); }
+int CCCell::IsEditSource(cells::CTX *) const { return getCFmt().IsEditSource(); }
+int CCCell::IsErrorHidden(cells::CTX *) const { return getCFmt().IsErrorHidden(); }
+int CCCell::IsZeroHidden(cells::CTX *) const { return getCFmt().IsZeroHidden(); }
 
 int CCCell::RefusesChange(cells::CTX * ctx) const {
     CCCellManager * const manager = ctx->manager();
@@ -95,7 +95,7 @@ int CCCell::SetValue(cells::CTX * ctx, CCCellValue const & value) {
 }
 
 void CCCell::UpdateNumberFormat(cells::CTX *) {
-    if (m_nFormat == 0 || !m_Value.IsNumber()) return;
+    if (!m_Value.IsNumber()) return;
     CCCellFormat const & format = getCFmt();
     if (!format.IsNF()) return;
     CCNumberFormat shown = m_Value.GetFormat();
