@@ -245,6 +245,12 @@ void CCCell::RefuseCircle(cells::CTX * ctx) {
     OnValueChanged(ctx);
 }
 
+void CCCell::WarnOfNoEditSource(cells::CTX * ctx, CCRef const * place) {
+    CCCellManager * const manager = ctx->manager();
+    if (manager && IsEditSource(ctx) && !m_pFormula->IsEditSourceRef(ctx, place))
+        manager->ErrorMessage(cells::kStringNoEditSource);
+}
+
 int CCCell::SetFormula(cells::CTX * ctx, CCFormula const * formula, int quiet) {
     if (!formula) return 0;
     TreesInUse const walk;
@@ -256,9 +262,7 @@ int CCCell::SetFormula(cells::CTX * ctx, CCFormula const * formula, int quiet) {
         RemoveFormula(ctx);
         StoreTree(copy.release());
         Placed const place(MakeCellRef3D(ctx, this));
-        if (IsEditSource(ctx) && !m_pFormula->IsEditSourceRef(ctx, place.get()) && !quiet &&
-            manager)
-            manager->ErrorMessage(cells::kStringNoEditSource);
+        if (!quiet) WarnOfNoEditSource(ctx, place.get());
         // Where another formula comes meanwhile, from another document, that one stays.
         CCFormula const * const own = m_pFormula.get();
         if (!own->RegisterDependents(ctx, place.get())) {
@@ -292,6 +296,7 @@ int CCCell::SetFormula1(cells::CTX * ctx, CCFormula const * formula) {
         std::unique_ptr<CCFormula> copy(formula->Copy());
         RemoveFormula(ctx);
         StoreTree(copy.release());
+        WarnOfNoEditSource(ctx, place.get());
         CCFormula const * const own = m_pFormula.get();
         if (!own->RegisterDependents(ctx, place.get())) {
             FailToRegister(ctx, *own, place.get());
@@ -356,21 +361,29 @@ CCRefList * CCCell::GetPrecedents(cells::CTX * ctx) {
     return list;
 }
 
-// Puts a new tree, which it takes over, in the place of the old one and computes it.
+// Puts a new tree, which it takes over, in the place of the old one, which is still registered
+// while the new one is computed.
 int CCCell::ReplaceTree(cells::CTX * ctx, CCFormula * now) {
-    TreesInUse const walk;
-    CCCellManager * const manager = ctx->manager();
     std::unique_ptr<CCFormula> fresh(now);
+    CCCellManager * const manager = ctx->manager();
     Placed const place(MakeCellRef3D(ctx, this));
-    m_pFormula->UnRegisterDependents(ctx, place.get());
+    CCFormula const * const old = m_pFormula.get();
+    MovedLinks const moved;
+    CCCellValue result = m_Value;
+    EvalFormula(ctx, result, fresh.get(), place.get());
+    if (m_pFormula.get() == old) old->UnRegisterDependents(ctx, place.get());
+    if (m_pFormula.get() != old) return 1; // another one came meanwhile
     StoreTree(fresh.release());
+    m_bCircular = false;
     CCFormula const * const own = m_pFormula.get();
     if (!own->RegisterDependents(ctx, place.get())) {
         FailToRegister(ctx, *own, place.get());
         OnValueChanged(ctx);
         return 1;
     }
-    Compute(ctx, *own, place.get());
+    if (m_pFormula.get() != own) return 1;
+    SetValue(result);
+    UpdateNumberFormat(ctx);
     OnChange(ctx);
     OnValueChanged(ctx);
     if (manager) manager->InitIdleRecalc(this, 0);
@@ -379,6 +392,7 @@ int CCCell::ReplaceTree(cells::CTX * ctx, CCFormula * now) {
 
 int CCCell::InvalidateRef(cells::CTX * ctx, CCRef const * ref) {
     TreesInUse const walk;
+    SessionGuard const session(ctx->manager());
     CCFormula * const tree = LoadFormula(ctx);
     if (!tree) return 0;
     Placed const place(MakeCellRef3D(ctx, this));
@@ -390,6 +404,7 @@ int CCCell::InvalidateRef(cells::CTX * ctx, CCRef const * ref) {
 
 int CCCell::InvalidateItem(cells::CTX * ctx, CCItem const * item) {
     TreesInUse const walk;
+    SessionGuard const session(ctx->manager());
     CCFormula * const tree = LoadFormula(ctx);
     if (!tree) return 0;
     Placed const place(MakeCellRef3D(ctx, this));
@@ -401,18 +416,22 @@ int CCCell::InvalidateItem(cells::CTX * ctx, CCItem const * item) {
 
 int CCCell::UpdateFormula(cells::CTX * ctx, CCRef const * from, CCRef const * to, int mode) {
     TreesInUse const walk;
-    CCFormula * const tree = LoadFormula(ctx);
-    if (!tree) return 0;
-    Placed const place(MakeCellRef3D(ctx, this));
-    CCFormula * updated = nullptr;
-    int const changed = tree->UpdateRef(ctx, place.get(), from, to, mode, updated);
-    std::unique_ptr<CCFormula> now(updated);
-    if (!changed) return 0;
-    if (tree->GetType() == kRefFormula && now->GetType() == kRefFormula) {
-        SwapFormulaRefs(static_cast<CCRefFormula *>(tree), static_cast<CCRefFormula *>(now.get()));
-        m_pFormulaData.reset();
-    } else {
-        StoreTree(now.release());
+    {
+        SessionGuard const session(ctx->manager());
+        CCFormula * const tree = LoadFormula(ctx);
+        if (!tree) return 0;
+        Placed const place(MakeCellRef3D(ctx, this));
+        CCFormula * updated = nullptr;
+        int const changed = tree->UpdateRef(ctx, place.get(), from, to, mode, updated);
+        std::unique_ptr<CCFormula> now(updated);
+        if (!changed) return 0;
+        if (tree->GetType() == kRefFormula && now->GetType() == kRefFormula) {
+            SwapFormulaRefs(static_cast<CCRefFormula *>(tree),
+                            static_cast<CCRefFormula *>(now.get()));
+            m_pFormulaData.reset();
+        } else {
+            StoreTree(now.release());
+        }
     }
     MarkDirty(ctx);
     return 1;
@@ -445,6 +464,7 @@ int CCCell::UpdateInPaste(cells::CTX * ctx, CCRef const * oldRef, CCRef const * 
 
 int CCCell::ValidateFormulaRef(cells::CTX * ctx, CCRef const * ref) {
     TreesInUse const walk;
+    SessionGuard const session(ctx->manager());
     if (!IsValidFormula()) return 0;
     CCFormula * const tree = LoadFormula(ctx);
     if (!tree || !tree->ContainsLink(ctx, ref, GetRef())) return 0;
@@ -492,6 +512,7 @@ CCRef const * CCCell::GetEditSourceRef(cells::CTX * ctx) {
 }
 
 int CCCell::SetEditSource(cells::CTX * ctx, CCRef const * ref, uchar flags) {
+    SessionGuard const session(ctx->manager());
     CCRefFormula const formula(ref, flags);
     if (!SetFormula(ctx, &formula, 0)) return 0;
     CCCellFormat source;
@@ -527,11 +548,12 @@ void CCCell::DoSetFormat(cells::CTX * ctx, CCCellFormat const & format) {
 
 int CCCell::SetFormat(cells::CTX * ctx, CCCellFormat const & format) {
     if (RefusesChange(ctx)) return 0;
+    CCCellManager * const manager = ctx->manager();
+    SessionGuard const session(manager);
     bool const shown = m_Value.IsNumber() && format.IsNF();
     CCCellValue const before = shown ? m_Value : CCCellValue();
     DoSetFormat(ctx, format);
     OnChange(ctx);
-    CCCellManager * const manager = ctx->manager();
     if (shown && manager && !m_Value.IsEqual(before)) manager->InitIdleRecalc(this, 0);
     return 1;
 }
@@ -589,8 +611,10 @@ int CCCell::Clear(cells::CTX * ctx, int what) {
     unsigned short const mask = getCFmt().GetSetMask();
     if (what & kClearFormat) {
         if (m_Value.IsNumber()) {
+            CCCellValue const before = m_Value;
             CCNumberFormat general;
             m_Value.Set(general);
+            if (!m_Value.IsEqual(before)) changed = valueChanged = true;
         }
         bool const keepHidden = manager && manager->IsProtected() && IsHidden(ctx);
         m_nFormat = 0;
@@ -614,5 +638,4 @@ int CompareCells(CCCell const * a, CCCell const * b, int caseSensitive) {
     if (!a) return b ? 1 : 0;
     if (!b) return -1;
     return CompareCellValues(a->GetValue(), b->GetValue(), caseSensitive);
-            if (!m_Value.IsEqual(before)) changed = valueChanged = true;
 }

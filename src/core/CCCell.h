@@ -146,8 +146,8 @@ private:
     bool MatchesValue(cells::CTX * ctx, CCFindData const & data);
     bool MatchesFormula(cells::CTX * ctx, CCFindData const & data);
     CCFormula * ReadBlock(cells::CTX * ctx) const;
-
     std::unique_ptr<uchar[]> CopyFormulaBlock() const;
+
     int m_nFormat = 0; // index into CCCellFormatTable
     bool m_bCircular = false;
     CCCellValue m_Value;

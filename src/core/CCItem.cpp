@@ -81,45 +81,54 @@ int CCItem::UpdateDependentsRef(cells::CTX * ctx, CCRef const * old, CCRef const
 }
 
 int CCItem::RegisterDependent(cells::CTX * ctx, CCRef const * ref) {
-    Placed placed(MakeDependentRef(ctx, ref));
-    if (!placed) return 0;
-    int const slot = FindStored(ctx, placed.get());
-    if (slot >= 0) {
-        if (!m_Dependents.At(slot)->IsEqual(placed.get())) {
-            m_Dependents.Replace(slot, placed.get());
-            placed.release();
-            DropBlock();
+    {
+        CCCellManager * const manager = ctx->manager();
+        SessionGuard const session(manager);
+        Placed placed(MakeDependentRef(ctx, ref));
+        if (!placed) return 0;
+        int const slot = FindStored(ctx, placed.get());
+        if (slot >= 0) {
+            if (!m_Dependents.At(slot)->IsEqual(placed.get())) {
+                m_Dependents.Replace(slot, placed.get());
+                placed.release();
+                DropBlock();
+            }
+            return 1;
         }
-        return 1;
+        if (manager && manager->IsProtected() && IsHidden(ctx)) {
+            manager->ErrorMessage(cells::kStringHiddenPrecedent);
+            return 0;
+        }
+        if (manager && placed->GetType() == kRefRemote) manager->NoteRemoteDependent();
+        m_Dependents.Add(placed.get());
+        placed.release();
+        DropBlock();
     }
-    CCCellManager * const manager = ctx->manager();
-    if (manager && manager->IsProtected() && IsHidden(ctx)) {
-        manager->ErrorMessage(cells::kStringHiddenPrecedent);
-        return 0;
-    }
-    if (manager && placed->GetType() == kRefRemote) manager->NoteRemoteDependent();
-    m_Dependents.Add(placed.get());
-    placed.release();
-    DropBlock();
     MarkDirty(ctx);
     return 1;
 }
 
 int CCItem::UnRegisterDependent(cells::CTX * ctx, CCRef const * ref) {
-    Placed const placed(MakeDependentRef(ctx, ref));
-    int const slot = FindStored(ctx, placed.get());
-    if (slot < 0) return 0;
-    m_Dependents.Remove(slot);
-    DropBlock();
+    {
+        SessionGuard const session(ctx->manager());
+        Placed const placed(MakeDependentRef(ctx, ref));
+        int const slot = FindStored(ctx, placed.get());
+        if (slot < 0) return 0;
+        m_Dependents.Remove(slot);
+        DropBlock();
+    }
     MarkDirty(ctx);
     return 1;
 }
 
 int CCItem::UpdateDependent(cells::CTX * ctx, CCRef const * old, CCRef const * now) {
-    Placed const placedOld(MakeDependentRef(ctx, old)), placedNow(MakeDependentRef(ctx, now));
-    if (!placedNow) return 0;
-    if (!UpdateDependentsRef(ctx, placedOld.get(), placedNow.get()))
-        return RegisterDependent(ctx, placedNow.get());
+    {
+        SessionGuard const session(ctx->manager());
+        Placed const placedOld(MakeDependentRef(ctx, old)), placedNow(MakeDependentRef(ctx, now));
+        if (!placedNow) return 0;
+        if (!UpdateDependentsRef(ctx, placedOld.get(), placedNow.get()))
+            return RegisterDependent(ctx, placedNow.get());
+    }
     MarkDirty(ctx);
     return 1;
 }

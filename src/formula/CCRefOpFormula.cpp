@@ -114,8 +114,15 @@ int CCRefOpFormula::IsSingleValue(CTX * ctx, CCRef const *) {
 }
 
 int CCRefOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) const {
-    if (HasId(kIdOffset)) return 1;
-    if (!NamesPlace()) return CCOpFormula::RegisterDependents(ctx, dependent);
+    if (!NamesPlace()) {
+        std::unique_ptr<CCRef> const place(MakeDependentRef(ctx, dependent));
+        if (m_Target && m_Registered && m_Registered->IsEqual(place.get())) {
+            // The node that this one was copied from may have left the target since.
+            internal::DirtyMarkGuard const silent(ctx->manager());
+            m_Target->RegisterDependent(ctx, place.get());
+        }
+        return HasId(kIdOffset) ? 1 : CCOpFormula::RegisterDependents(ctx, dependent);
+    }
     CCCellValue value;
     Eval(ctx, value, dependent);
     if (!m_Target || m_Target->GetType() != kRefSheets)
