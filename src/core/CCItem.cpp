@@ -41,16 +41,18 @@ void CCItem::AddDependentsRef(CCRef * ref) {
     DropBlock();
 }
 
-// The slot of a placed reference. Where it is not found, an entry read from a file may stand for
-// it: it names the sheet by number and leads to the same manager.
+// The slot of a placed reference. Where it is not found, an entry that this item's manager read
+// from a file may stand for it: it names the sheet by number and leads to the same manager.
 int CCItem::FindStored(cells::CTX * ctx, CCRef const * placed) {
     LoadBlock(ctx);
     int const slot = m_Dependents.Find(placed);
     if (slot >= 0 || !placed || placed->GetType() != kRefSheets || !ctx) return slot;
     auto const & sheets = *static_cast<CCRef3D const *>(placed);
     CCCellManager * const owner = sheets.GetManager();
-    if (!owner || !sheets.ref || !owner->HasStoredDependents()) return slot;
+    CCCellManager * const manager = ctx->manager();
+    if (!owner || !sheets.ref || !manager || !manager->HasStoredDependents()) return slot;
     ushort const number = owner->GetNameIndex(owner->GetSheetName().GetString());
+    if (owner != manager && manager->GetManForNameIndex(number) != owner) return slot;
     CCRef3D const numbered(number, number, sheets.ref->Copy());
     return m_Dependents.Find(&numbered);
 }
