@@ -1,4 +1,5 @@
 #include "core/ValueCompare.h"
+#include "format/FormatTables.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRefFormula.h"
@@ -7,6 +8,7 @@
 #include "platform/CArchive.h"
 #include "support/BaseHost.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 
 using cells::test::BaseHost;
@@ -222,18 +224,70 @@ TEST(CellFormula, EffectsOfAnEntryComeInOneOrder) {
     Recorder good;
     good.Enter("B1", L"=A1");
     // In the session of the entry: registered (dirty), evaluated, queued, then told of the change.
-    EXPECT_EQ(good.log, "begin begin dirty change1 dirty end told end ");
+    EXPECT_EQ(good.log, "begin begin begin end dirty change1 dirty end told end ");
     Recorder circular;
     circular.Enter("B1", L"=B1");
     // Registered and unregistered again, with a message.
-    EXPECT_EQ(circular.log, "begin begin dirty dirty 13033 change0 dirty end told end ");
+    EXPECT_EQ(circular.log,
+              "begin begin begin end dirty begin end dirty 13033 change0 dirty end told end ");
     Recorder refused;
     refused.Make("A1").SetFormat(&refused, Hide());
     refused.Protect(L"");
     refused.log.clear();
     refused.Enter("B1", L"=A1");
     // The text stands before anything is queued.
-    EXPECT_EQ(refused.log, "begin begin 13037 change0 dirty end told end ");
+    EXPECT_EQ(refused.log, "begin begin begin 13037 end begin end change0 dirty end told end ");
+}
+
+// All that an operation on an item does happens in one session; the document is marked as changed
+// inside or behind it.
+TEST(CellSessions, EncloseEveryChangeOfAnItem) {
+    struct Case {
+        char const * name;
+        std::function<int(Recorder &, CCCell &)> change;
+    };
+    CCRCRef const a1 = R("A1"), c1 = R("C1");
+    CCCellFormat percent;
+    percent.SetNFType(C_NF_PERCENT);
+    std::vector<Case> const cases{
+        {"RegisterDependent",
+         [&](Recorder & host, CCCell & b1) { return b1.RegisterDependent(&host, &c1); }},
+        {"UnRegisterDependent",
+         [&](Recorder & host, CCCell & b1) { return b1.UnRegisterDependent(&host, &a1); }},
+        {"UpdateDependent",
+         [&](Recorder & host, CCCell & b1) { return b1.UpdateDependent(&host, &a1, &c1); }},
+        {"SetFormat", [&](Recorder & host, CCCell & b1) { return b1.SetFormat(&host, percent); }},
+        {"SetEditSource",
+         [&](Recorder & host, CCCell & b1) { return b1.SetEditSource(&host, &a1, 0); }},
+        {"UpdateFormula",
+         [&](Recorder & host, CCCell & b1) { return b1.UpdateFormula(&host, &a1, &c1, 1); }},
+        {"ValidateFormulaRef",
+         [&](Recorder & host, CCCell & b1) { return b1.ValidateFormulaRef(&host, &a1); }},
+        {"InvalidateRef",
+         [&](Recorder & host, CCCell & b1) { return b1.InvalidateRef(&host, &a1); }},
+        {"InvalidateItem",
+         [&](Recorder & host, CCCell & b1) { return b1.InvalidateItem(&host, &host.Make("A1")); }}};
+    for (Case const & test : cases) {
+        Recorder host;
+        for (char const * name : {"A1", "A2", "C1"}) host.Make(name);
+        host.Enter("B1", L"=A1+A2");
+        CCCell & b1 = *host.cells[{0, 1}];
+        b1.RegisterDependent(&host, &a1);
+        host.log.clear();
+        EXPECT_EQ(test.change(host, b1), 1) << test.name;
+        std::istringstream log(host.log);
+        int depth = 0, sessions = 0;
+        for (std::string what; log >> what;) {
+            if (what == "begin")
+                sessions += depth++ == 0;
+            else if (what == "end")
+                --depth;
+            else
+                EXPECT_TRUE(depth > 0 || what == "dirty") << test.name << ": " << host.log;
+        }
+        EXPECT_EQ(depth, 0) << test.name;
+        EXPECT_EQ(sessions, 1) << test.name << ": " << host.log;
+    }
 }
 
 TEST(CellFormula, AFailedMassFillQueuesTheDependents) {
@@ -382,6 +436,35 @@ TEST(CellFormatting, MasksDecideWhatTheValueTakes) {
     EXPECT_EQ(host.Text("A1"), "7");
 }
 
+TEST(CellFormatting, ADefaultEntryOfTheHostCounts) {
+    struct OwnTable {
+        CCCellFormatTable table;
+        CCCellFormatTable * const before = CCCellFormatTable::CCellFormats;
+        OwnTable() { CCCellFormatTable::CCellFormats = &table; }
+        ~OwnTable() { CCCellFormatTable::CCellFormats = before; }
+    } own;
+    CCCellFormat & first = *own.table.GetAt(0);
+    first.SetLock(1);
+    first.SetHide(1);
+    first.SetEditSource(1);
+    first.SetHideError(1);
+    first.SetHideZero(1);
+    first.SetNFType(C_NF_PERCENT);
+    BaseHost host;
+    MapCell & a1 = host.Make("A1");
+    EXPECT_EQ(a1.GetFormat(), 0);
+    EXPECT_TRUE(a1.IsLocked(&host));
+    EXPECT_TRUE(a1.IsHidden(&host));
+    EXPECT_TRUE(a1.IsEditSource(&host));
+    EXPECT_TRUE(a1.IsErrorHidden(&host));
+    EXPECT_TRUE(a1.IsZeroHidden(&host));
+    host.Enter("A1", L"0.5");
+    EXPECT_EQ(a1.GetValue().GetFormat().GetType(), C_NF_PERCENT);
+    host.Protect(L"");
+    host.Enter("A1", L"1");
+    EXPECT_EQ(host.messages, std::vector<unsigned>{13036});
+}
+
 TEST(CellFormatting, OfATextChangesAndQueuesNothing) {
     BaseHost host;
     host.Enter("A1", L"x");
@@ -435,6 +518,72 @@ TEST(EditSources, ARingEndsWithoutAWrite) {
     EXPECT_EQ(host.SetSourceValue(nullptr, value), 0);
     host.autoCalc = 0;
     EXPECT_EQ(host.SetSourceValue(&a1, value), 1);
+}
+
+TEST(EditSources, HandOnWhatIsCleared) {
+    struct Case {
+        int what;
+        char const *shown, *formula;
+        bool percent;
+    };
+    for (Case const & test :
+         {Case{kClearFormat, "0.5", "=1 / 2", false}, Case{kClearFormula, "50%", "50%", true},
+          Case{kClearFormula | kClearValue, "", "", true}, Case{kClearAll, "", "", false}}) {
+        BaseHost host;
+        host.Enter("A1", L"=1/2");
+        CCCellFormat format;
+        format.SetNumberFormat(CCNumberFormat(C_NF_PERCENT));
+        host.Make("A1").SetFormat(&host, format);
+        host.Enter("B1", L"!A1");
+        EXPECT_EQ(host.Make("B1").Clear(&host, test.what), 1);
+        EXPECT_EQ(host.Text("A1"), test.shown) << test.what;
+        EXPECT_EQ(host.EditText("A1"), test.formula) << test.what;
+        EXPECT_EQ(host.Make("A1").getCFmt().IsNF() != 0, test.percent) << test.what;
+        EXPECT_EQ(host.EditText("B1"), "!A1");
+        EXPECT_TRUE(host.Make("B1").IsEditSource(&host));
+    }
+}
+
+TEST(EditSources, WithoutAFormulaKeepWhatTheyHold) {
+    BaseHost host;
+    host.Enter("A1", L"7");
+    CCCellFormat source;
+    source.SetEditSource(1);
+    for (char const * name : {"A1", "B1"}) host.Make(name).SetFormat(&host, source);
+    MapCell &a1 = host.Make("A1"), &b1 = host.Make("B1");
+    int const changes = a1.changes, empty = b1.changes;
+    EXPECT_EQ(a1.Clear(&host, kClearAll), 1);
+    EXPECT_EQ(host.Text("A1"), "7");
+    EXPECT_TRUE(a1.IsEditSource(&host));
+    EXPECT_EQ(a1.changes, changes + 1);
+    EXPECT_EQ(b1.Clear(&host, kClearAll), 1);
+    EXPECT_EQ(b1.changes, empty);
+}
+
+TEST(EditSources, ClearingARingEnds) {
+    BaseHost host;
+    host.Make("A1");
+    host.Make("B1");
+    host.Enter("A1", L"!B1");
+    host.Enter("B1", L"!A1");
+    EXPECT_EQ(host.Make("A1").Clear(&host, kClearAll), 1);
+    EXPECT_TRUE(host.Make("A1").IsFormulaLink());
+    EXPECT_EQ(host.depth, 0);
+}
+
+TEST(EditSources, AMassFillReportsWhatIsNoSource) {
+    BaseHost host;
+    host.Enter("A1", L"1");
+    host.Enter("B1", L"!A1");
+    CCRCRef const a1 = R("A1");
+    EXPECT_EQ(host.Make("B1").SetFormula1(&host, std::make_unique<CCRefFormula>(&a1, 0).get()), 1);
+    EXPECT_EQ(host.messages, std::vector<unsigned>{});
+    std::unique_ptr<CCFormula> const sum(_ParseFormula(&host, L"A1+1", 0, nullptr));
+    EXPECT_EQ(host.Make("C1").SetFormula1(&host, sum.get()), 1); // no edit source
+    EXPECT_EQ(host.messages, std::vector<unsigned>{});
+    EXPECT_EQ(host.Make("B1").SetFormula1(&host, sum.get()), 1);
+    EXPECT_EQ(host.messages, std::vector<unsigned>{13038});
+    EXPECT_EQ(host.Text("B1"), "2");
 }
 
 TEST(EditSources, AFormulaThatIsNoSourceIsReported) {
@@ -508,6 +657,97 @@ TEST(CellFormula, AnInvalidatedItemBecomesErrorOne) {
     EXPECT_EQ(host.Make("A1").InvalidateItem(&host, &b1), 0); // no formula
 }
 
+TEST(CellFormula, ANewTreeIsComputedWhileTheOldOneIsRegistered) {
+    struct Reader : BaseHost {
+        using BaseHost::GetValue;
+        int GetValue(CCRef const * ref, CCCellValue & value, int index) override {
+            CCRCRef const a2 = R("A2");
+            if (ref->IsEqual(&a2)) dependents = Make("A1").GetDependentCount();
+            return BaseHost::GetValue(ref, value, index);
+        }
+        int dependents = -1;
+    };
+    for (bool byItem : {false, true}) {
+        Reader host;
+        host.Enter("A1", L"1");
+        host.Enter("A2", L"2");
+        host.Enter("B1", L"=A2+A1");
+        host.dependents = -1;
+        CCRCRef const a1 = R("A1");
+        EXPECT_EQ(byItem ? host.Make("B1").InvalidateItem(&host, &host.Make("A1"))
+                         : host.Make("B1").InvalidateRef(&host, &a1),
+                  1);
+        EXPECT_EQ(host.dependents, 1);
+        EXPECT_FALSE(host.Make("A1").HasDependents());
+        EXPECT_EQ(host.Make("A2").GetDependentCount(), 1);
+    }
+}
+
+TEST(CellFormula, ANewTreeFollowsTheComputedPlaceOfTheOldOne) {
+    BaseHost host;
+    for (char const * name : {"A1", "C1"}) host.Make(name);
+    host.Enter("A2", L"2");
+    host.Enter("B1", L"=SUM(OFFSET(A1,1,0),INDIRECT(\"A2\"),IF(ISERROR(C1),0))");
+    host.Idle();
+    EXPECT_EQ(host.Text("B1"), "4");
+    EXPECT_EQ(host.Make("B1").InvalidateItem(&host, &host.Make("C1")), 1);
+    EXPECT_EQ(host.Make("A2").GetDependentCount(), 1);
+    host.Enter("A2", L"5");
+    host.Idle();
+    EXPECT_EQ(host.Text("B1"), "10");
+    host.Enter("B1", L"");
+    EXPECT_FALSE(host.Make("A2").HasDependents());
+}
+
+TEST(CellFormula, ATreeThatReplacesARefusedCircleIsAliveAgain) {
+    for (bool byItem : {false, true}) {
+        BaseHost host;
+        host.Enter("A1", L"1");
+        host.Enter("B1", L"=IF(FALSE,B1,A1)");
+        MapCell & b1 = host.Make("B1");
+        EXPECT_EQ(b1.GetValue().GetError(), 5);
+        CCRCRef const own = R("B1");
+        EXPECT_EQ(byItem ? b1.InvalidateItem(&host, &b1) : b1.InvalidateRef(&host, &own), 1);
+        EXPECT_EQ(b1.GetFormulaType(), kFormulaNormal);
+        EXPECT_EQ(host.Text("B1"), "1");
+        host.Enter("A1", L"9");
+        host.Idle();
+        EXPECT_EQ(host.Text("B1"), "9");
+    }
+}
+
+TEST(CellFormula, ACopyOfACellKeepsItWhetherStoredOrRead) {
+    for (char const * text : {"=A1 * 2", "=B1 + 1"}) { // the second one reads its own cell
+        BaseHost host;
+        host.Enter("A1", L"4");
+        std::string const entered(text);
+        host.Enter("B1", std::wstring(entered.begin(), entered.end()));
+        CMemFile file;
+        CArchive out(&file, CArchive::store);
+        host.Make("B1").WriteContent(&host, out);
+        out.Flush();
+        file.SeekToBegin();
+        CArchive in(&file, CArchive::load);
+        MapCell read(1, 0);
+        read.ReadContent(&host, in);
+        ASSERT_FALSE(read.HasTree());
+        for (bool loaded : {false, true}) {
+            if (loaded) read.LoadFormula(&host);
+            MapCell copy(read);
+            EXPECT_EQ(copy.HasTree(), loaded);
+            EXPECT_EQ(copy.IsValidFormula(), read.IsValidFormula());
+            std::wostringstream stream;
+            copy.CCCell::GetFormulaText(&host, stream);
+            EXPECT_EQ(cells::test::Utf8(stream.str()), text);
+            CMemFile again;
+            CArchive ar(&again, CArchive::store);
+            copy.WriteContent(&host, ar);
+            ar.Flush();
+            EXPECT_EQ(again.Bytes(), file.Bytes());
+        }
+    }
+}
+
 TEST(CellFormula, AReferenceIsUpdatedInPlaceOrInANewTree) {
     BaseHost host;
     for (char const * name : {"A1", "C1"}) host.Make(name);
@@ -573,6 +813,25 @@ TEST(CellValues, TextIsWhateverIsNotEmpty) {
     EXPECT_TRUE(number.CCCell::IsValueText(&host) && number.CCCell::IsFormulaText(&host));
     EXPECT_TRUE(formula.CCCell::IsFormulaText(&host));
     EXPECT_FALSE(empty.CCCell::IsValueText(&host) || empty.CCCell::IsFormulaText(&host));
+}
+
+TEST(CellClear, OfItsOwnNumberFormatIsAChangeOfValue) {
+    BaseHost host;
+    host.Enter("A1", L"50%");
+    host.Enter("B1", L"=A1");
+    host.Idle();
+    EXPECT_EQ(host.Text("B1"), "50%");
+    MapCell & a1 = host.Make("A1");
+    int const changes = a1.changes, told = a1.valueChanges;
+    a1.Clear(&host, kClearFormat);
+    EXPECT_EQ(a1.changes, changes + 1);
+    EXPECT_EQ(a1.valueChanges, told + 1);
+    host.Idle();
+    EXPECT_EQ(host.Text("B1"), "0.5");
+    a1.Clear(&host, kClearFormat); // it has none any more
+    EXPECT_EQ(a1.changes, changes + 1);
+    EXPECT_EQ(a1.valueChanges, told + 1);
+    EXPECT_EQ(host.GetCurProcessCount() + host.GetCurRecalcCount(), 0);
 }
 
 TEST(CellClear, AHiddenCellOfAProtectedSheetStaysHidden) {

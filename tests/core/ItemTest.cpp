@@ -249,6 +249,21 @@ TEST(Item, AFormulaReadBackRegistersOverItsStoredEntry) {
     EXPECT_FALSE(loaded.Make("A1").HasDependents());
 }
 
+TEST(Item, AReaderInAStrangersDocumentIsNoTwinOfAStoredEntry) {
+    BaseHost host, stranger;
+    host.Enter("A1", L"1");
+    host.Enter("B1", L"=A1");
+    std::vector<uchar> const bytes = BytesOf(host, host.Make("A1"));
+    BaseHost loaded;
+    CMemFile file(bytes.data(), bytes.size());
+    CArchive ar(&file, CArchive::load);
+    loaded.Make("A1").CCItem::Read(&loaded, ar);
+    CCRCRef const b1 = R("B1");
+    CCRef3D const elsewhere(&stranger, &b1);
+    EXPECT_EQ(loaded.Make("A1").RegisterDependent(&loaded, &elsewhere), 1);
+    EXPECT_EQ(loaded.Make("A1").GetDependentCount(), 2);
+}
+
 TEST(Item, ASlotOfTheManagerNamesItemsThatAreNoCells) {
     struct OtherItem : CCItem {
         CCRCRef ref{0, 0};
@@ -286,6 +301,7 @@ public:
     using CCItem::CopyDependentsList;
     using CCItem::DeleteDependentsRef;
     using CCItem::GrowDependetsRefs;
+    using CCItem::HasDependentsRef;
     using CCItem::PreChangeDependent;
     using CCItem::PreDelete;
     using CCItem::SerializeDependents;
@@ -313,6 +329,34 @@ TEST(Item, ItsArrayGrowsAndShrinksByHand) {
     EXPECT_EQ(BaseHost::NameOf(left.list->m_pRef), "C1");
     EXPECT_EQ(left.list->m_pNext, nullptr);
     EXPECT_EQ(item.CopyDependentsList(), nullptr); // which nobody fills
+}
+
+// Nothing that registers stores a dependent twice; what is added by hand may be.
+TEST(Item, AnEqualDependentAmongManyIsRemovedAlone) {
+    for (int const removed : {0, 1, 20}) {
+        BaseHost host;
+        OpenItem item;
+        std::vector<ushort> rows{7};
+        for (ushort row = 100; row < 119; ++row) rows.push_back(row);
+        rows.push_back(7);
+        for (ushort row : rows) {
+            CCRCRef const place(1, row);
+            item.AddDependentsRef(new CCRef3D(&host, &place));
+        }
+        ASSERT_EQ(item.DeleteDependentsRef(&host, removed), 1);
+        rows.erase(rows.begin() + removed);
+        CCRCRef const seven(1, 7);
+        int left = 0;
+        while (item.UnRegisterDependent(&host, &seven)) ++left;
+        EXPECT_EQ(left, removed == 1 ? 2 : 1);
+        std::erase(rows, ushort(7));
+        EXPECT_EQ(item.GetDependentCount(), int(rows.size()));
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            CCRCRef const place(1, rows[i]);
+            CCRef3D const placed(&host, &place);
+            EXPECT_EQ(item.HasDependentsRef(&host, &placed), int(i)) << removed;
+        }
+    }
 }
 
 TEST(Item, BeforeAChangeItsBlockIsRead) {
@@ -367,6 +411,19 @@ TEST(Item, RecalculatingItsDependentsQueuesFormulasAndPassesThroughValues) {
         host.withManager = true;
         EXPECT_EQ(host.m_ProcessList.GetCount(), 0);
     }
+}
+
+TEST(ItemLists, MayHoldNothing) {
+    SCItemList * list = nullptr;
+    CCDocumentRef const one(CCDocumentRef::ECDocRefType(1));
+    ItemListAdd(list, new CCCellManager::CCDocItem(one));
+    ItemListAdd(list, nullptr);
+    ASSERT_NE(ItemListFind(list, &one), nullptr);
+    EXPECT_NE(ItemListFind(list, &one), list);
+    EXPECT_EQ(ItemListRemove(list, &one), 1);
+    EXPECT_EQ(ItemListFind(list, &one), nullptr);
+    EXPECT_EQ(ItemListRemove(list, nullptr), 0);
+    ItemListFree(list, 1);
 }
 
 TEST(ItemLists, AddAtTheHeadFindAndRemove) {

@@ -4,6 +4,7 @@
 #include "formula/CCRefOpFormula.h"
 #include "formula/CCRemoteRef.h"
 #include "formula/Parser.h"
+#include "platform/CArchive.h"
 #include "support/BaseHost.h"
 
 #include <gtest/gtest.h>
@@ -126,6 +127,36 @@ TEST(TwoSheets, AMovedFormulaIsTheOnlyDependent) {
     cells::internal::RefListHolder const list(
         sheets.two->Make("A1").LoadDependents(sheets.two.get()));
     EXPECT_EQ(BaseHost::NameOf(list.list->m_pRef), "B2");
+}
+
+TEST(TwoSheets, AFormulaReadBackRegistersOverItsEntryOnTheOtherSheet) {
+    auto const bytesOf = [](SheetHost & sheet) {
+        CMemFile file;
+        CArchive ar(&file, CArchive::store);
+        sheet.Make("A1").CCItem::Write(&sheet, ar);
+        ar.Flush();
+        return file.Bytes();
+    };
+    std::vector<uchar> const expected{27, 0, 0, 0,                // the length of what follows
+                                      6,  1, 0, 0, 0, 2, 0, 2, 0, // the second sheet ...
+                                      1,  1, 0, 0,                // ... B1
+                                      6,  1, 0, 0, 0, 1, 0, 1, 0, // the first sheet ...
+                                      1,  2, 0, 0,                // ... C1
+                                      0};
+    std::vector<uchar> bytes = expected;
+    for (int round = 0; round < 3; ++round) {
+        TwoSheets sheets;
+        CMemFile file(bytes.data(), bytes.size());
+        CArchive ar(&file, CArchive::load);
+        sheets.one.Make("A1").CCItem::Read(&sheets.one, ar);
+        sheets.two->Enter("B1", L"=One!A1");
+        sheets.one.Enter("C1", L"=A1");
+        EXPECT_EQ(DependentsOf(sheets.one, "A1"), 2);
+        bytes = bytesOf(sheets.one);
+        EXPECT_EQ(bytes, expected);
+        sheets.two->Enter("B1", L"");
+        EXPECT_EQ(DependentsOf(sheets.one, "A1"), 1);
+    }
 }
 
 TEST(TwoSheets, FormulasFollowANewSheetName) {
