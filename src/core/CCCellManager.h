@@ -23,7 +23,6 @@
 #include "remote/CCTransportInterface.h"
 
 #include <memory>
-#include <queue>
 #include <vector>
 
 class CCNameRef;
@@ -318,7 +317,7 @@ private:
     std::vector<CCItem const *> m_FormulaItems;
     unsigned long m_nAllRecalc = 0; // high-water mark of the recalculation list
     std::vector<SCOpenRef> m_OpenRefs;
-    std::priority_queue<int, std::vector<int>, std::greater<int>> m_FreeSlots;
+    std::size_t m_nFirstFree = 0; // every slot before it is open
     unsigned long long m_nOpenStamp = 0;
     SCItemList * m_pDocItems = nullptr;
     int m_nDirtyMarking = 1;

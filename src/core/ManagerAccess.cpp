@@ -83,7 +83,7 @@ void CCCellManager::ReleaseContents() {
     m_RecalcList.Empty();
     m_ProcessList.Empty();
     m_OpenRefs.clear();
-    m_FreeSlots = {};
+    m_nFirstFree = 0;
     ItemListFree(m_pDocItems, 1);
     m_pDocItems = nullptr;
 }
@@ -136,7 +136,7 @@ int CCCellManager::GetDataSources(CStringArray &, int) { return 0; }
 
 int CCCellManager::GetItems(CCRef const * ref, CStringArray & strings) const {
     strings.RemoveAll();
-    if (!ref || !GetItem(ref)) return 0;
+    if (!ref) return 0;
     std::wostringstream stream;
     ref->Print(ctx(), stream, 0);
     strings.Add(CString(std::wstring_view(stream.str())));

@@ -4,6 +4,7 @@
 #include "platform/Arrays.h"
 
 #include <algorithm>
+#include <new>
 
 using cells::internal::Place;
 using cells::internal::Resolve;
@@ -38,16 +39,18 @@ int CCCellManager::GetValue(CCRef const * ref, CCCellValue & value, int index) {
 ushort CCCellManager::OpenRef(CCRef const * ref) {
     if (!ref || !IsValidRef(ref)) return 0;
     CSize const size = GetRefSize(ref);
-    if (m_FreeSlots.empty()) {
-        if (m_OpenRefs.size() >= kMostHandles) return 0;
-        m_OpenRefs.emplace_back();
-        m_FreeSlots.push(int(m_OpenRefs.size() - 1));
+    std::size_t index = m_nFirstFree;
+    while (index < m_OpenRefs.size() && m_OpenRefs[index].m_pRef) ++index;
+    if (index >= kMostHandles) return 0;
+    try {
+        std::unique_ptr<CCRef> copy(ref->Copy());
+        if (index == m_OpenRefs.size()) m_OpenRefs.emplace_back();
+        m_OpenRefs[index].m_pRef = std::move(copy);
+    } catch (std::bad_alloc const &) {
+        return 0;
     }
-    int const index = m_FreeSlots.top();
-    std::unique_ptr<CCRef> copy(ref->Copy());
-    m_FreeSlots.pop();
-    SCOpenRef & slot = m_OpenRefs[std::size_t(index)];
-    slot.m_pRef = std::move(copy);
+    m_nFirstFree = index + 1;
+    SCOpenRef & slot = m_OpenRefs[index];
     slot.m_nPos = 0;
     slot.m_Size = size;
     slot.m_nStamp = ++m_nOpenStamp;
@@ -89,7 +92,7 @@ int CCCellManager::CloseRef(ushort handle) {
     SCOpenRef * const slot = OpenSlot(handle);
     if (!slot) return 0;
     slot->m_pRef.reset();
-    m_FreeSlots.push(handle - 1);
+    m_nFirstFree = std::min(m_nFirstFree, std::size_t(handle - 1));
     return 1;
 }
 

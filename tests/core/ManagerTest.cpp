@@ -63,6 +63,19 @@ TEST(Manager, NullReferencesAreNone) {
     EXPECT_EQ(host.GetCurProcessCount(), 0);
 }
 
+TEST(Manager, NamesAPlaceWhetherAnItemStandsThereOrNot) {
+    BaseHost host;
+    host.Enter("A1", L"5");
+    for (char const * name : {"A1", "B2"}) {
+        CCRCRef const ref = R(name);
+        CStringArray strings;
+        strings.Add(L"before");
+        EXPECT_EQ(host.GetItems(&ref, strings), 1) << name;
+        ASSERT_EQ(strings.GetSize(), 1) << name;
+        EXPECT_EQ(cells::test::Utf8(strings.GetAt(0).GetString()), name);
+    }
+}
+
 TEST(Manager, BaseAnswersOfAHostThatOverridesNothing) {
     BaseHost host;
     EXPECT_EQ(host.GetWorkbook(), nullptr);
@@ -117,6 +130,25 @@ TEST(OpenReferences, StopAt65535) {
     EXPECT_EQ(host.OpenRef(&a1), 0);
     host.CloseRef(65535);
     EXPECT_EQ(host.OpenRef(&a1), 65535);
+}
+
+TEST(OpenReferences, WithoutMemoryGiveZeroAndLoseNoSlot) {
+    struct Unstored : CCRCRef {
+        using CCRCRef::CCRCRef;
+        CCRef * Copy() const override { throw std::bad_alloc(); }
+    };
+    BaseHost host;
+    host.Make("A1");
+    CCRCRef const a1 = R("A1");
+    Unstored const unstored(0, 0);
+    EXPECT_EQ(host.OpenRef(&unstored), 0);
+    EXPECT_EQ(host.OpenRef(&a1), 1);
+    EXPECT_EQ(host.OpenRef(&unstored), 0);
+    EXPECT_EQ(host.OpenRef(&a1), 2);
+    host.CloseRef(1);
+    EXPECT_EQ(host.OpenRef(&unstored), 0);
+    EXPECT_EQ(host.OpenRef(&a1), 1);
+    EXPECT_EQ(host.GetOpenRefCount(), 2);
 }
 
 namespace {
