@@ -33,8 +33,14 @@ void SetCurrency(tagVARIANT & variant, double v) {
     variant.cyVal.Lo = std::uint32_t(std::uint64_t(std::int64_t(low)));
 }
 
+// The date and time of the magnitude.
 void SetDate(tagVARIANT & variant, double serial) {
-    if (!CheckDate(serial)) return SetFailure(variant);
+    int day, month, year, hour, minute, second;
+    DoubleToDate(serial, day, month, year);
+    DoubleToTime(serial, hour, minute, second);
+    if (!CheckDate(day, month, year, cells::kLastYear, cells::kFirstYear) ||
+        !CheckTime(hour, minute, second, 1))
+        return SetFailure(variant);
     ATL::COleDateTime const date = DoubleToOleDateTime(serial);
     if (date.GetStatus() != ATL::COleDateTime::valid) return SetFailure(variant);
     variant.vt = VT_DATE;

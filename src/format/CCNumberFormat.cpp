@@ -177,7 +177,7 @@ void CCNumberFormat::CopyField(Field const & field, CCNumberFormat const & sourc
     if (field.data) m_nData = source.m_nData;
 }
 
-void CCNumberFormat::TakeCustom(CCNumberFormat const & source) {
+void CCNumberFormat::TakeCustom(CCNumberFormat const & source) noexcept {
     m_bCustom = source.m_bCustom;
     if (!m_bCustom) return;
     m_Compiled = source.m_Compiled;

@@ -59,7 +59,8 @@ public:
     CCNumberFormat() noexcept {}
     // The defaults of a type; the locale's precision does not survive Set, which runs last.
     explicit CCNumberFormat(int type);
-    // The custom text is copied only while it is in force; otherwise the target's stays.
+    // The custom text is copied only while it is in force, and the type is that which it shows;
+    // otherwise the target's text stays.
     CCNumberFormat(CCNumberFormat const & other) noexcept { *this = other; }
     CCNumberFormat & operator=(CCNumberFormat const & other) noexcept {
         m_nSetMask = other.m_nSetMask;
@@ -68,7 +69,7 @@ public:
         m_nOptionsA = other.m_nOptionsA;
         m_nOptionsB = other.m_nOptionsB;
         m_bCustom = other.m_bCustom;
-        if (m_bCustom) m_Compiled = other.m_Compiled;
+        if (m_bCustom) TakeCustom(other);
         return *this;
     }
     ~CCNumberFormat() = default;
@@ -290,7 +291,7 @@ private:
     bool SameField(Field const & field, CCNumberFormat const & other) const;
     void CopyField(Field const & field, CCNumberFormat const & source);
     bool Agrees(CCNumberFormat const & other, unsigned short fields) const;
-    void TakeCustom(CCNumberFormat const & source);
+    void TakeCustom(CCNumberFormat const & source) noexcept;
     CString EquivalentText(cells::LCTX * lctx) const;
 
     // Printing a fraction holds the precision at 0 for a moment and leaves it marked as set.

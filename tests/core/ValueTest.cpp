@@ -64,6 +64,17 @@ TEST(Value, PlainNumbersKeepTheFormat) {
     EXPECT_EQ(value.GetFormat().GetType(), C_NF_DATE);
 }
 
+TEST(Value, TakesTheClassOfACustomFormatFromItsText) {
+    CCNumberFormat percent;
+    percent.setCustomFormat(L"0%");
+    percent.setType(C_NF_DATE);
+    CCCellValue value, number;
+    value.Set(percent);
+    number.Set(0.5, percent);
+    EXPECT_EQ(value.GetFormat().GetType(), C_NF_PERCENT);
+    EXPECT_EQ(number.GetFormat().GetType(), C_NF_PERCENT);
+}
+
 TEST(Value, OwnsACopyOfItsReference) {
     CCRCRef ref(1, 2);
     CCCellValue value(&ref);
@@ -247,6 +258,24 @@ TEST(Variant, OfEveryValue) {
     v.vt = VT_I2;
     Ref().Get(v);
     EXPECT_EQ(v.vt, VT_I2);
+}
+
+// A number of a date or a time is that of its magnitude.
+TEST(Variant, DatesAndTimesOfNegativeNumbers) {
+    struct Case {
+        double number;
+        uchar type;
+        double date; // negative: refused
+    };
+    for (Case const & test :
+         {Case{-60.5, C_NF_DATE, 61.5}, Case{-0.5, C_NF_TIME, 2.5}, Case{-62822, C_NF_DATE, 62823},
+          Case{-62823, C_NF_DATE, -1}, Case{62823, C_NF_DATE, -1}, Case{-59, C_NF_DATE, -1},
+          Case{-1e300, C_NF_TIME, -1}}) {
+        tagVARIANT v;
+        Number(test.number, test.type).Get(v);
+        ASSERT_EQ(v.vt, test.date < 0 ? VT_ERROR : VT_DATE) << test.number;
+        EXPECT_EQ(v.vt == VT_DATE ? v.date : -1, test.date) << test.number;
+    }
 }
 
 TEST(Variant, CurrencyIsSplitByItsOwnRule) {

@@ -255,6 +255,24 @@ TEST(NumberFormat, CustomTextIsComparedAndTravels) {
     EXPECT_EQ(copy.getFormatString(), L"0.00"); // the text is not emptied
 }
 
+TEST(NumberFormat, CopiesOfACustomFormatTakeTheTypeOfItsText) {
+    CCNumberFormat percent;
+    percent.setCustomFormat(L"0%");
+    percent.setType(C_NF_DATE); // the raw layer leaves the text in force
+    EXPECT_EQ(percent.GetType(), C_NF_DATE);
+    CCNumberFormat const constructed(percent);
+    CCNumberFormat assigned, set;
+    assigned = percent;
+    set.Set(percent);
+    EXPECT_EQ(constructed.GetType(), C_NF_PERCENT);
+    EXPECT_EQ(assigned.GetType(), C_NF_PERCENT);
+    EXPECT_EQ(set.GetType(), C_NF_PERCENT);
+    EXPECT_TRUE(set.isCustomFormat());
+    CCNumberFormat plain;
+    plain.setType(C_NF_DATE); // without a text the type is as it is
+    EXPECT_EQ(CCNumberFormat(plain).GetType(), C_NF_DATE);
+}
+
 TEST(NumberFormatTable, HasEntryZeroAndFindsEquals) {
     CCNumberFormatTable table;
     EXPECT_EQ(table.GetSize(), 1);
@@ -278,4 +296,29 @@ TEST(NumberFormatTable, AppendsACopyOfItself) {
     table.Add(Of(C_NF_NUMBER));
     table.Append(table);
     EXPECT_EQ(table.GetSize(), 4);
+}
+
+TEST(NumberFormatTable, InsertsBeyondItsEndsAtThem) {
+    CCNumberFormatTable table;
+    table.InsertAt(99, Of(C_NF_NUMBER));
+    EXPECT_EQ(table.GetSize(), 2);
+    EXPECT_EQ(table.GetAt(1)->GetType(), C_NF_NUMBER);
+    table.InsertAt(-1, Of(C_NF_DATE));
+    EXPECT_EQ(table.GetAt(0)->GetType(), C_NF_DATE);
+    table.InsertAt(1, Of(C_NF_BOOL));
+    EXPECT_EQ(table.GetAt(1)->GetType(), C_NF_BOOL);
+    EXPECT_EQ(table.GetAt(3)->GetType(), C_NF_NUMBER);
+}
+
+TEST(NumberFormatTable, EmptiedAnswersWithADefaultRecord) {
+    CCNumberFormatTable table;
+    std::unique_ptr<CCNumberFormat> const removed(table.RemoveAt(0));
+    ASSERT_NE(removed, nullptr);
+    for (int index : {-1, 0, 5}) {
+        ASSERT_NE(table.GetAt(index), nullptr);
+        EXPECT_TRUE(table.GetAt(index)->IsEqual(nullptr, *removed));
+    }
+    EXPECT_EQ(table.RemoveAt(0), nullptr);
+    EXPECT_EQ(table.Add(Of(C_NF_DATE)), 0);
+    EXPECT_EQ(table.GetAt(0)->GetType(), C_NF_DATE);
 }
