@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <optional>
 #include <unordered_map>
 
 namespace cells::host {
@@ -185,9 +186,9 @@ struct Sheet::Bulk::State {
 
     Sheet & sheet;
     SheetManager & manager;
-    Recording recording{manager}; // the load is one edit
-    std::deque<Entry> waiting;    // from the first formula on
-    bool ordered = true;          // false: something in the load needs the order of entry
+    std::optional<Recording> recording; // the load is one edit, from its first entry on
+    std::deque<Entry> waiting;          // from the first formula on
+    bool ordered = true;                // false: something in the load needs the order of entry
 
     void Enter(Place place, CString const & text);
     bool TryOrdered();
@@ -201,7 +202,8 @@ Sheet::Bulk::Bulk(Sheet & sheet) : m_State(std::make_unique<State>(sheet)) {}
 Sheet::Bulk::~Bulk() = default;
 
 void Sheet::Bulk::State::Enter(Place place, CString const & text) {
-    recording.Touch(manager, place);
+    if (!recording) recording.emplace(manager);
+    recording->Touch(manager, place);
     CCCellValue value;
     CCFormula * parsed = nullptr;
     int const kind = _Parse(&manager, text, value, parsed, nullptr);
@@ -291,6 +293,7 @@ void Sheet::Bulk::Commit() {
     m_State->ordered = true;
     while (m_State->manager.DoIdle(1)) {
     }
+    m_State->recording.reset();
 }
 
 } // namespace cells::host

@@ -124,13 +124,18 @@ Recording::Recording(SheetManager & sheet) {
     History * const history = sheet.history;
     if (!history || history->m_Replaying) return;
     m_History = history;
-    m_Outermost = history->m_Open == nullptr;
-    if (m_Outermost) history->m_Open = &m_Edit;
+    Open();
+}
+
+// The edit that is in the making: this one, where it is part of no other.
+History::Edit & Recording::Open() {
+    if (!m_History->m_Open) m_History->m_Open = &m_Edit;
+    return *m_History->m_Open;
 }
 
 // Places that hold what they held before are no part of the edit.
 Recording::~Recording() {
-    if (!m_Outermost) return;
+    if (!m_History || m_History->m_Open != &m_Edit) return;
     m_History->m_Open = nullptr;
     for (auto at = m_Edit.cells.begin(); at != m_Edit.cells.end();) {
         at->second.after = CellStateAt(*at->first.first, at->first.second);
@@ -142,13 +147,13 @@ Recording::~Recording() {
 
 void Recording::Touch(SheetManager & sheet, Place place) {
     if (!m_History) return;
-    auto const [at, isNew] = m_History->m_Open->cells.try_emplace({&sheet, place});
+    auto const [at, isNew] = Open().cells.try_emplace({&sheet, place});
     if (isNew) at->second.before = CellStateAt(sheet, place);
 }
 
 void Recording::TouchFacts(SheetManager & sheet) {
-    if (!m_History || m_History->m_Open->facts.count(&sheet)) return;
-    m_History->m_Open->facts[&sheet].first = FactsOf(sheet);
+    if (!m_History || Open().facts.count(&sheet)) return;
+    Open().facts[&sheet].first = FactsOf(sheet);
 }
 
 } // namespace cells::host

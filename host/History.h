@@ -68,8 +68,8 @@ private:
     bool m_Replaying = false;
 };
 
-// An edit in the making, for the time of an operation; within another recording it is a part of it.
-// Without a history it does nothing.
+// An edit in the making, for the time of an operation; within another recording it is a part of it
+// as long as that one lasts. Without a history it does nothing.
 class Recording {
 public:
     explicit Recording(SheetManager & sheet);
@@ -82,8 +82,9 @@ public:
     void TouchFacts(SheetManager & sheet);
 
 private:
+    History::Edit & Open();
+
     History * m_History = nullptr; // null: nothing is recorded here
-    bool m_Outermost = false;
     History::Edit m_Edit;
 };
 

@@ -1,5 +1,6 @@
 #include "host/Sheet.h"
 
+#include "core/Resolve.h"
 #include "formula/CCFormula.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCRef3D.h"
@@ -28,17 +29,22 @@ TextBuffer & Buffer() {
     return buffer;
 }
 
-std::string PrintRef(CTX * ctx, CCRef const * ref) {
+// A place on another sheet stands behind its name.
+std::string PrintRef(SheetManager & sheet, CCRef const * ref) {
     CCRef const * const inner = internal::InnerRef(ref);
-    if (inner) inner->Print(ctx, Buffer().Restart(), 0);
-    return inner ? ToUtf8(Buffer().View()) : std::string();
+    if (!inner) return {};
+    std::wostream & stream = Buffer().Restart();
+    CCCellManager const * const owner = internal::Resolve(sheet, ref).owner;
+    if (owner != &sheet) stream << owner->GetSheetName().GetString() << L'!';
+    inner->Print(&sheet, stream, 0);
+    return ToUtf8(Buffer().View());
 }
 
-std::vector<std::string> PrintRefs(CTX * ctx, CCRefList * list) {
+std::vector<std::string> PrintRefs(SheetManager & sheet, CCRefList * list) {
     internal::RefListHolder const holder(list);
     std::vector<std::string> texts;
     for (CCRefList const * node = list; node; node = node->m_pNext)
-        if (node->m_pRef) texts.push_back(PrintRef(ctx, node->m_pRef));
+        if (node->m_pRef) texts.push_back(PrintRef(sheet, node->m_pRef));
     std::sort(texts.begin(), texts.end());
     texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
     return texts;
@@ -109,14 +115,18 @@ void Sheet::Enter(Place place, std::string_view text) {
     m_Manager->SetCellText(&ref, entered);
 }
 
-// An edit source hands what is entered on to the cell that it shows.
+// An edit source hands an edit on to the cell that it shows, which may be one too.
 void Sheet::TouchEntry(Recording & recording, Place place) {
     recording.Touch(*m_Manager, place);
-    GridCell * const cell = m_Manager->Cells().FindCell(place);
-    if (!cell || !cell->IsFormulaLink()) return;
-    std::unique_ptr<CCRef const> const source(cell->GetEditSourceRef(m_Manager.get()));
-    if (!source || source->GetType() != kRefCell) return;
-    recording.Touch(*m_Manager, PlaceOf(*source));
+    std::vector<GridCell const *> met; // they may form a ring
+    GridCell * cell = m_Manager->Cells().FindCell(place);
+    while (cell && std::find(met.begin(), met.end(), cell) == met.end()) {
+        recording.Touch(*m_Manager, cell->At());
+        std::unique_ptr<CCRef const> const source(cell->GetEditSourceRef(m_Manager.get()));
+        if (!source) return;
+        met.push_back(cell);
+        cell = static_cast<GridCell *>(m_Manager->GetItem(source.get()));
+    }
 }
 
 void Sheet::KeepHistory(int steps) {
@@ -144,6 +154,12 @@ void Sheet::Clear(Place place) {
     Recording recording(*m_Manager);
     TouchEntry(recording, place);
     CCRCRef const ref = RefOf(place);
+    // What is marked as an edit source and shows no other cell has nothing to hand this on to.
+    GridCell * const cell = m_Manager->Cells().FindCell(place);
+    if (cell && cell->IsEditSource(m_Manager.get())) {
+        std::unique_ptr<CCRef const> const source(cell->GetEditSourceRef(m_Manager.get()));
+        if (!source) return void(m_Manager->SetCellText(&ref, L""));
+    }
     m_Manager->ClearCell(&ref, kClearFormula);
     m_Manager->ClearCell(&ref, kClearValue);
 }
@@ -271,13 +287,13 @@ std::optional<Area> Sheet::UsedArea() const {
 std::vector<std::string> Sheet::Precedents(Place place) {
     Require(place);
     GridCell * const cell = m_Manager->Cells().FindCell(place);
-    return PrintRefs(m_Manager.get(), cell ? cell->GetPrecedents(m_Manager.get()) : nullptr);
+    return PrintRefs(*m_Manager, cell ? cell->GetPrecedents(m_Manager.get()) : nullptr);
 }
 
 std::vector<std::string> Sheet::Dependents(Place place) {
     Require(place);
     CCRCRef const ref = RefOf(place);
-    return PrintRefs(m_Manager.get(), m_Manager->LoadDependencies(&ref));
+    return PrintRefs(*m_Manager, m_Manager->LoadDependencies(&ref));
 }
 
 std::vector<std::string> Sheet::CheckInvariants() {

@@ -89,7 +89,9 @@ public:
     bool CopyFrom(Sheet const & source, Area const & area, Place to, bool transpose = false);
 
     // Remembers so many edits from now on, 0 for none, to take them back and to make them again. An
-    // edit is one call of an operation that changes something; a bulk load is one. Undo and Redo
+    // edit is one call of an operation that changes something; a bulk load is one, with what is
+    // edited between its first entry and its commit. What the edits remember of cells takes 256 MiB
+    // at most: beyond that the oldest are forgotten, the last edit excepted. Undo and Redo
     // give false where there is nothing to do. A sheet of a workbook has the workbook's history,
     // which Workbook::KeepHistory switches.
     void KeepHistory(int steps);
@@ -148,7 +150,8 @@ public:
     std::optional<Area> UsedArea() const;
     // Calls visit with every occupied place, row by row.
     void ForEachOccupied(std::function<void(Place)> const & visit) const;
-    // What a formula reads, and who reads a cell, as reference texts.
+    // What a formula reads, and who reads a cell, as reference texts: "A1", "Sheet2!A1" for a place
+    // on another sheet.
     std::vector<std::string> Precedents(Place place);
     std::vector<std::string> Dependents(Place place);
 

@@ -102,11 +102,14 @@ bool Sheet::ClearFormat(Area const & area) {
     CTX * const ctx = m_Manager.get();
     Recording recording(*m_Manager);
     TouchFormats(recording, area);
+    m_Manager->Cells().ForEachCell(
+        area, [&](GridCell const & cell) { TouchEntry(recording, cell.At()); });
     // The value of a formula has again the format that the formula gives it.
     m_Manager->Cells().ForEachCell(area, [&](GridCell & cell) {
         cell.Clear(ctx, kClearFormat);
         if (cell.IsValidFormula()) m_Manager->InitIdleRecalc(&cell, 1);
     });
+    m_Manager->ClearNumberFormats(area);
     m_Manager->Formats().Clear(area);
     m_Manager->SetDirty();
     return true;

@@ -239,6 +239,20 @@ bool SheetManager::TryPutNumber(Place place, CCCellValue const & value) {
     return true;
 }
 
+void SheetManager::ClearNumberFormats(Area const & area) {
+    std::uint32_t general;
+    CCNumberFormat().PackPlain(general);
+    std::vector<Place> changed;
+    m_Grid.ForEach(area, [&](Place place) {
+        double number;
+        std::uint32_t format;
+        if (!m_Grid.FindNumber(place, number, format) || format == general) return;
+        m_Grid.PutNumber(place, number, general);
+        changed.push_back(place);
+    });
+    if (!changed.empty()) TellChanged(std::move(changed));
+}
+
 int SheetManager::RegisterDependent(CCRef const * ref, CCRef const * dependent) {
     if (!ref || !dependent) return 0;
     if (ref->GetType() == kRefName) {

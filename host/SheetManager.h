@@ -54,6 +54,8 @@ public:
     RegionIndex const & Regions() const { return m_Regions; }
     // Stores a plain number where that is all there is to it: no cell object, nobody watching.
     bool TryPutNumber(Place place, CCCellValue const & value);
+    // Makes the plain numbers of an area general ones.
+    void ClearNumberFormats(Area const & area);
 
     // Names stand for a cell or a region; formulas that use one follow its redefinition.
     bool DefineName(CString const & name, CCRef const & target);

@@ -154,6 +154,69 @@ TEST(History, TheOldestEditsAreForgotten) {
     EXPECT_FALSE(book.Undo());
 }
 
+TEST(History, EditsBesideACommittedBulkLoadAreEditsOfTheirOwn) {
+    Workbook book("C");
+    Sheet & sheet = book.Add("One");
+    book.KeepHistory(10);
+    Sheet::Bulk bulk(sheet);
+    sheet.Enter("A1", "before");
+    bulk.Enter({0, 0}, "1");
+    bulk.Enter({1, 0}, "=A1+1");
+    bulk.Commit();
+    sheet.Enter("A1", "5");
+    sheet.Enter("A1", "6");
+    bulk.Enter({0, 0}, "7");
+    bulk.Commit();
+    book.Recalculate();
+    std::vector<std::string> shown{sheet.Text("A1")};
+    while (book.Undo()) {
+        book.Recalculate();
+        shown.push_back(sheet.Text("A1") + " " + sheet.Text("B1"));
+    }
+    EXPECT_EQ(shown, (std::vector<std::string>{"7", "6 7", "5 6", "1 2", "before ", " "}));
+}
+
+TEST(History, OfTwoBulkLoadsTheSecondOutlivesTheFirst) {
+    Workbook book("C");
+    Sheet & sheet = book.Add("One");
+    book.KeepHistory(10);
+    Sheet::Bulk first(sheet), second(sheet);
+    first.Enter({0, 0}, "1");
+    second.Enter({0, 1}, "2"); // while the first one is open, a part of it
+    first.Commit();
+    second.Enter({0, 2}, "3");
+    second.Commit();
+    EXPECT_TRUE(book.Undo());
+    EXPECT_EQ(sheet.Text("A2") + sheet.Text("A3"), "2");
+    EXPECT_TRUE(book.Undo());
+    EXPECT_FALSE(sheet.UsedArea());
+    EXPECT_FALSE(book.Undo());
+}
+
+TEST(History, AnEditThroughAChainOfEditSourcesIsTakenBackToItsEnd) {
+    Workbook book("C");
+    Sheet & sheet = book.Add("One");
+    sheet.Enter("A1", "50%");
+    sheet.DefineName("rate", A("A1:A1"));
+    sheet.Enter("A2", "!rate");
+    sheet.Enter("A3", "!A2");
+    sheet.Enter("B1", "=A3");
+    book.Recalculate();
+    std::string const before = Shown(book);
+    std::vector<std::function<void()>> const edits{[&] { sheet.Enter("A3", "7"); },
+                                                   [&] {
+                                                       sheet.Clear({0, 2});
+                                                   },
+                                                   [&] { sheet.ClearFormat(A("A3:A3")); }};
+    for (std::size_t i = 0; i < edits.size(); ++i) {
+        book.KeepHistory(10);
+        edits[i]();
+        EXPECT_NE(Shown(book), before) << i;
+        EXPECT_TRUE(book.Undo()) << i;
+        EXPECT_EQ(Shown(book), before) << i;
+    }
+}
+
 TEST(History, ASheetOfItsOwnHasOneToo) {
     Sheet sheet("C");
     sheet.KeepHistory(5);

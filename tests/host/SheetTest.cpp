@@ -1,6 +1,8 @@
 #include "host/Sheet.h"
 
 #include "core/CCCellManager.h"
+#include "formula/CCRCRef.h"
+#include "formula/CCRegionRef.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -220,4 +222,47 @@ TEST(Sheet, ACellTellsWhereItsHyperlinkLeads) {
     EXPECT_EQ(sheet.Hyperlink({0, 0}), "page.html");
     EXPECT_EQ(sheet.Hyperlink({0, 1}), "Next#");
     for (int row : {2, 3, 4}) EXPECT_EQ(sheet.Hyperlink({0, row}), std::nullopt) << row;
+}
+
+TEST(Sheet, AnEditSourceIsClearedThroughToWhatItShows) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "=1/2");
+    sheet.SetNumberFormat(*cells::host::ParseArea("A1:A1"), "percent:0");
+    sheet.Enter("B1", "!A1");
+    EXPECT_EQ(sheet.Text("B1"), "50%");
+    sheet.ClearFormat(*cells::host::ParseArea("B1:B1"));
+    sheet.Recalculate();
+    EXPECT_EQ(sheet.EditText({0, 0}), "=1 / 2"); // only the format went away
+    EXPECT_EQ(sheet.Text("B1"), "0.5");
+    sheet.Clear({1, 0});
+    EXPECT_EQ(sheet.EditText({0, 0}), "");
+    EXPECT_EQ(sheet.EditText({1, 0}), "!A1");
+}
+
+TEST(Sheet, AnEditSourceThatShowsNothingElseIsCleared) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "!1+1"); // with a message: no edit source
+    sheet.Enter("B1", "!A1");
+    sheet.Enter("B1", "=5");
+    sheet.Enter("B1", "6");
+    for (int column : {0, 1}) {
+        sheet.Clear({column, 0});
+        EXPECT_EQ(sheet.EditText({column, 0}), "") << column;
+    }
+}
+
+TEST(Sheet, ItsManagerTakesNullReferencesForNone) {
+    Sheet sheet("C");
+    sheet.Enter("B1", "=SUM(A1:A9)");
+    CCCellManager & manager = sheet.Manager();
+    CCRegionRef const region(0, 0, 0, 8);
+    CCRCRef const b1(1, 0), c1(2, 0);
+    CCCellValue value;
+    EXPECT_EQ(manager.GetValue(nullptr, value, 0), 0);
+    EXPECT_EQ(manager.MoveFormula(nullptr, &b1, &c1), 0);
+    EXPECT_EQ(manager.MoveFormula(nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(manager.MoveFormula(&region, &b1, nullptr), 0);
+    EXPECT_EQ(sheet.Dependents({0, 0}), std::vector<std::string>{"B1"});
+    EXPECT_EQ(manager.MoveFormula(&region, nullptr, &c1), 1);
+    EXPECT_EQ(sheet.Dependents({0, 0}), (std::vector<std::string>{"B1", "C1"}));
 }

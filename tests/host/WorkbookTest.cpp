@@ -81,6 +81,18 @@ TEST_F(ThreeSheets, ARunOfSheetsIsReadSheetBySheet) {
     EXPECT_EQ(two.Text("B1"), "21");
 }
 
+TEST_F(ThreeSheets, WhatAFormulaReadsIsNamedWithItsSheet) {
+    using Texts = std::vector<std::string>;
+    one.Enter("B1", "=SUM(One:Three!A1)+Two!A2:A3+A4+One!A5");
+    EXPECT_EQ(one.Precedents({1, 0}), (Texts{"A1", "A4", "A5", "Three!A1", "Two!A1", "Two!A2:A3"}));
+    EXPECT_EQ(one.Dependents({0, 0}), Texts{"B1"});
+    EXPECT_EQ(two.Dependents({0, 0}), Texts{"One!B1"});
+    EXPECT_EQ(two.Dependents({0, 1}), Texts{"One!B1"});
+    book.Rename(1, "Other");
+    EXPECT_EQ(one.Precedents({1, 0}),
+              (Texts{"A1", "A4", "A5", "Other!A1", "Other!A2:A3", "Three!A1"}));
+}
+
 TEST_F(ThreeSheets, ClearingTheFormulaOfARunLeavesNoDependents) {
     one.Enter("B1", "=SUM(One:Three!A1)");
     one.Clear({1, 0});
