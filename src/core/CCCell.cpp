@@ -29,7 +29,7 @@ CCCell::CCCell() = default;
 CCCell::~CCCell() = default;
 
 CCCellFormat const & CCCell::getCFmt() const {
-    return *CCCellFormatTable::CCellFormats->GetAt(m_nFormat);
+    return CCCellFormatTable::CCellFormats->At(m_nFormat);
 }
 
 void CCCell::putCFmt(CCCellFormat const & format) {

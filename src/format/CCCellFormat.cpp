@@ -17,7 +17,7 @@ constexpr uchar FlagOf(unsigned short item) { return uchar(item >> 4); }
 } // namespace
 
 CCNumberFormat const & CCCellFormat::GetNFmt() const {
-    return *CCNumberFormatTable::NumFormats->GetAt(m_nNumberFormat);
+    return CCNumberFormatTable::NumFormats->At(m_nNumberFormat);
 }
 
 void CCCellFormat::PutNFmt(CCNumberFormat const & format) {

@@ -269,6 +269,18 @@ TEST(CellFormat, EveryItemMayConflict) {
     EXPECT_EQ(c.GetNFPrecision(), 1);
 }
 
+TEST(CellFormatTable, FindsWhatARecordIsAfterItWasChanged) {
+    CCCellFormatTable table;
+    CCCellFormat locked, hidden;
+    locked.SetLock(1);
+    hidden.SetHide(1);
+    int const index = table.Add(locked);
+    EXPECT_EQ(table.Find(locked), index);
+    *table.GetAt(index) = hidden;
+    EXPECT_EQ(table.Find(locked), -1);
+    EXPECT_EQ(table.Find(hidden), index);
+}
+
 TEST(CellFormatTable, StoresEqualFormatsOnce) {
     CCCellFormatTable table;
     CCCellFormat format;

@@ -286,6 +286,47 @@ TEST(NumberFormatTable, HasEntryZeroAndFindsEquals) {
     EXPECT_EQ(table.DeleteAt(number), 1);
 }
 
+TEST(NumberFormatTable, FindsWhatARecordIsAfterItWasChanged) {
+    CCNumberFormatTable table;
+    CCNumberFormat const percent = Of(C_NF_PERCENT), currency = Of(C_NF_CURRENCY);
+    int const first = table.Add(percent), second = table.Add(currency);
+    CCNumberFormat * const record = table.GetAt(first);
+    EXPECT_EQ(table.Find(percent), first);
+    EXPECT_EQ(table.Find(currency), second);
+    *record = currency; // through the pointer, some time after it was given
+    EXPECT_EQ(table.Find(percent), -1);
+    EXPECT_EQ(table.Find(currency), first);
+    record->setCustomFormat(L"0.0");
+    EXPECT_EQ(table.Find(currency), second);
+    CCNumberFormat custom;
+    custom.setCustomFormat(L"0.00");
+    *record = custom; // only its text differs
+    EXPECT_EQ(table.Find(custom), first);
+    delete table.RemoveAt(first);
+    EXPECT_EQ(table.Find(custom), -1);
+    EXPECT_EQ(table.Find(currency), first);
+}
+
+TEST(NumberFormatTable, InsertsBeyondItsEndAtTheEnd) {
+    for (int index : {1, 2, 99, -1}) {
+        CCNumberFormatTable table;
+        table.InsertAt(index, Of(C_NF_DATE));
+        ASSERT_EQ(table.GetSize(), 2) << index;
+        EXPECT_EQ(table.GetAt(1)->GetType(), C_NF_DATE) << index;
+    }
+}
+
+TEST(NumberFormatTable, WithoutAnyRecordGivesNullAndTakesAFirstOne) {
+    CCNumberFormatTable table;
+    std::unique_ptr<CCNumberFormat> const taken(table.RemoveAt(0));
+    ASSERT_NE(taken, nullptr);
+    EXPECT_EQ(table.GetAt(0), nullptr);
+    EXPECT_EQ(table.At(0).GetType(), C_NF_GENERAL);
+    EXPECT_EQ(table.Find(*taken), -1);
+    EXPECT_EQ(table.Add(Of(C_NF_DATE)), 0);
+    EXPECT_EQ(table.GetAt(0)->GetType(), C_NF_DATE);
+}
+
 TEST(NumberFormatTable, AppendsEveryHexFormatAnew) {
     CCNumberFormatTable table;
     EXPECT_NE(table.Add(Of(C_NF_HEX)), table.Add(Of(C_NF_HEX)));
