@@ -174,7 +174,6 @@ void CCCellFormat::set(CCCellFormat const & other) {
     CCNumberFormat format = GetNFmt();
     format.set(other.GetNFmt());
     PutNFmt(format);
-    setNoNumF(other);
 }
 
 void CCCellFormat::merge(CCCellFormat const & other, unsigned short mask,

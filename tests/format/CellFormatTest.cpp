@@ -162,16 +162,29 @@ CCCellFormat Commas(uchar type, int commas) {
 
 } // namespace
 
-TEST(CellFormatAlgebra, SetLaysTheFieldsOfTheOtherOver) {
+TEST(CellFormatAlgebra, SetLaysTheNumberFormatOfTheOtherOver) {
     CCCellFormat a = Decimals(C_NF_NUMBER, 2), b = Commas(C_NF_PERCENT, 1);
     a.setHide(true);
     b.setLock(true);
     b.setHide(false);
-    b.clearHide(); // the flag is there, its bit is not
     a.set(b);
     EXPECT_EQ(a.GetNFType(), C_NF_PERCENT);
     EXPECT_EQ(a.GetNFPrecision(), 2);
     EXPECT_EQ(a.GetNFCommas(), 0x10);
+    EXPECT_EQ(a.GetSetMask(), 0);
+    EXPECT_FALSE(a.isLock() || a.getLock()); // flags stay
+    EXPECT_TRUE(a.isHide() && a.getHide());
+}
+
+TEST(CellFormatAlgebra, SetNoNumFLaysTheFlagsOfTheOtherOver) {
+    CCCellFormat a = Decimals(C_NF_NUMBER, 2), b = Decimals(C_NF_PERCENT, 5);
+    a.setHide(true);
+    b.setLock(true);
+    b.setHide(false);
+    b.clearHide(); // the flag is there, its bit is not
+    a.setNoNumF(b);
+    EXPECT_EQ(a.GetNFType(), C_NF_NUMBER);
+    EXPECT_EQ(a.GetNFPrecision(), 2);
     EXPECT_TRUE(a.isLock() && a.getLock());
     EXPECT_TRUE(a.isHide() && a.getHide());
 }
@@ -227,8 +240,7 @@ TEST(CellFormatAlgebra, FlatternLetsThisOneWin) {
     a.flattern(base, out);
     EXPECT_EQ(out.GetNFType(), C_NF_NUMBER);
     EXPECT_EQ(out.GetNFPrecision(), 2);
-    EXPECT_FALSE(out.getLock());
-    EXPECT_TRUE(out.getHide());
+    EXPECT_FALSE(out.isLock() || out.isHide()); // flags are no part of it
 }
 
 TEST(CellFormat, MergesCopyIntoAnEmptyFormat) {
