@@ -352,8 +352,10 @@ CCRefList * CCCell::GetPrecedents(cells::CTX * ctx) {
         CCFormula const * const node = stack.back();
         stack.pop_back();
         if (node->GetType() < kOpFormula) continue;
-        if (node->GetType() == kRemoteOpFormula)
-            RefListAddLastItem(list, &static_cast<CCRemoteOpFormula const *>(node)->Remote());
+        if (node->GetType() == kRemoteOpFormula) {
+            CCRemoteRef const & link = static_cast<CCRemoteOpFormula const *>(node)->Remote();
+            if (!link.IsEmpty()) RefListAddLastItem(list, &link);
+        }
         for (auto const * args = static_cast<CCOpFormula const *>(node)->GetArgs(); args;
              args = args->next)
             stack.push_back(args->formula);

@@ -54,8 +54,7 @@ void CCRemoteOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * curre
     if (!remote.IsEqual(m_Remote)) {
         CCRemoteRef const old(m_Remote);
         if (CCCellManager * manager = ctx->manager()) {
-            if (!old.document().IsEmpty() || !old.item().IsEmpty())
-                manager->DoRemoteUnRegisterDependent(&old, current);
+            if (!old.IsEmpty()) manager->DoRemoteUnRegisterDependent(&old, current);
             manager->DoRemoteRegisterDependent(&remote, current);
         }
         m_Remote.Set(remote);

@@ -18,6 +18,7 @@ public:
     void Clear();
     CString const & document() const { return m_strDocument; }
     CString const & item() const { return m_strReference; }
+    bool IsEmpty() const { return m_strDocument.IsEmpty() && m_strReference.IsEmpty(); }
     bool IsSheetLink() const { return m_strDocument.GetAt(0) == L'?'; }
     // Exact; the virtual form has no regard to case.
     bool IsEqual(CCRemoteRef const & other) const;

@@ -3,6 +3,7 @@
 #include "formula/CCRefList.h"
 #include "formula/CCRemoteOpFormula.h"
 #include "formula/CCRemoteRef.h"
+#include "formula/Parser.h"
 #include "functions/Families.h"
 #include "platform/CFile.h"
 #include "platform/Exceptions.h"
@@ -126,6 +127,21 @@ TEST_F(TwoDocuments, ALinkWhoseTextsAreNoneTurnsIntoText) {
     b.Enter("B1", L"=REMOTE(1,2)");
     EXPECT_EQ(b.Text("B1"), "=REMOTE (1, 2)");
     EXPECT_EQ(b.Sent(kRemoteRegisterDependent), 0);
+}
+
+TEST_F(TwoDocuments, OnlyALinkThatWasFollowedIsAPrecedent) {
+    a.Enter("A1", L"5");
+    b.Enter("B1", L"=REMOTE(\"a\",\"A1\")");
+    auto const precedents = [&](CCCell & cell) {
+        cells::internal::RefListHolder const list(cell.GetPrecedents(&b));
+        int count = 0;
+        for (CCRefList const * node = list.list; node; node = node->m_pNext) ++count;
+        return count;
+    };
+    EXPECT_EQ(precedents(b.Make("B1")), 1);
+    std::unique_ptr<CCFormula> const fresh(_ParseFormula(&b, L"REMOTE(\"a\",\"A1\")", 0, nullptr));
+    b.Make("B2").SaveFormula(&b, fresh.get(), 'F'); // neither registered nor computed
+    EXPECT_EQ(precedents(b.Make("B2")), 0);
 }
 
 TEST_F(TwoDocuments, AnUnbuildableLinkIsMarkedInBothStrings) {
