@@ -41,7 +41,7 @@ std::unique_ptr<CCFormula> NewFormula(int type) {
 } // namespace
 
 void WriteFunc(cells::CTX *, CArchive & ar, CCFunc const * func) {
-    ar << (func ? func->kind : uchar(cells::kFunction));
+    ar << (func ? func->kind : uchar(0));
     WriteString(ar, func ? func->EnglishName() : nullptr);
 }
 

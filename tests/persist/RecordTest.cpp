@@ -8,6 +8,7 @@
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
 #include "formula/CCRemoteRef.h"
+#include "formula/FunctionRegistry.h"
 #include "formula/Parser.h"
 #include "platform/Arrays.h"
 #include "platform/Exceptions.h"
@@ -44,6 +45,14 @@ std::string Printed(BaseHost & host, CCFormula const & tree) {
 }
 
 } // namespace
+
+TEST(FunctionRecord, HoldsKindAndEnglishName) {
+    CCFunc const * const sum = cells::internal::FindEnglishFunction(L"SUM", cells::kFunction);
+    EXPECT_EQ(Written([&](CArchive & ar) { WriteFunc(nullptr, ar, sum); }), Join(8, U32(4), "SUM"));
+    Bytes const none = Written([](CArchive & ar) { WriteFunc(nullptr, ar, nullptr); });
+    EXPECT_EQ(none, Join(0, U32(0)));
+    Reading(none, [](CArchive & ar) { EXPECT_EQ(ReadFunc(nullptr, ar), nullptr); });
+}
 
 TEST(ValueRecord, HoldsTypeAndPayload) {
     CCCellValue value;
