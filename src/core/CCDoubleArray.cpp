@@ -36,6 +36,7 @@ void CCDoubleArray::SetSize(int size, int growBy) {
 }
 
 void CCDoubleArray::FreeExtra() {
+    if (m_nSize == 0) return RemoveAll();
     if (m_nSize != m_nCapacity) Allocate(m_nSize);
 }
 
@@ -64,12 +65,20 @@ void CCDoubleArray::Copy(CCDoubleArray const & other) {
 }
 
 void CCDoubleArray::InsertAt(int index, double value, int count) {
-    if (count <= 0) return;
+    if (index < 0 || count <= 0) return;
     int const old = m_nSize;
     SetSize(std::max(old, index) + count);
     if (index < old)
         std::copy_backward(m_pData.get() + index, m_pData.get() + old, m_pData.get() + old + count);
     std::fill_n(m_pData.get() + index, count, value);
+}
+
+void CCDoubleArray::InsertCopies(int index, CCDoubleArray const & other) {
+    if (index < 0) return;
+    CCDoubleArray copy; // it may be this array
+    copy.Copy(other);
+    InsertAt(index, 0.0, copy.GetSize());
+    std::copy_n(copy.GetData(), copy.GetSize(), m_pData.get() + index);
 }
 
 void CCDoubleArray::RemoveAt(int index, int count) {

@@ -3,6 +3,7 @@
 
 #include "platform/CObject.h"
 
+#include <concepts>
 #include <memory>
 
 class CArchive;
@@ -10,6 +11,7 @@ class CArchive;
 class CVCELLS_API CCDoubleArray : public CObject {
 public:
     static constexpr int kKeepGrowBy = -1; // leaves the grow-by as it is
+    static constexpr std::size_t kMostUnread = 65536;
 
     CCDoubleArray() = default;
     char const * GetRuntimeClass() const override { return "CCDoubleArray"; }
@@ -36,13 +38,21 @@ public:
     int Append(CCDoubleArray const & other); // the index of the first new element
     void Copy(CCDoubleArray const & other);
     void InsertAt(int index, double value, int count = 1);
+    // The elements of another array. A template, so that a literal 0 is a value and no null array.
+    template <std::same_as<CCDoubleArray> Array>
+    void InsertAt(int index, Array const * other) {
+        if (other) InsertCopies(index, *other);
+    }
     void RemoveAt(int index, int count = 1);
 
-    // The count and the raw doubles, in the archive's direction.
+    // The count and the raw doubles, in the archive's direction. The elements that a stream
+    // announces and does not hold stay as SetSize leaves them; more than kMostUnread of them are a
+    // damaged count, which throws CArchiveException(endOfFile).
     void Serialize(CArchive & ar);
 
 private:
     void Allocate(int capacity);
+    void InsertCopies(int index, CCDoubleArray const & other);
 
     std::unique_ptr<double[]> m_pData;
     int m_nSize = 0, m_nCapacity = 0, m_nGrowBy = 0;

@@ -6,7 +6,10 @@
 #include "platform/Exceptions.h"
 #include "platform/HeapText.h"
 
+#include <algorithm>
+#include <limits>
 #include <memory>
+#include <vector>
 
 void CCCellValue::Write(cells::CTX *, CArchive & ar) const {
     ar << m_nType;
@@ -88,11 +91,15 @@ void CCDoubleArray::Serialize(CArchive & ar) {
         return;
     }
     std::uint32_t const count = ar.ReadCount();
-    RemoveAll();
-    for (std::uint32_t i = 0; i < count; ++i) {
-        double value;
-        ar >> value;
-        if (m_nSize == m_nCapacity && m_nSize > 0) Allocate(2 * m_nSize); // not by the growth rule
-        Add(value);
+    if (count > std::uint32_t(std::numeric_limits<int>::max()))
+        throw CArchiveException(CArchiveException::badSchema);
+    std::vector<double> read; // memory follows the elements that are there
+    try {
+        for (double value; read.size() < count; read.push_back(value)) ar >> value;
+    } catch (CArchiveException const & failure) {
+        bool const isShort = failure.m_cause == CArchiveException::endOfFile;
+        if (!isShort || count - read.size() > kMostUnread) throw;
     }
+    SetSize(int(count));
+    std::copy(read.begin(), read.end(), m_pData.get());
 }

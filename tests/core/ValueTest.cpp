@@ -357,6 +357,33 @@ TEST(DoubleArray, GrowsByItsRule) {
     EXPECT_EQ(array.GetSize() + array.GetCapacity(), 0);
 }
 
+TEST(DoubleArray, InsertsTheElementsOfAnother) {
+    CCDoubleArray array, other, none;
+    for (double value : {1.0, 4.0}) array.Add(value);
+    for (double value : {2.0, 3.0}) other.Add(value);
+    array.InsertAt(1, &other);
+    array.InsertAt(0, &none);
+    array.InsertAt(4, &array); // itself, at its end
+    array.InsertAt(10, &other);
+    array.InsertAt(0, static_cast<CCDoubleArray *>(nullptr));
+    array.InsertAt(0, 0); // a value
+    std::vector<double> const expected{0, 1, 2, 3, 4, 1, 2, 3, 4, 0, 0, 2, 3};
+    EXPECT_EQ(std::vector<double>(array.GetData(), array.GetData() + array.GetSize()), expected);
+}
+
+TEST(DoubleArray, WithoutElementsFreesItsBlock) {
+    CCDoubleArray array;
+    array.Add(1);
+    array.Add(2);
+    array.RemoveAt(0, 2);
+    EXPECT_GT(array.GetCapacity(), 0);
+    array.FreeExtra();
+    EXPECT_EQ(array.GetCapacity(), 0);
+    EXPECT_EQ(array.GetData(), nullptr);
+    array.SetSize(2);
+    EXPECT_EQ(array.GetCapacity(), 2); // exactly, as with no block
+}
+
 TEST(DoubleArray, IsAnArray) {
     CCDoubleArray array;
     array.Add(1);

@@ -175,6 +175,36 @@ TEST(DoubleArrayRecord, IsACountAndTheDoubles) {
         CArchiveException);
 }
 
+TEST(DoubleArrayRecord, TakesTheCapacityOfItsSizeAndKeepsALargerOne) {
+    CCDoubleArray array;
+    array.SetSize(100);
+    Bytes const bytes = Written([&](CArchive & ar) { array.Serialize(ar); });
+    CCDoubleArray read, larger;
+    Reading(bytes, [&](CArchive & ar) { read.Serialize(ar); });
+    EXPECT_EQ(read.GetCapacity(), 100);
+    larger.SetSize(300);
+    Reading(bytes, [&](CArchive & ar) { larger.Serialize(ar); });
+    EXPECT_EQ(larger.GetSize(), 100);
+    EXPECT_EQ(larger.GetCapacity(), 300);
+}
+
+TEST(DoubleArrayRecord, AShortBlockIsNotDetected) {
+    Bytes const one{0, 0, 0, 0, 0, 0, 0xF8, 0x3F}; // 1.5
+    CCDoubleArray read;
+    Reading(Join(3, 0, one, 0, 0, 0), [&](CArchive & ar) { read.Serialize(ar); });
+    ASSERT_EQ(read.GetSize(), 3);
+    EXPECT_EQ(read[0], 1.5);
+    EXPECT_EQ(read[1], 0);
+    EXPECT_EQ(read[2], 0);
+    // More than could be meant is a damaged count, and leaves the array as it was.
+    Bytes const largest = Join(0xFF, 0xFF, U32(65536)), damaged = Join(0xFF, 0xFF, U32(65537));
+    EXPECT_THROW(Reading(damaged, [&](CArchive & ar) { read.Serialize(ar); }), CArchiveException);
+    EXPECT_EQ(read.GetSize(), 3);
+    Reading(largest, [&](CArchive & ar) { read.Serialize(ar); });
+    EXPECT_EQ(read.GetSize(), 65536);
+    EXPECT_EQ(read[65535], 0);
+}
+
 TEST(ReferenceRecord, HoldsTypeAndPayload) {
     CCRCRef const cell(2, 0x1234);
     CCRegionRef const region(1, 2, 3, 0xFFFF);
