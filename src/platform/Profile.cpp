@@ -59,6 +59,23 @@ std::string Escaped(std::string const & text) {
     return escaped;
 }
 
+// A key ends at the first "=" without a "\\" before it, and a line that begins with "[" is a
+// section.
+std::string EscapedKey(std::string const & key) {
+    std::string escaped;
+    for (char c : Escaped(key)) {
+        if (c == '=' || c == '[') escaped += '\\';
+        escaped += c;
+    }
+    return escaped;
+}
+
+std::size_t EndOfKey(std::string const & line) {
+    std::size_t at = 0;
+    while (at < line.size() && line[at] != '=') at += line[at] == '\\' ? 2 : 1;
+    return at;
+}
+
 std::string Unescaped(std::string const & text) {
     std::string plain;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -77,10 +94,10 @@ Store ReadStore() {
     std::ifstream file(StorePath());
     std::string line, section;
     while (std::getline(file, line)) {
-        std::size_t const equals = line.find('=');
+        std::size_t const equals = EndOfKey(line);
         if (line.size() > 1 && line.front() == '[' && line.back() == ']')
             section = Unescaped(line.substr(1, line.size() - 2));
-        else if (equals != std::string::npos)
+        else if (equals < line.size())
             store[section][Unescaped(line.substr(0, equals))] = Unescaped(line.substr(equals + 1));
     }
     return store;
@@ -97,7 +114,7 @@ bool WriteStore(Store const & store) {
         for (auto const & [section, keys] : store) {
             file << '[' << Escaped(section) << "]\n";
             for (auto const & [key, value] : keys)
-                file << Escaped(key) << '=' << Escaped(value) << '\n';
+                file << EscapedKey(key) << '=' << Escaped(value) << '\n';
         }
         file.flush();
         if (!file) return false;

@@ -78,6 +78,22 @@ TEST(Profile, WritesReadsAndDeletes) {
     EXPECT_EQ(GetModuleProfileInt(L"S", L"n", 7), 7);
 }
 
+TEST(Profile, MarksOfTheFileMayStandInSectionsKeysAndValues) {
+    for (wchar_t const * text : {L"a=b", L"=", L"==", L"[a", L"a]", L"[a]", L"[a=b]", L"a\\",
+                                 L"\\=", L"\\[", L"]", L"[", L"\n[x]\ny=z", L""}) {
+        EXPECT_NE(WriteModuleProfileString(text, text, text), 0);
+        EXPECT_NE(WriteModuleProfileString(text, L"after", L"b]"), 0);
+        EXPECT_EQ(GetModuleProfileString(text, text, L"lost"), text);
+        EXPECT_EQ(GetModuleProfileString(text, L"after", L"lost"), L"b]");
+        WriteModuleProfileString(text, nullptr, nullptr);
+    }
+    WriteModuleProfileString(L"S", L"[k", L"v]"); // no section "k=v"
+    WriteModuleProfileString(L"S", L"a=b", L"c"); // no key "a"
+    EXPECT_EQ(GetModuleProfileString(L"S", L"[k", nullptr), L"v]");
+    EXPECT_EQ(GetModuleProfileString(L"S", L"a", L"none"), L"none");
+    WriteModuleProfileString(L"S", nullptr, nullptr);
+}
+
 TEST(Profile, KeepsKeySectionAndFileName) {
     EXPECT_EQ(GetModuleProfileSection(), L"Calvera Cells");
     EXPECT_EQ(GetModuleProfileName(), L"CVCells");
