@@ -52,7 +52,10 @@ private:
 CCRef const * CCC4W15Convert::OnThisSheet(CCRef const * dependent) const {
     if (dependent->GetType() != kRefSheets) return dependent;
     auto const & placed = static_cast<CCRef3D const &>(*dependent);
-    return placed.GetManager() == m_pManager ? placed.ref : nullptr;
+    if (placed.IsManagerForm()) return placed.GetManager() == m_pManager ? placed.ref : nullptr;
+    // One that was read from a stream names its sheet by number.
+    ushort const own = m_pManager->GetNameIndex(m_pManager->GetSheetName().GetString());
+    return placed.IsOneSheet() && placed.firstSheet == own ? placed.ref : nullptr;
 }
 
 void CCC4W15Convert::ConvertTo15(Legacy::CCC4W15_Cell * legacy, CCCell * cell) const {

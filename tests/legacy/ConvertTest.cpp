@@ -907,6 +907,24 @@ TEST_F(LegacyConvert, ACellWithAnotherKindOfPlaceHasAbsoluteReferences) {
     EXPECT_EQ(host.EditText("C3"), "=$A$1 + 1");
 }
 
+TEST_F(LegacyConvert, DependentsReadFromAStreamAreKept) {
+    host.Enter("B2", L"4");
+    host.Enter("C1", L"=B2");
+    cells::test::MapCell & cell = host.Make("B2");
+    cells::test::Bytes const bytes =
+        cells::test::Written([&](CArchive & ar) { cell.CCItem::Write(&host, ar); });
+    cells::test::Reading(bytes, [&](CArchive & ar) { cell.CCItem::Read(&host, ar); });
+    CCRCRef const place(0, 0);
+    CCRef3D const elsewhere(2, 2, place.Copy()), run(1, 2, place.Copy()),
+        nowhere(0, 0, place.Copy());
+    for (CCRef const * ref : {&elsewhere, &run, &nowhere})
+        ASSERT_TRUE(cell.RegisterDependent(&host, ref)); // which are no places of this sheet
+    Legacy::CCC4W15_Cell old;
+    Fill(old, convert, cell);
+    ASSERT_EQ(Legacy::GetRefListLen(old.dependents.First()), 1u);
+    EXPECT_EQ(NameOfPlace(*old.dependents.First()->ref->coords), "C1");
+}
+
 TEST_F(LegacyConvert, DependentsOnOtherSheetsAreLeftOut) {
     BaseHost other;
     CCRCRef const place(0, 0);
