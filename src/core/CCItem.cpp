@@ -110,14 +110,19 @@ int CCItem::RegisterDependent(cells::CTX * ctx, CCRef const * ref) {
     return 1;
 }
 
+bool CCItem::RemoveDependent(cells::CTX * ctx, CCRef const * ref) {
+    Placed const placed(MakeDependentRef(ctx, ref));
+    int const slot = FindStored(ctx, placed.get());
+    if (slot < 0) return false;
+    m_Dependents.Remove(slot);
+    DropBlock();
+    return true;
+}
+
 int CCItem::UnRegisterDependent(cells::CTX * ctx, CCRef const * ref) {
     {
         SessionGuard const session(ctx->manager());
-        Placed const placed(MakeDependentRef(ctx, ref));
-        int const slot = FindStored(ctx, placed.get());
-        if (slot < 0) return 0;
-        m_Dependents.Remove(slot);
-        DropBlock();
+        if (!RemoveDependent(ctx, ref)) return 0;
     }
     MarkDirty(ctx);
     return 1;
@@ -353,8 +358,11 @@ namespace {
 
 SCItemList ** PlaceInList(SCItemList *& list, CCRef const * ref) {
     SCItemList ** at = &list;
-    while (*at && !((*at)->m_pItem->GetRef() && (*at)->m_pItem->GetRef()->IsEqual(ref)))
-        at = &(*at)->m_pNext;
+    auto const isMatch = [&](CCItem const * item) {
+        CCRef const * const place = item ? item->GetRef() : nullptr;
+        return place && place->IsEqual(ref);
+    };
+    while (*at && !isMatch((*at)->m_pItem)) at = &(*at)->m_pNext;
     return at;
 }
 

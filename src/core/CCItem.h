@@ -58,6 +58,9 @@ public:
     void UpdateArgsOnSheetRename(cells::CTX * ctx, CCRemoteRef const * old,
                                  CCRemoteRef const * now);
 
+    // Takes a dependent out, and tells nobody. False where none is stored.
+    bool RemoveDependent(cells::CTX * ctx, CCRef const * ref);
+
     int HasDependents() const { return !HasNoDependents(); }
     int GetDependentCount() const { return m_Dependents.Count(); }
     int GetDependentCapacity() const { return m_Dependents.Capacity(); }

@@ -12,25 +12,23 @@ namespace cells::internal {
 
 int DependentArray::Find(CCRef const * ref) const {
     if (!ref) return -1;
-    if (m_pIndex) {
-        int slot = -1;
-        return PlaceOf(ref, slot) ? slot : -1;
-    }
+    if (m_pIndex) return FindInIndex(ref);
     for (int slot = 0; slot < m_nDependents; ++slot)
         if (m_ppDependents[slot]->IsEqual(ref)) return slot;
     return -1;
 }
 
-// The place in the table of the entry that equals `ref`, or null.
-std::uint32_t * DependentArray::PlaceOf(CCRef const * ref, int & slot) const {
-    std::vector<std::uint32_t> & table = m_pIndex->table;
+// A slot that was replaced stands behind its equals in the table, so all of them are looked at.
+int DependentArray::FindInIndex(CCRef const * ref) const {
+    std::vector<std::uint32_t> const & table = m_pIndex->table;
     std::size_t const mask = table.size() - 1;
+    int first = -1;
     for (std::size_t at = RefHash(ref) & mask; table[at] != kFree; at = (at + 1) & mask) {
         if (table[at] == kGone) continue;
-        slot = int(table[at] - 1);
-        if (m_ppDependents[slot]->IsEqual(ref)) return &table[at];
+        int const slot = int(table[at] - 1);
+        if ((first < 0 || slot < first) && m_ppDependents[slot]->IsEqual(ref)) first = slot;
     }
-    return nullptr;
+    return first;
 }
 
 void DependentArray::Enter(int slot) {
@@ -77,8 +75,11 @@ void DependentArray::Add(CCRef * ref) {
 }
 
 void DependentArray::Forget(int slot) {
-    int found = -1;
-    if (std::uint32_t * place = PlaceOf(m_ppDependents[slot], found)) *place = kGone;
+    std::vector<std::uint32_t> & table = m_pIndex->table;
+    std::size_t const mask = table.size() - 1;
+    std::size_t at = RefHash(m_ppDependents[slot]) & mask;
+    while (table[at] != std::uint32_t(slot) + 1) at = (at + 1) & mask;
+    table[at] = kGone;
 }
 
 void DependentArray::Replace(int slot, CCRef * ref) {

@@ -28,7 +28,7 @@ public:
     // Makes the reported capacity larger.
     void Grow(int count) { m_nDependentsCap += count; }
 
-    // The slot of an equal entry, or -1. It stays valid until the next change.
+    // The slot of the first equal entry, or -1. It stays valid until the next change.
     int Find(CCRef const * ref) const;
     CCRef * At(int slot) const { return m_ppDependents[slot]; }
     // Both take the reference over, unless they throw.
@@ -62,7 +62,7 @@ private:
     void MakeRoomInIndex();
     void Forget(int slot);
     void Enter(int slot);
-    std::uint32_t * PlaceOf(CCRef const * ref, int & slot) const;
+    int FindInIndex(CCRef const * ref) const;
     void Squeeze();
 
     int m_nDependents = 0;

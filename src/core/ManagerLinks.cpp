@@ -17,9 +17,24 @@ int CCCellManager::RegisterDependent(CCRef const * ref, CCRef const * dependent)
     return place.item->RegisterDependent(place.owner->ctx(), placed.get());
 }
 
+namespace {
+
+CCCellManager::CCDocItem * AsDocItem(CCItem * item) {
+    CCRef const * const ref = item->GetRef();
+    bool const isProperty = ref && ref->GetType() == kRefDocument;
+    return isProperty ? dynamic_cast<CCCellManager::CCDocItem *>(item) : nullptr;
+}
+
+} // namespace
+
 int CCCellManager::UnRegisterDependent(CCItem * item, CCRef const * dependent) {
     if (!item || !dependent) return 0;
-    item->UnRegisterDependent(ctx(), dependent);
+    if (CCDocItem * property = AsDocItem(item)) {
+        property->RemoveDependent(ctx(), dependent);
+        SetDirty();
+    } else {
+        item->UnRegisterDependent(ctx(), dependent);
+    }
     return 1;
 }
 

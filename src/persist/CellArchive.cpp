@@ -90,10 +90,10 @@ uchar * CCItem::CopyDependents() const { return CopyOf(m_pDependentsData, 0).rel
 
 void CCItem::LoadBlock(cells::CTX * ctx) {
     if (!m_pDependentsData || m_Dependents.Count() > 0) return;
-    Block const block = std::move(m_pDependentsData);
-    CMemFile file(block.get() + kLength, LengthOf(block.get()));
+    CMemFile file(m_pDependentsData.get() + kLength, LengthOf(m_pDependentsData.get()));
     CArchive ar(&file, CArchive::load);
-    cells::internal::RefListHolder const list(RefListRead(ctx, ar));
+    cells::internal::RefListHolder const list(RefListRead(ctx, ar)); // a damaged block stays
+    DropBlock();
     BuildDependetsRefFromList(list.list);
     if (CCCellManager * manager = ctx ? ctx->manager() : nullptr) manager->NoteStoredDependents();
 }

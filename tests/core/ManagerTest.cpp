@@ -236,6 +236,29 @@ TEST(DocumentItems, ComeAndGoWithTheirDependents) {
     EXPECT_EQ(CCCellManager::CCDocItem().GetRef()->GetType(), kRefDocument);
 }
 
+TEST(DocumentItems, LoseADependentWithoutBeingAsked) {
+    struct AskedItem : CCCellManager::CCDocItem {
+        using CCDocItem::CCDocItem;
+        int UnRegisterDependent(cells::CTX * ctx, CCRef const * ref) override {
+            ++asked;
+            return CCDocItem::UnRegisterDependent(ctx, ref);
+        }
+        int asked = 0;
+    } item(CCDocumentRef::ECDocRefType(4));
+    BaseHost host;
+    CCRCRef const a1 = R("A1"), b1 = R("B1");
+    for (CCRef const * ref : {&a1, &b1}) item.RegisterDependent(&host, ref);
+    int const dirty = host.dirty;
+    EXPECT_EQ(host.UnRegisterDependent(&item, &a1), 1);
+    EXPECT_EQ(item.GetDependentCount(), 1);
+    EXPECT_EQ(item.asked, 0);
+    EXPECT_EQ(host.dirty, dirty + 1);
+    cells::test::MapCell & cell = host.Make("C1"); // any other item is asked
+    cell.RegisterDependent(&host, &a1);
+    EXPECT_EQ(host.UnRegisterDependent(&cell, &a1), 1);
+    EXPECT_FALSE(cell.HasDependents());
+}
+
 TEST(Protection, IsSetAndTakenBackWithTheDialog) {
     BaseHost host;
     host.DoProtectionDialog(); // cancelled

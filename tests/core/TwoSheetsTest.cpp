@@ -6,6 +6,7 @@
 #include "formula/Parser.h"
 #include "platform/CArchive.h"
 #include "support/BaseHost.h"
+#include "support/Bytes.h"
 
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -64,6 +65,27 @@ TEST(TwoSheets, AChangeReachesTheFormulaOfAnotherSheet) {
     sheets.two->Enter("A1", L"6");
     sheets.two->Idle();
     EXPECT_EQ(sheets.one.Text("B1"), "12");
+}
+
+TEST(TwoSheets, ADependentOfAnotherSheetRegistersOverItsStoredEntry) {
+    auto const bytesOf = [](BaseHost & host) {
+        return cells::test::Written(
+            [&](CArchive & ar) { host.Make("A1").CCItem::Write(&host, ar); });
+    };
+    TwoSheets sheets;
+    sheets.one.Enter("A1", L"1");
+    sheets.two->Enter("B1", L"=One!A1");
+    std::vector<uchar> bytes = bytesOf(sheets.one);
+    for (int time = 0; time < 3; ++time) {
+        TwoSheets loaded;
+        cells::test::Reading(
+            bytes, [&](CArchive & ar) { loaded.one.Make("A1").CCItem::Read(&loaded.one, ar); });
+        loaded.two->Enter("B1", L"=One!A1");
+        EXPECT_EQ(loaded.two->Make("B1").RegisterFormula(loaded.two.get()), 1);
+        EXPECT_EQ(DependentsOf(loaded.one, "A1"), 1);
+        EXPECT_EQ(bytesOf(loaded.one), bytes);
+        bytes = bytesOf(loaded.one);
+    }
 }
 
 TEST(TwoSheets, QuestionsAboutAnotherSheetAreAnsweredInItsContext) {
