@@ -182,6 +182,7 @@ int SheetManager::IsSingleValue(CCRef const * ref) {
 }
 
 int SheetManager::GetValue(CCRef const * ref, CCCellValue & value, int index) {
+    if (!ref) return 0;
     bool const direct = ref->Kind() == kRefCell || ref->Kind() == kRefRegion;
     CCRef const * const target = direct ? ref : Target(ref);
     if (!target || index < 0) return 0;
@@ -292,7 +293,7 @@ int SheetManager::MoveFormula(CCRef const * ref, CCRef const * from, CCRef const
     if (!target || target->GetType() != kRefRegion) return CCSheet::MoveFormula(ref, from, to);
     std::unique_ptr<CCRef> const old(internal::MakeDependentRef(this, from));
     std::unique_ptr<CCRef> const now(internal::MakeDependentRef(this, to));
-    m_Regions.Update(RegionOf(target), old.get(), now.get());
+    if (now) m_Regions.Update(RegionOf(target), old.get(), now.get());
     return 1;
 }
 
