@@ -6,8 +6,8 @@
 #include "formula/CCRefFormula.h"
 #include "formula/OperatorObjects.h"
 #include "host/LinkTable.h"
+#include "host/OpenSheets.h"
 #include "host/PlaceRefs.h"
-#include "host/SheetManager.h"
 
 #include <algorithm>
 #include <utility>
@@ -71,6 +71,7 @@ std::vector<GridCell *> Book::LinkedCells(SheetManager & sheet) {
 }
 
 void Book::Restructure(std::function<void()> const & change) {
+    OpenSheets const open(m_Sheets);
     std::vector<std::pair<SheetManager *, std::vector<GridCell *>>> linked;
     for (SheetManager * sheet : m_Sheets) linked.emplace_back(sheet, LinkedCells(*sheet));
     for (auto const & [sheet, cells] : linked)
@@ -83,6 +84,7 @@ void Book::Restructure(std::function<void()> const & change) {
 
 // A sheet that comes back brings formulas along.
 void Book::Insert(int position, SheetManager & sheet, CString const & name) {
+    OpenSheets const open(m_Sheets), openToo(std::vector<SheetManager *>{&sheet});
     Restructure([&] {
         m_Sheets.insert(m_Sheets.begin() + position, &sheet);
         sheet.Join(this, name);

@@ -1,7 +1,7 @@
 #include "host/History.h"
 
 #include "host/CellState.h"
-#include "host/SheetManager.h"
+#include "host/OpenSheets.h"
 
 #include <set>
 
@@ -37,24 +37,6 @@ void RestoreProtection(SheetManager & sheet, SheetFacts const & facts) {
         sheet.UnProtect();
 }
 
-// A protected sheet would refuse its own formulas: it is open for the length of a replay.
-class OpenForReplay {
-public:
-    explicit OpenForReplay(std::set<SheetManager *> const & sheets) {
-        for (SheetManager * sheet : sheets) {
-            if (!sheet->IsProtected()) continue;
-            m_Passwords.emplace_back(sheet, sheet->GetPassword());
-            sheet->UnProtect();
-        }
-    }
-    ~OpenForReplay() {
-        for (auto const & [sheet, password] : m_Passwords) sheet->Protect(password);
-    }
-
-private:
-    std::vector<std::pair<SheetManager *, CString>> m_Passwords;
-};
-
 } // namespace
 
 // First every place is emptied, then filled, and names mean what they meant; only then formulas are
@@ -62,13 +44,16 @@ private:
 void History::Apply(Edit const & edit, bool forward) {
     if (edit.undo) return forward ? edit.redo() : edit.undo();
     std::set<SheetManager *> sheets;
-    for (auto const & [key, states] : edit.cells) sheets.insert(key.first);
-    for (auto const & [sheet, facts] : edit.facts) sheets.insert(sheet);
+    auto const addFamily = [&](SheetManager & member) {
+        for (SheetManager * sheet : member.Family()) sheets.insert(sheet);
+    };
+    for (auto const & [key, states] : edit.cells) addFamily(*key.first);
+    for (auto const & [sheet, facts] : edit.facts) addFamily(*sheet);
     auto const wanted = [&](auto const & facts) -> SheetFacts const & {
         return forward ? facts.second : facts.first;
     };
     {
-        OpenForReplay const open(sheets);
+        OpenSheets const open(sheets);
         for (auto const & [sheet, facts] : edit.facts)
             sheet->Formats().Restore(wanted(facts).formats);
         for (auto const & [key, states] : edit.cells) RestoreCellState(*key.first, key.second, {});

@@ -8,6 +8,7 @@
 #include "formula/CCRegionRef.h"
 #include "formula/OperatorObjects.h"
 #include "host/History.h"
+#include "host/OpenSheets.h"
 #include "host/PlaceMap.h"
 #include "host/PlaceRefs.h"
 #include "host/SheetManager.h"
@@ -268,7 +269,10 @@ void Rearrange(std::vector<SheetManager *> const & sheets, SheetManager & sheet,
     Rearrangement rearrangement(sheet, map);
     for (SheetManager * home : sheets) rearrangement.Collect(*home);
     rearrangement.Record(recording);
-    rearrangement.Carry();
+    {
+        OpenSheets const open(sheets);
+        rearrangement.Carry();
+    }
     sheet.SetDirty();
 }
 

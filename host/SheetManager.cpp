@@ -11,6 +11,7 @@
 #include "formula/CCRemoteOpFormula.h"
 #include "host/Book.h"
 #include "host/PlaceRefs.h"
+#include "platform/Resources.h"
 #include "platform/Text.h"
 #include "platform/Utf.h"
 
@@ -122,6 +123,21 @@ bool SheetManager::Conceals(Area const & area) const {
         m_Grid.ForEachCell(area,
                            [&](GridCell const & cell) { hidden = hidden || cell.IsHidden(ctx()); });
     return hidden;
+}
+
+int SheetManager::IsConcealed(CCRef const * ref) {
+    if (ref && ref->Kind() == kRefSheets) {
+        std::unique_ptr<CCRef> const run(ref->Copy());
+        internal::RefListHolder const sheets(static_cast<CCRef3D &>(*run).TranslateToRefList(this));
+        for (CCRefList const * node = sheets.list; node; node = node->m_pNext) {
+            auto const & place = *static_cast<CCRef3D const *>(node->m_pRef);
+            CCCellManager * const sheet = place.GetManager();
+            if (sheet && sheet->IsConcealed(place.ref)) return 1;
+        }
+        return 0;
+    }
+    CCRef const * const target = Target(ref);
+    return target && Conceals(AreaOf(*target));
 }
 
 // Sheets
@@ -267,7 +283,13 @@ int SheetManager::RegisterDependent(CCRef const * ref, CCRef const * dependent) 
     std::unique_ptr<CCRef> const placed(internal::MakeDependentRef(this, dependent));
     if (target->GetType() == kRefCell)
         return MakeCell(PlaceOf(*target)).RegisterDependent(this, placed.get());
-    if (m_Regions.Register(RegionOf(target), placed.get()) && GetDirtyMarking()) SetDirty();
+    if (!m_Regions.Register(RegionOf(target), placed.get())) return 1;
+    if (Conceals(AreaOf(*target))) {
+        m_Regions.UnRegister(RegionOf(target), placed.get());
+        ErrorMessage(kStringHiddenPrecedent);
+        return 0;
+    }
+    if (GetDirtyMarking()) SetDirty();
     return 1;
 }
 

@@ -118,6 +118,7 @@ public:
     int MoveFormula(CCRef const * ref, CCRef const * from, CCRef const * to) override;
     CCRef * TranslateNameRef(CCNameRef const * name) override;
     CCRefList * LoadDependencies(CCRef const * ref) override;
+    int IsConcealed(CCRef const * ref) override;
     // Links: names of the document are those of its workbook; a name of the sheet is an item too.
     CString GetDocumentName() const override;
     int IsRemoteDocumentOpen(wchar_t const * name) override;

@@ -226,6 +226,10 @@ public:
     // nothing. A host whose names come and go computes such formulas again when one comes.
     virtual void OnPlaceMissing(CCRef const * /*cell*/) {}
 
+    // Optional, for protection. 1 for a place that refuses readers and conceals what it holds:
+    // where a formula computes such a place and was refused, it reads #REF!.
+    virtual int IsConcealed(CCRef const *) { return 0; }
+
     // Optional, for speed. A host whose cells are all readable places of one value each answers 1:
     // opening, reading and closing a cell then is one call of GetValue.
     virtual int ReadsCellsDirectly() const { return 0; }

@@ -30,6 +30,7 @@ CCRefOpFormula::~CCRefOpFormula() { StopListening(); }
 void CCRefOpFormula::TakeOver(CCRefOpFormula const & other) {
     if (other.m_Target) m_Target.reset(other.m_Target->Copy());
     if (other.m_Registered) m_Registered.reset(other.m_Registered->Copy());
+    m_bRefused = other.m_bRefused;
     m_pManager = other.m_pManager;
     if (CCCellManager * sheet = internal::LiveManager(other.m_nSheet)) Listen(nullptr, sheet);
 }
@@ -73,13 +74,20 @@ void CCRefOpFormula::Leave(CTX * ctx, CCRef const * current) const {
     m_Registered.reset();
 }
 
+// Whether the target refused the cell and still conceals what it holds.
+bool CCRefOpFormula::IsKeptOut(CTX * ctx) const {
+    CCCellManager * const manager = ctx->manager();
+    return m_bRefused && m_Registered && manager && manager->IsConcealed(m_Target.get());
+}
+
 // Makes `target`, which it takes over, the place that the node follows. The registration made here
 // marks nothing as changed: an evaluation must not look like an edit.
 void CCRefOpFormula::Follow(CTX * ctx, CCRef * target, CCRef const * current) const {
     std::unique_ptr<CCRef> now(target);
     std::unique_ptr<CCRef> const place(MakeDependentRef(ctx, current));
     bool const same = m_Target && now && m_Target->IsEqual(now.get());
-    if (same && (!place || (m_Registered && m_Registered->IsEqual(place.get())))) return;
+    bool const known = m_Registered && m_Registered->IsEqual(place.get());
+    if (same && (!place || (known && (!m_bRefused || IsKeptOut(ctx))))) return;
     if (!same) {
         Leave(ctx, current);
         m_Target = std::move(now);
@@ -87,7 +95,7 @@ void CCRefOpFormula::Follow(CTX * ctx, CCRef * target, CCRef const * current) co
     }
     if (!m_Target || !place) return;
     internal::DirtyMarkGuard const silent(ctx->manager());
-    m_Target->RegisterDependent(ctx, place.get());
+    m_bRefused = !m_Target->RegisterDependent(ctx, place.get());
     m_Registered.reset(place->Copy());
     // The formula has a new precedent: it stands behind it from the next pass on.
     if (CCWorkbook * workbook = ctx->manager() ? ctx->manager()->GetWorkbook() : nullptr)
@@ -104,6 +112,7 @@ void CCRefOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * current)
             manager->OnPlaceMissing(current);
     } else {
         Follow(ctx, ref->Copy(), current);
+        if (IsKeptOut(ctx)) value.Set(errRef);
     }
 }
 
@@ -132,6 +141,7 @@ int CCRefOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) const
     if (IsFullRef() && manager)
         if (CCCellManager * sheet = manager->GetManForNameIndex(sheets.firstSheet))
             Listen(ctx, sheet);
+    if (dependent && m_bRefused) return 0; // it told so when it was evaluated
     return sheets.RegisterDependent(ctx, dependent);
 }
 
@@ -188,7 +198,7 @@ void CCRefOpFormula::UpdateInPaste(CTX * ctx, CCRef const * oldRef, CCRef const 
 ushort CCRefOpFormula::OpenRef(CTX * ctx, CCRef const * current) {
     CCCellValue value;
     Eval(ctx, value, current);
-    return m_nOpen = m_Target ? m_Target->OpenRef(ctx) : ushort(0);
+    return m_nOpen = value.GetRef() ? m_Target->OpenRef(ctx) : ushort(0);
 }
 
 int CCRefOpFormula::NextValue(CTX * ctx, ushort, CCCellValue & value, CCRef const *) {

@@ -49,6 +49,7 @@ private:
     bool NamesPlace() const; // "!", ":" and ".."
     void Follow(cells::CTX * ctx, CCRef * target, CCRef const * current) const;
     void Leave(cells::CTX * ctx, CCRef const * current) const;
+    bool IsKeptOut(cells::CTX * ctx) const;
     void Listen(cells::CTX * ctx, CCCellManager * sheet) const;
     void StopListening() const;
     void TakeOver(CCRefOpFormula const & other);
@@ -57,5 +58,6 @@ private:
     mutable std::unique_ptr<CCRef> m_Target;
     // The (placed) cell that is registered with the target, if any.
     mutable std::unique_ptr<CCRef> m_Registered;
+    mutable bool m_bRefused = false; // by the target, which did not register it
     mutable cells::internal::ManagerSerial m_nSheet = cells::internal::kNoManager; // heard
 };

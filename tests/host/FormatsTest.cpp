@@ -1,5 +1,6 @@
 #include "host/NumberFormats.h"
 #include "host/Sheet.h"
+#include "host/Workbook.h"
 
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -148,6 +149,125 @@ TEST(Protection, HiddenCellsShowNothing) {
     EXPECT_TRUE(sheet.Find("2").empty());
     EXPECT_TRUE(sheet.Unprotect());
     EXPECT_EQ(sheet.Text("A1"), "2");
+}
+
+namespace {
+
+// A protected sheet whose A2 is hidden, and one that is open.
+class HiddenCell : public testing::Test {
+protected:
+    HiddenCell() {
+        for (Sheet * sheet : {&secret, &open})
+            sheet->OnMessage([this](unsigned id, std::string const &) { messages.push_back(id); });
+        secret.Enter("A1", "1");
+        secret.Enter("A2", "20");
+        secret.Enter("A3", "300");
+        secret.SetFlag(A("A2"), CellFlag::kHidden);
+    }
+
+    Workbook book{"C"};
+    Sheet &secret = book.Add("Secret"), &open = book.Add("Open");
+    std::vector<unsigned> messages;
+};
+
+std::vector<unsigned> const kOnceRefused{13037};
+
+} // namespace
+
+TEST_F(HiddenCell, IsRefusedToNewFormulasWhichStayTexts) {
+    secret.DefineName("hidden", A("A2:A2"));
+    secret.DefineName("all", A("A1:A3"));
+    secret.Protect();
+    for (char const * formula : {"=A2", "=SUM (A1:A3)", "=A1 + A2", "=hidden", "=SUM (all)"}) {
+        messages.clear();
+        secret.Enter("C1", formula);
+        EXPECT_EQ(secret.Text("C1"), formula);
+        EXPECT_EQ(messages, kOnceRefused) << formula;
+    }
+    for (char const * formula :
+         {"=Secret ! A2", "=SUM (Secret ! A1:A3)", "=SUM (Secret:Open ! A2)"}) {
+        messages.clear();
+        open.Enter("C1", formula);
+        book.Recalculate();
+        EXPECT_EQ(open.Get({2, 0}).kind, Kind::kText) << formula;
+        EXPECT_EQ(messages, kOnceRefused) << formula;
+    }
+    messages.clear();
+    open.Enter("C1", "=Secret!A2+Secret!A1:A2"); // two references
+    EXPECT_EQ(messages, (std::vector<unsigned>{13037, 13037}));
+    EXPECT_TRUE(book.CheckInvariants().empty());
+}
+
+TEST_F(HiddenCell, IsNotReadByAPlaceThatAFormulaComputes) {
+    secret.Protect();
+    for (char const * formula :
+         {"=INDIRECT(\"A2\")", "=OFFSET(A1,1,0)", "=SUM(OFFSET(A1,0,0,1,2))",
+          "=SUM(INDIRECT(\"A1:A3\"))", "=SUM(A1:INDIRECT(\"A2\"))", "=INDIRECT(\"Secret!A2\")",
+          "=VLOOKUP(20,INDIRECT(\"A1:A3\"),1,0)"}) {
+        messages.clear();
+        secret.Enter("C1", formula);
+        book.Recalculate();
+        EXPECT_EQ(secret.Get({2, 0}).kind, Kind::kError) << formula << " " << secret.Text("C1");
+        EXPECT_EQ(messages, kOnceRefused) << formula;
+        EXPECT_TRUE(book.CheckInvariants().empty());
+    }
+    messages.clear();
+    open.Enter("C1", "=INDIRECT(\"Secret!A2\")");
+    EXPECT_EQ(open.Text("C1"), "#REF!");
+    EXPECT_EQ(messages, kOnceRefused);
+    secret.Enter("C1", "=OFFSET(A1,2,0)"); // not hidden
+    EXPECT_EQ(secret.Text("C1"), "300");
+    EXPECT_EQ(messages, kOnceRefused);
+}
+
+TEST_F(HiddenCell, IsFollowedOnceItIsOpenAgain) {
+    secret.Protect();
+    secret.Enter("B1", "2");
+    secret.Enter("C1", "=INDIRECT(ADDRESS(B1,1))");
+    EXPECT_EQ(secret.Text("C1"), "#REF!");
+    secret.Enter("B1", "3");
+    book.Recalculate();
+    EXPECT_EQ(secret.Text("C1"), "300");
+    secret.Enter("B1", "2");
+    book.Recalculate();
+    EXPECT_EQ(secret.Text("C1"), "#REF!");
+    secret.Unprotect();
+    secret.Enter("B1", "2.5"); // the same place, computed again
+    secret.Enter("A2", "21");
+    book.Recalculate();
+    EXPECT_EQ(secret.Text("C1"), "21");
+    secret.Enter("A2", "22");
+    book.Recalculate();
+    EXPECT_EQ(secret.Text("C1"), "22");
+}
+
+TEST_F(HiddenCell, StaysWithTheFormulasThatReadItBeforeItWasProtected) {
+    book.KeepHistory(10);
+    secret.Enter("C1", "=SUM(A1:A3)");
+    secret.Enter("C2", "=OFFSET(A1,1,0)");
+    open.Enter("C1", "=Secret!A2*2");
+    secret.Protect();
+    book.Recalculate();
+    auto const check = [&](char const * what) {
+        book.Recalculate();
+        EXPECT_EQ(secret.Text("C1"), "321") << what;
+        EXPECT_EQ(secret.Text("C2"), "20") << what;
+        EXPECT_EQ(open.Text("C1"), "40") << what;
+        EXPECT_TRUE(messages.empty()) << what;
+        EXPECT_TRUE(secret.IsProtected()) << what;
+        EXPECT_TRUE(book.CheckInvariants().empty()) << what;
+    };
+    book.Add("Third");
+    check("another sheet");
+    book.Rename(2, "Fourth");
+    check("a sheet with another name");
+    book.Undo();
+    check("a name taken back");
+    open.Enter("C1", "1");
+    book.Undo();
+    check("an entry taken back");
+    open.InsertRows(8, 1);
+    check("rows elsewhere");
 }
 
 TEST(Protection, ErrorsAndZerosMayBeHidden) {
