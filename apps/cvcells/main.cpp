@@ -4,12 +4,15 @@
 #include "host/Workbook.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <fcntl.h>
 #include <functional>
 #include <iostream>
+#include <unistd.h>
 
 namespace {
 
-constexpr int kBadUsage = 2;
+constexpr int kBadOutput = 1, kBadUsage = 2;
 
 using cells::app::CalcOptions;
 
@@ -174,9 +177,25 @@ void AddFunctions(CLI::App & app, std::function<int()> & run) {
         [&run, name, format] { run = [=] { return cells::app::Functions(*name, *format); }; });
 }
 
+// A stream that the caller closed is a file that nothing can be written to: no file that is opened
+// later may take its place.
+void HoldClosedStreams() {
+    for (int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) == -1 && open("/dev/null", O_RDONLY) != stream)
+            std::_Exit(kBadOutput);
+}
+
+// The status of a command, whose output must have arrived.
+int Finished(int status) {
+    if (std::cout.flush()) return status;
+    std::cerr << "cvcells: standard output cannot be written\n";
+    return status ? status : kBadOutput;
+}
+
 } // namespace
 
 int main(int argc, char ** argv) {
+    HoldClosedStreams();
     CLI::App app("cvcells, a spreadsheet calculation engine", "cvcells");
     app.set_version_flag("--version", CVCELLS_VERSION);
     app.require_subcommand(1);
@@ -198,7 +217,7 @@ int main(int argc, char ** argv) {
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const & error) {
-        return app.exit(error) == 0 ? 0 : kBadUsage;
+        return Finished(app.exit(error) == 0 ? 0 : kBadUsage);
     }
     try {
         if (!language.empty()) cells::app::ChooseLanguage(language);
@@ -206,5 +225,5 @@ int main(int argc, char ** argv) {
         std::cerr << "cvcells: " << error.what() << '\n';
         return kBadUsage;
     }
-    return run();
+    return Finished(run());
 }
