@@ -62,10 +62,10 @@ public:
     CFormatSection() = default;
     CFormatSection(CFormatSection const &) = delete;
     CFormatSection & operator=(CFormatSection const &) = delete;
-    virtual void Print(CFormatState & state) const = 0;
+    virtual void Print(CFormatState & state) = 0;
     virtual int GetType() const = 0;
     // Takes in the next section, which has the same type; true when that one is to be dropped.
-    virtual bool Merge(CFormatSection const *) { return false; }
+    virtual bool Merge(CFormatSection *) { return false; }
     virtual ~CFormatSection() = default;
 
     bool IsDigit() const { return GetType() < kYear; }
@@ -76,8 +76,8 @@ public:
 class CVCELLS_API CCountSection : public CFormatSection {
 public:
     explicit CCountSection(int count) : m_nCount(count) {}
-    bool Merge(CFormatSection const * next) override {
-        m_nCount += static_cast<CCountSection const *>(next)->m_nCount;
+    bool Merge(CFormatSection * next) override {
+        m_nCount += static_cast<CCountSection *>(next)->m_nCount;
         return true;
     }
     int Count() const { return m_nCount; }
@@ -96,63 +96,63 @@ protected:
 class CVCELLS_API CLSignificantDigitSection : public CCountSection { // "#"
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override { PrintSignificant(state, false); }
+    void Print(CFormatState & state) override { PrintSignificant(state, false); }
     int GetType() const override { return kLSignificantDigit; }
 };
 
 class CVCELLS_API CLInSignificantDigitSection : public CCountSection { // "0"
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kLInSignificantDigit; }
 };
 
 class CVCELLS_API CLInSignificantSpaceDigitSection : public CCountSection { // "?"
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override { PrintSignificant(state, true); }
+    void Print(CFormatState & state) override { PrintSignificant(state, true); }
     int GetType() const override { return kLInSignificantSpaceDigit; }
 };
 
 class CVCELLS_API CRSignificantDigitSection : public CCountSection { // "#" behind the point
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override { PrintFraction(state, 0); }
+    void Print(CFormatState & state) override { PrintFraction(state, 0); }
     int GetType() const override { return kRSignificantDigit; }
 };
 
 class CVCELLS_API CRInSignificantDigitSection : public CCountSection { // "0" behind the point
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override { PrintFraction(state, L'0'); }
+    void Print(CFormatState & state) override { PrintFraction(state, L'0'); }
     int GetType() const override { return kRInSignificantDigit; }
 };
 
 class CVCELLS_API CRInSignificantSpaceDigitSection : public CCountSection { // "?" behind the point
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override { PrintFraction(state, L' '); }
+    void Print(CFormatState & state) override { PrintFraction(state, L' '); }
     int GetType() const override { return kRInSignificantSpaceDigit; }
 };
 
 class CVCELLS_API CYearSection : public CCountSection { // "y"
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kYear; }
 };
 
 class CVCELLS_API CDaySection : public CCountSection { // "d"
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kDay; }
 };
 
 class CVCELLS_API CMonthSection : public CCountSection { // "m"
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kMonth; }
 };
 
@@ -170,7 +170,7 @@ protected:
 class CVCELLS_API CHourSection : public CTimeSection { // "h"
 public:
     using CTimeSection::CTimeSection;
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kHour; }
     void SetTwelveHour() { m_bTwelveHour = true; }
 
@@ -181,30 +181,30 @@ private:
 class CVCELLS_API CMinutesSection : public CTimeSection { // "m" among hours or seconds
 public:
     using CTimeSection::CTimeSection;
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kMinutes; }
 };
 
 class CVCELLS_API CSecondsSection : public CTimeSection { // "s"
 public:
     using CTimeSection::CTimeSection;
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kSeconds; }
 };
 
 class CVCELLS_API CAMPMSection : public CFormatSection { // "AM/PM", never the locale's words
 public:
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kAMPM; }
 };
 
 class CVCELLS_API CFormatTextSection : public CFormatSection { // literal text
 public:
     explicit CFormatTextSection(CString text) : m_strText(std::move(text)) {}
-    void Print(CFormatState & state) const override { state.output += m_strText; }
+    void Print(CFormatState & state) override { state.output += m_strText; }
     int GetType() const override { return kText; }
-    bool Merge(CFormatSection const * next) override {
-        m_strText += static_cast<CFormatTextSection const *>(next)->m_strText;
+    bool Merge(CFormatSection * next) override {
+        m_strText += static_cast<CFormatTextSection *>(next)->m_strText;
         return true;
     }
 
@@ -215,10 +215,10 @@ private:
 class CVCELLS_API CFormatColorSection : public CFormatSection { // "[Red]", which prints nothing
 public:
     explicit CFormatColorSection(CString text) : m_strText(std::move(text)) {}
-    void Print(CFormatState &) const override {}
+    void Print(CFormatState &) override {}
     int GetType() const override { return kColor; }
-    bool Merge(CFormatSection const * next) override {
-        m_strText = static_cast<CFormatColorSection const *>(next)->m_strText;
+    bool Merge(CFormatSection * next) override {
+        m_strText = static_cast<CFormatColorSection *>(next)->m_strText;
         return true;
     }
     CString const & Color() const { return m_strText; } // in capitals
@@ -230,7 +230,7 @@ private:
 class CVCELLS_API CSpaceSection : public CFormatSection { // "_x": a blank, whatever stands behind
 public:
     explicit CSpaceSection(wchar_t unit) : m_nUnit(unit) {}
-    void Print(CFormatState & state) const override { state.output += L' '; }
+    void Print(CFormatState & state) override { state.output += L' '; }
     int GetType() const override { return kSpace; }
     wchar_t Unit() const { return m_nUnit; }
 
@@ -240,42 +240,42 @@ private:
 
 class CVCELLS_API CCommaSection : public CFormatSection { // ".", the decimal separator
 public:
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kComma; }
 };
 
 class CVCELLS_API CDigitGroupingSection : public CFormatSection { // ",", which prints nothing
 public:
-    void Print(CFormatState & state) const override { state.grouping = true; }
+    void Print(CFormatState & state) override { state.grouping = true; }
     int GetType() const override { return kDigitGrouping; }
-    bool Merge(CFormatSection const *) override { return true; }
+    bool Merge(CFormatSection *) override { return true; }
 };
 
 class CVCELLS_API CFormatFractionSection : public CFormatSection { // "/"
 public:
-    void Print(CFormatState & state) const override { state.output += L'/'; }
+    void Print(CFormatState & state) override { state.output += L'/'; }
     int GetType() const override { return kFraction; }
-    bool Merge(CFormatSection const *) override { return true; }
+    bool Merge(CFormatSection *) override { return true; }
 };
 
 class CVCELLS_API CLFractionSection : public CCountSection { // the numerator
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kLFraction; }
 };
 
 class CVCELLS_API CRFractionSection : public CCountSection { // the denominator
 public:
     using CCountSection::CCountSection;
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kRFraction; }
 };
 
 class CVCELLS_API CHardRFraction : public CFormatSection { // a denominator given in the format
 public:
     explicit CHardRFraction(int denominator) : m_nDenominator(denominator) {}
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kHardRFraction; }
     int Denominator() const { return m_nDenominator; }
 
@@ -285,7 +285,7 @@ private:
 
 class CVCELLS_API CGeneralSection : public CFormatSection { // "General": the magnitude as it comes
 public:
-    void Print(CFormatState & state) const override;
+    void Print(CFormatState & state) override;
     int GetType() const override { return kGeneral; }
 };
 

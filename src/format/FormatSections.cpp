@@ -88,7 +88,7 @@ void CCountSection::PrintSignificant(CFormatState & state, bool blanks) const {
     state.output += CString(digits);
 }
 
-void CLInSignificantDigitSection::Print(CFormatState & state) const {
+void CLInSignificantDigitSection::Print(CFormatState & state) {
     state.output += CString(TakeInteger(state));
 }
 
@@ -104,20 +104,20 @@ void CCountSection::PrintFraction(CFormatState & state, wchar_t filler) const {
     if (filler) state.output += CString(filler, m_nCount - int(digits.size()));
 }
 
-void CCommaSection::Print(CFormatState & state) const {
+void CCommaSection::Print(CFormatState & state) {
     state.output += state.lctx->info(LOCALE_SDECIMAL);
     state.atFirstDigit = true;
     state.seenSignificant = false;
 }
 
-void CYearSection::Print(CFormatState & state) const {
+void CYearSection::Print(CFormatState & state) {
     if (m_nCount == 2)
         AppendNumber(state.output, std::abs(state.year % 100), 2);
     else
         AppendNumber(state.output, state.year);
 }
 
-void CMonthSection::Print(CFormatState & state) const {
+void CMonthSection::Print(CFormatState & state) {
     if (m_nCount == 3)
         state.output += state.lctx->dateShortMonths(state.month);
     else if (m_nCount == 4 || m_nCount == 5)
@@ -126,7 +126,7 @@ void CMonthSection::Print(CFormatState & state) const {
         AppendNumber(state.output, state.month, m_nCount == 1 ? 1 : 2);
 }
 
-void CDaySection::Print(CFormatState & state) const {
+void CDaySection::Print(CFormatState & state) {
     if (m_nCount == 3)
         state.output += DayName(state, LOCALE_SABBREVDAYNAME1);
     else if (m_nCount == 4)
@@ -140,7 +140,7 @@ void CTimeSection::PrintNumber(CFormatState & state, long long number) const {
 }
 
 // With a 12-hour clock 13 stays 13: only hours above it lose twelve. That is meant so.
-void CHourSection::Print(CFormatState & state) const {
+void CHourSection::Print(CFormatState & state) {
     long long hour = state.hour;
     if (m_bElapsed) {
         double const days = std::min(std::floor(std::fabs(state.value)), kLargestCount);
@@ -153,22 +153,20 @@ void CHourSection::Print(CFormatState & state) const {
     PrintNumber(state, hour);
 }
 
-void CMinutesSection::Print(CFormatState & state) const {
+void CMinutesSection::Print(CFormatState & state) {
     PrintNumber(state, m_bElapsed ? state.hour * 60 + state.minute : state.minute);
 }
 
 // Elapsed seconds are a product and no sum. That is meant so.
-void CSecondsSection::Print(CFormatState & state) const {
+void CSecondsSection::Print(CFormatState & state) {
     PrintNumber(state, m_bElapsed ? state.hour * state.second * 60 : state.second);
 }
 
-void CAMPMSection::Print(CFormatState & state) const {
-    state.output += state.hour < 12 ? L"AM" : L"PM";
-}
+void CAMPMSection::Print(CFormatState & state) { state.output += state.hour < 12 ? L"AM" : L"PM"; }
 
 // Behind an integer digit only the rest of the number counts. The sign is the business of the
 // format's other parts.
-void CLFractionSection::Print(CFormatState & state) const {
+void CLFractionSection::Print(CFormatState & state) {
     double x = std::fabs(state.value);
     if (state.integerUsed > 0) x -= std::floor(x);
     int numerator = 0;
@@ -184,15 +182,13 @@ void CLFractionSection::Print(CFormatState & state) const {
     AppendNumber(state.output, numerator);
 }
 
-void CRFractionSection::Print(CFormatState & state) const {
+void CRFractionSection::Print(CFormatState & state) {
     AppendNumber(state.output, state.denominator);
 }
 
-void CHardRFraction::Print(CFormatState & state) const {
-    AppendNumber(state.output, m_nDenominator);
-}
+void CHardRFraction::Print(CFormatState & state) { AppendNumber(state.output, m_nDenominator); }
 
-void CGeneralSection::Print(CFormatState & state) const {
+void CGeneralSection::Print(CFormatState & state) {
     std::wostringstream stream;
     CCNumberFormat().PrintGeneral(state.lctx, stream, std::fabs(state.value), 0);
     state.output += stream.str().c_str();

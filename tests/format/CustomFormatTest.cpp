@@ -1,6 +1,7 @@
 #include "core/Context.h"
 #include "format/CCNumberFormat.h"
 #include "format/CExcelNumberFormat.h"
+#include "format/CFormatSection.h"
 #include "format/DateSerial.h"
 #include "format/FormatTables.h"
 #include "format/International.h"
@@ -420,3 +421,31 @@ TEST(BuiltInFormats, TakeCurrencyAndSeparatorsAsText) {
 }
 
 #endif
+
+TEST(FormatSections, AHostsSectionMayCountWhatItPrintsAndTakeInTheNext) {
+    struct Counting : CFormatSection {
+        explicit Counting(int c) : count(c) {}
+        void Print(CFormatState & state) override {
+            ++prints;
+            state.output += L'*';
+        }
+        int GetType() const override { return kText; }
+        bool Merge(CFormatSection * next) override {
+            auto & other = static_cast<Counting &>(*next);
+            count += std::exchange(other.count, 0);
+            return true;
+        }
+        int count, prints = 0;
+    } section(2), next(3);
+    CFormatSection & base = section;
+    EXPECT_TRUE(base.Merge(&next));
+    EXPECT_EQ(section.count, 5);
+    EXPECT_EQ(next.count, 0);
+    CFormatState state;
+    base.Print(state);
+    base.Print(state);
+    EXPECT_EQ(section.prints, 2);
+    EXPECT_STREQ(state.output.GetString(), L"**");
+    CSpaceSection blank(L'x'), other(L'y');
+    EXPECT_FALSE(static_cast<CFormatSection &>(blank).Merge(&other)); // the base takes nothing in
+}
