@@ -1,6 +1,7 @@
 #include "core/Events.h"
 
-#include <algorithm>
+#include "formula/CCRefOpFormula.h"
+
 #include <unordered_map>
 #include <utility>
 
@@ -14,39 +15,52 @@ std::vector<std::unique_ptr<CCBaseEvent>> & Orphans() {
 
 } // namespace
 
-// The list gives the order; the index finds a listener by identity in constant time. While a
-// notification walks the list, a removal only empties its place.
+// The list gives the order. Formula nodes are themselves and nobody else, so that an index by
+// identity finds them in constant time; listeners of a host, which are few, are asked one by one.
+// While a notification walks the list, a removal only empties its place.
 struct CCEvLiTable::SCEvLiEntry {
+    using Listeners = std::list<CCBaseListener *>;
+    struct Place {
+        Listeners::iterator at;
+        unsigned long long number; // grows along the list
+    };
+
     std::unique_ptr<CCBaseEvent> m_pEvent;
-    std::list<CCBaseListener *> m_Listeners;
-    std::unordered_map<CCBaseListener *, std::list<CCBaseListener *>::iterator> m_Places;
+    Listeners m_Listeners;
+    std::unordered_map<CCBaseListener *, Place> m_Nodes;
+    std::vector<Place> m_Others; // in the order of the list
+    unsigned long long m_nNumber = 0;
     int m_nWalks = 0;
 
-    bool Has(CCBaseListener * listener) const {
-        if (m_Places.count(listener)) return true;
-        // Listeners of formula nodes are compared by identity, as the index does.
-        if (dynamic_cast<CCListenerWithManager *>(listener)) return false;
-        return std::any_of(m_Listeners.begin(), m_Listeners.end(),
-                           [&](CCBaseListener * l) { return l && l->IsEqual(listener); });
+    static bool IsNode(CCBaseListener * listener) {
+        return dynamic_cast<CCRefOpFormula *>(listener) != nullptr;
     }
 
-    std::list<CCBaseListener *>::iterator Find(CCBaseListener * listener) {
-        auto const place = m_Places.find(listener);
-        if (place != m_Places.end()) return place->second;
-        if (dynamic_cast<CCListenerWithManager *>(listener)) return m_Listeners.end();
-        return std::find_if(m_Listeners.begin(), m_Listeners.end(),
-                            [&](CCBaseListener * l) { return l && l->IsEqual(listener); });
+    // The first listener that is equal.
+    Listeners::iterator Find(CCBaseListener * listener) {
+        auto const node = m_Nodes.find(listener);
+        bool const known = node != m_Nodes.end();
+        for (Place const & place : m_Others) {
+            if (known && place.number > node->second.number) break;
+            if ((*place.at)->IsEqual(listener)) return place.at;
+        }
+        return known ? node->second.at : m_Listeners.end();
     }
 
     void Add(CCBaseListener * listener) {
         m_Listeners.push_back(listener);
-        m_Places[listener] = std::prev(m_Listeners.end());
+        Place const place{std::prev(m_Listeners.end()), m_nNumber++};
+        if (IsNode(listener))
+            m_Nodes.emplace(listener, place);
+        else
+            m_Others.push_back(place);
     }
 
     bool Remove(CCBaseListener * listener) {
         auto const place = Find(listener);
         if (place == m_Listeners.end()) return false;
-        m_Places.erase(*place);
+        if (m_Nodes.erase(*place) == 0)
+            std::erase_if(m_Others, [&](Place const & other) { return other.at == place; });
         if (m_nWalks > 0)
             *place = nullptr;
         else
@@ -90,7 +104,7 @@ bool CCEvLiTable::Register(CCBaseEvent const & event, CCBaseListener * listener)
         entry = m_Entries.back().get();
         entry->m_pEvent.reset(event.Clone());
     }
-    if (!entry->Has(listener)) entry->Add(listener);
+    if (entry->Find(listener) == entry->m_Listeners.end()) entry->Add(listener);
     return true;
 }
 

@@ -1,5 +1,7 @@
 #include "core/Events.h"
 
+#include "formula/CCRefOpFormula.h"
+
 #include <functional>
 #include <gtest/gtest.h>
 #include <vector>
@@ -94,4 +96,74 @@ TEST(Events, SharedInstances) {
     EXPECT_EQ(PlainEvent().GetId(), 0);
     EXPECT_TRUE(kRename.IsEqual(CCSheetRenameEvent(L"x", L"y")));
     EXPECT_FALSE(kRename.IsEqual(static_cast<CCBaseEvent const *>(nullptr)));
+}
+
+namespace {
+
+// A listener of a host, with a manager or without: equal numbers are one.
+template <typename Base>
+struct Numbered : Base {
+    Numbered(std::vector<int> & l, int n) : log(l), number(n) {}
+    bool OnEvent(CCBaseEvent const &) override {
+        log.push_back(number);
+        return true;
+    }
+    bool IsEqual(CCBaseListener const * other) const override {
+        auto const * numbered = dynamic_cast<Numbered const *>(other);
+        return numbered && numbered->number == number;
+    }
+    std::vector<int> & log;
+    int number;
+};
+
+template <typename Base>
+void ExpectOwnEquality() {
+    std::vector<int> log;
+    Numbered<Base> one(log, 1), same(log, 1), two(log, 2);
+    CCBaseBroadcaster sender;
+    for (CCBaseListener * listener : {&one, &same, &two})
+        EXPECT_TRUE(sender.RegisterListener(kRename, listener));
+    sender.FireEvent(kRename);
+    EXPECT_EQ(log, (std::vector<int>{1, 2}));
+    EXPECT_TRUE(sender.UnRegisterListener(kRename, &same)); // takes out the one that it equals
+    EXPECT_FALSE(sender.UnRegisterListener(kRename, &one));
+    EXPECT_EQ(sender.GetListenersOf(kRename), std::list<CCBaseListener *>{&two});
+}
+
+} // namespace
+
+TEST(Events, AListenerOfAHostIsComparedByItsOwnEquality) {
+    ExpectOwnEquality<CCBaseListener>();
+    ExpectOwnEquality<CCListenerWithManager>();
+}
+
+TEST(Events, FormulaNodesAreThemselves) {
+    struct EqualToAll : CCRefOpFormula {
+        bool IsEqual(CCBaseListener const *) const override { return true; }
+    };
+    EqualToAll one, two;
+    CCBaseBroadcaster sender;
+    sender.RegisterListener(kRename, &one);
+    sender.RegisterListener(kRename, &two);
+    EXPECT_EQ(sender.GetListenersOf(kRename).size(), 2u);
+    EXPECT_TRUE(sender.UnRegisterListener(kRename, &two));
+    EXPECT_EQ(sender.GetListenersOf(kRename), std::list<CCBaseListener *>{&one});
+}
+
+TEST(Events, TheFirstEqualListenerIsTheOneThatLeaves) {
+    struct EqualToAll : CCBaseListener {
+        bool OnEvent(CCBaseEvent const &) override { return true; }
+        bool IsEqual(CCBaseListener const *) const override { return true; }
+    } greedy;
+    CCRefOpFormula before, behind;
+    CCBaseBroadcaster sender;
+    sender.RegisterListener(kRename, &before);
+    sender.RegisterListener(kRename, &greedy);
+    sender.RegisterListener(kRename, &behind); // equal to one that is there
+    std::list<CCBaseListener *> const both{&before, &greedy};
+    EXPECT_EQ(sender.GetListenersOf(kRename), both);
+    EXPECT_TRUE(sender.UnRegisterListener(kRename, &before));
+    EXPECT_EQ(sender.GetListenersOf(kRename), std::list<CCBaseListener *>{&greedy});
+    EXPECT_TRUE(sender.UnRegisterListener(kRename, &behind)); // the greedy one stands for it
+    EXPECT_TRUE(sender.GetListenersOf(kRename).empty());
 }
