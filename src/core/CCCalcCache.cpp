@@ -203,12 +203,32 @@ void CCCalcCache::PutInOrder(SCCalcEntry & entry) {
     if (entry.m_bDirty) m_Dirty.insert(&entry);
 }
 
+// A pass that runs, from the entry that it has reached to the one where it ends.
+struct CCCalcCache::Pass {
+    explicit Pass(CCCalcCache & c) : cache(c), end(c.m_Order.Last()), outer(c.m_pPass) {
+        cache.m_pPass = this;
+    }
+    Pass(Pass const &) = delete;
+    Pass & operator=(Pass const &) = delete;
+    ~Pass() {
+        cache.m_pPass = outer;
+        if (!outer) cache.m_nInnerSteps = 0;
+    }
+
+    CCCalcCache & cache;
+    SCCalcEntry * at = nullptr;
+    SCCalcEntry * end;
+    Pass * outer;
+};
+
 // Out of the order, but not out of the cache. A running pass goes on behind the place before it.
 void CCCalcCache::TakeOut(SCCalcEntry & entry) {
     if (entry.m_nIndex < 0) return;
     if (entry.m_bDirty) m_Dirty.erase(&entry);
-    if (m_pAt == &entry) m_pAt = entry.previous;
-    if (m_pEnd == &entry) m_pEnd = entry.previous;
+    for (Pass * pass = m_pPass; pass; pass = pass->outer) {
+        if (pass->at == &entry) pass->at = entry.previous;
+        if (pass->end == &entry) pass->end = entry.previous;
+    }
     m_Order.Remove(&entry);
 }
 
@@ -375,25 +395,38 @@ struct CCCalcCache::Walk {
     CCCalcCache & cache;
 };
 
+// Whether a pass may begin here: what reads a value must not be computed while the old one stands.
+// Hooks that queue for ever are cut short.
+bool CCCalcCache::MayCalculate() const {
+    constexpr int kDeepest = 32, kMostInnerSteps = 1'000'000;
+    int passes = 0;
+    for (Pass const * pass = m_pPass; pass; pass = pass->outer) ++passes;
+    return passes < kDeepest && m_nInnerSteps < kMostInnerSteps &&
+           std::all_of(m_Computing.begin(), m_Computing.end(),
+                       [](SCCalcEntry const * entry) { return entry->m_bStored != 0; });
+}
+
 void CCCalcCache::Calculate(CCCellManager & manager) {
-    if (m_bCalculating) return; // a host that calculates from a hook of this pass
+    if (!MayCalculate()) return;
     Walk const walk(*this);
-    struct Pass {
-        CCCalcCache & cache;
-        ~Pass() {
-            cache.m_bCalculating = false;
-            cache.m_pAt = cache.m_pEnd = nullptr;
-        }
-    } const pass{*this};
-    m_bCalculating = true;
-    m_pEnd = m_Order.Last();
+    Pass pass(*this);
     for (;;) {
-        auto const next = m_pAt ? m_Dirty.upper_bound(m_pAt) : m_Dirty.begin();
-        if (next == m_Dirty.end() || !m_pEnd || (*next)->label > m_pEnd->label) return;
+        auto const next = pass.at ? m_Dirty.upper_bound(pass.at) : m_Dirty.begin();
+        if (next == m_Dirty.end() || !pass.end || (*next)->label > pass.end->label) return;
         SCCalcEntry * const entry = *next;
-        m_pAt = entry;
+        pass.at = entry;
+        if (pass.outer) ++m_nInnerSteps;
         Compute(manager, *entry);
     }
+}
+
+void CCCalcCache::NoteStored(CCCellManager const & sheet, CCRef const & place) {
+    if (m_Computing.empty()) return;
+    SCCalcEntry & entry = *m_Computing.back();
+    CCRef const * const inner = InnerRef(entry.m_pRef);
+    if (IsNormal(entry.m_pRef) && inner && inner->IsEqual(&place) &&
+        static_cast<CCRef3D const *>(entry.m_pRef)->GetManager() == &sheet)
+        entry.m_bStored = 1;
 }
 
 // Clean before it is computed: a hook may change what it has just read.
@@ -405,10 +438,12 @@ void CCCalcCache::Compute(CCCellManager & manager, SCCalcEntry & entry) {
     };
     m_Dirty.erase(&entry);
     entry.m_bDirty = 0;
+    uchar const stored = std::exchange(entry.m_bStored, uchar(0)); // by a computing around this one
     {
         Computing const computing(m_Computing, &entry);
         manager.RecalcCell(entry.m_pRef);
     }
+    entry.m_bStored = stored;
     if (!std::exchange(entry.m_bCircular, uchar(0))) return;
     Place const place = Resolve(manager, entry.m_pRef);
     if (auto * cell = dynamic_cast<CCCell *>(place.item)) cell->RefuseCircle(place.owner->ctx());

@@ -50,8 +50,11 @@ public:
     void RemoveSheet(CCCellManager const & sheet);
     void MarkAll();
     // Computes what is dirty through a manager of the workbook. What becomes dirty before the place
-    // that the pass has reached waits for the next one.
+    // that the pass has reached waits for the next one. A hook that hears of a new value may call
+    // it again, in bounds; in the middle of computing a value it does nothing.
     void Calculate(CCCellManager & manager);
+    // The cell at this place of a sheet has stored a new value and goes on to tell of it.
+    void NoteStored(CCCellManager const & sheet, CCRef const & place);
     // Brings a place up to date, and nothing else: for another document that reads it, maybe while
     // a formula here waits for that very document. What is dirty at the place and before it is
     // computed now. False, and nothing is computed, where a formula whose computing waits stands at
@@ -88,6 +91,7 @@ public:
 private:
     struct Neighbours;
     struct Walk;
+    struct Pass;
     using Entries = std::vector<SCCalcEntry *>;
     using RemoteRefs = std::vector<std::unique_ptr<CCRemoteRef>>;
 
@@ -109,6 +113,7 @@ private:
     Before WhatStandsBefore(CCRef const * ref);
     template <typename Take>
     void ForEachDirtyAt(CCRef const * placed, Take && take) const;
+    bool MayCalculate() const;
     void Compute(CCCellManager & manager, SCCalcEntry & entry);
     void CollectDependents(SCCalcEntry const & entry, Entries & found) const;
     Neighbours FindNeighbours(SCCalcEntry const & entry);
@@ -132,10 +137,9 @@ private:
         m_Regions;
     mutable Entries m_Sorted; // made when it is asked for
     mutable bool m_bSorted = true;
-    SCCalcEntry * m_pAt = nullptr;  // the entry that a running pass has reached
-    SCCalcEntry * m_pEnd = nullptr; // where the pass ends
-    bool m_bCalculating = false;
-    Entries m_Computing; // those whose computing is under way, innermost last
-    int m_nWalks = 0;    // passes and settlings that are under way
+    Pass * m_pPass = nullptr; // the innermost that runs
+    Entries m_Computing;      // those whose computing is under way, innermost last
+    int m_nWalks = 0;         // passes and settlings that are under way
+    int m_nInnerSteps = 0;    // entries that passes inside the outermost one have computed
     std::vector<std::unique_ptr<SCCalcEntry>> m_Removed; // meanwhile
 };

@@ -1,6 +1,7 @@
 #include "core/CCCell.h"
 
 #include "core/CCCellManager.h"
+#include "core/CCWorkbook.h"
 #include "core/Context.h"
 #include "core/Guards.h"
 #include "core/TreesInUse.h"
@@ -339,6 +340,9 @@ void CCCell::Recalc(cells::CTX * ctx) {
     OnValueStored(); // equal values may differ in their last bit
     UpdateNumberFormat(ctx);
     if (m_Value.IsEqual(other)) return;
+    CCCellManager * const manager = ctx->manager();
+    if (CCWorkbook * workbook = manager ? manager->GetWorkbook() : nullptr)
+        workbook->GetCalcCache().NoteStored(*manager, *GetRef());
     OnChange(ctx);
     OnValueChanged(ctx);
 }

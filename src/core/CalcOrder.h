@@ -27,6 +27,7 @@ struct SCCalcEntry {
     uchar m_bDirty = 0;
     uchar m_bVisited = 0;
     uchar m_bCircular = 0; // to be refused when its computing ends
+    uchar m_bStored = 0;   // the new value stands; its computing still tells of it
     int m_nIndex = -1;     // -1 out of the order; inside it only CalcOrder::IndexOf tells the place
 
     // Kept by CalcOrder.

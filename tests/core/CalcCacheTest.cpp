@@ -194,6 +194,55 @@ TEST_F(CalcCache, NonIdleCalculationComputesAtOnce) {
     manager.DoNonIdleCalc(nullptr, 0);
 }
 
+TEST_F(CalcCache, AHookThatHearsOfAValueMayHaveAnotherComputedAtOnce) {
+    sheet.Enter("A1", "=D1");
+    sheet.Enter("B1", "=A1*2");
+    sheet.Enter("C1", "=B1+1");
+    book.Recalculate();
+    std::string seen;
+    sheet.OnChanged([&](Place place) {
+        if (place != Place{0, 0}) return;
+        CCRCRef const b1 = R("B1");
+        manager.DoNonIdleCalc(manager.GetItem(&b1), 1);
+        seen = sheet.Text("B1") + " " + sheet.Text("C1");
+    });
+    sheet.Enter("D1", "4");
+    book.Recalculate();
+    EXPECT_EQ(seen, "8 9");
+    EXPECT_FALSE(cache.IsDirty());
+}
+
+TEST_F(CalcCache, HooksThatQueueTheirOwnCellForEverEnd) {
+    for (int row = 0; row < 40; ++row)
+        sheet.Enter(Place{0, row}, row == 0 ? "=RAND()+D1" : "=RAND()+A" + std::to_string(row));
+    book.Recalculate();
+    int hooks = 0;
+    sheet.OnChanged([&](Place place) {
+        if (place.column != 0) return;
+        ++hooks;
+        CCRCRef const own(0, ushort(place.row));
+        manager.DoNonIdleCalc(manager.GetItem(&own), 1);
+    });
+    sheet.Enter("D1", "4");
+    manager.DoIdle(1);
+    EXPECT_GT(hooks, 40);
+    EXPECT_LT(hooks, 2'000'000);
+}
+
+TEST_F(CalcCache, AHookOfEveryCellOfALongChainNeedsNoDeepStack) {
+    int const n = 3000;
+    for (int row = 0; row < n; ++row)
+        sheet.Enter(Place{0, row}, row == 0 ? "=D1" : "=A" + std::to_string(row) + "+1");
+    book.Recalculate();
+    sheet.OnChanged([&](Place place) {
+        CCRCRef const next(0, ushort(place.row + 1));
+        if (place.column == 0) manager.DoNonIdleCalc(manager.GetItem(&next), 1);
+    });
+    sheet.Enter("D1", "4");
+    book.Recalculate();
+    EXPECT_EQ(sheet.Text("A3000"), "3003");
+}
+
 TEST_F(CalcCache, NotifyOfNothingDoesNothing) {
     EXPECT_EQ(cache.Notify(&manager, nullptr, 1), 0);
     CCRCRef const empty = R("Z9");

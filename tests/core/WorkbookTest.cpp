@@ -231,6 +231,28 @@ TEST(BaseSheet, ManualCalculationRemembersNewFormulasOfAWorkbook) {
     EXPECT_EQ(sheet.Number(1), 20);
 }
 
+TEST(BaseSheet, NothingIsComputedFromTheOldValueOfACellThatIsBeingComputed) {
+    struct Calculating : CellSheet {
+        using CellSheet::CellSheet;
+        bool calculates = false;
+        int BeginSession() override {
+            if (calculates) DoIdle(1);
+            return 1;
+        }
+    };
+    TestBook book;
+    Calculating sheet(&book, L"One");
+    sheet.Enter(0, L"1");
+    sheet.Enter(1, L"=A1*10");
+    sheet.Enter(2, L"=A2");
+    sheet.DoIdle(1);
+    sheet.Enter(0, L"2");
+    sheet.calculates = true;
+    sheet.DoIdle(1);
+    EXPECT_EQ(sheet.Number(1), 20);
+    EXPECT_EQ(sheet.Number(2), 20);
+}
+
 TEST(BaseSheet, HasNoWorkbookNoNameAndNoPlace) {
     struct Sheet : TestSheet {
         Sheet() : TestSheet(nullptr, L"") {}
