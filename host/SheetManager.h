@@ -147,6 +147,7 @@ public:
     int GetDocumentRevNum(unsigned int & count) override;
     int GetDocumentMergeRec(unsigned int & count) override;
     int GetDocumentMergeCount(unsigned int & count) override;
+    int FormulasImplyDependents() const override { return 1; }
     int ReadsCellsDirectly() const override { return 1; }
     int ReadNumbers(CCRef const * ref, NumberSink & sink) override;
     int FindNumber(CCRef const * ref, double number, CCCellValue & value) override;

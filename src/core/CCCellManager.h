@@ -230,6 +230,11 @@ public:
     // where a formula computes such a place and was refused, it reads #REF!.
     virtual int IsConcealed(CCRef const *) { return 0; }
 
+    // Optional, for speed. A host in which a formula that is entered is the only reason for one
+    // place to depend on another answers 1: circles are then looked for from both ends. Not so
+    // where LoadDependencies adds dependents of its own.
+    virtual int FormulasImplyDependents() const { return 0; }
+
     // Optional, for speed. A host whose cells are all readable places of one value each answers 1:
     // opening, reading and closing a cell then is one call of GetValue.
     virtual int ReadsCellsDirectly() const { return 0; }
@@ -280,6 +285,7 @@ public:
     bool HasRemoteDependents() const { return m_bRemoteDependents; }
     void NoteStoredDependents() { m_bStoredDependents = true; }
     bool HasStoredDependents() const { return m_bStoredDependents; }
+    void NoteAddedDependent() { m_bAddedDependents = true; }
 
 protected:
     struct SCOpenRef {
@@ -328,6 +334,7 @@ private:
     bool m_bRemoteDependents = false; // a remote dependent was registered some time
     bool m_bTicking = false;          // within OnUpdateIdleRecalc
     bool m_bStoredDependents = false; // dependents were read from a block some time
+    bool m_bAddedDependents = false;  // one was registered by no formula some time
     std::uint64_t m_nEdgesMet = 0;    // of the running patch pass
     // The reference that the patch pass is at, with what it resolved to.
     struct {

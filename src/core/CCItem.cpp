@@ -6,6 +6,7 @@
 #include "core/Context.h"
 #include "core/Guards.h"
 #include "core/Resolve.h"
+#include "core/TreesInUse.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRef3D.h"
 #include "formula/CCRefList.h"
@@ -102,6 +103,7 @@ int CCItem::RegisterDependent(cells::CTX * ctx, CCRef const * ref) {
             return 0;
         }
         if (manager && placed->GetType() == kRefRemote) manager->NoteRemoteDependent();
+        if (manager && !cells::internal::TreesInUse::IsAny()) manager->NoteAddedDependent();
         m_Dependents.Add(placed.get());
         placed.release();
         DropBlock();

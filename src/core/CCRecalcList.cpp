@@ -6,6 +6,7 @@
 #include <bit>
 #include <memory>
 #include <new>
+#include <typeinfo>
 #include <utility>
 
 namespace cells::internal {
@@ -21,15 +22,26 @@ std::uint64_t Mix(std::uint64_t key) {
 
 RecalcList::~RecalcList() { Empty(); }
 
-// A cell, plain or on a sheet, fits into a key; anything else is hashed.
+// A cell, plain or on a sheet, fits into a key; anything else is hashed. A host's class may add to
+// what makes a cell another one, or share its place with a plain cell that it equals: its key is
+// that of the place, and not exact.
 std::uint64_t RecalcList::KeyOf(CCRef const * ref) {
-    bool const placed = ref->Kind() == kRefSheets;
+    bool const placed = ref->GetType() == kRefSheets;
     CCRef const * const inner = placed ? static_cast<CCRef3D const *>(ref)->ref : ref;
-    if (!inner || inner->Kind() != kRefCell) return RefHash(ref) & ~kExact;
+    if (!inner || inner->GetType() != kRefCell) return RefHash(ref) & ~kExact;
     auto const & cell = *static_cast<CCRCRef const *>(inner);
-    std::uint64_t key = kExact | std::uint64_t(cell.col) << 16 | cell.row;
+    std::uint64_t key = std::uint64_t(cell.col) << 16 | cell.row;
     if (placed) key |= kPlaced | static_cast<CCRef3D const *>(ref)->SheetKey() << 24;
-    return key;
+    bool const own =
+        typeid(*inner) == typeid(CCRCRef) && (!placed || typeid(*ref) == typeid(CCRef3D));
+    return own ? key | kExact : key;
+}
+
+CCRef * RecalcList::Unpacked::Set(std::uint64_t key) {
+    m_Cell.Set(uchar(key >> 16), ushort(key));
+    if (!(key & kPlaced)) return &m_Cell;
+    m_Placed.Borrow((key & ~(kExact | kPlaced)) >> 24, &m_Cell);
+    return &m_Placed;
 }
 
 RecalcList::Held::Held(RecalcList & list, Node node) : m_List(list), m_Outer(list.m_pHeld) {
@@ -37,12 +49,7 @@ RecalcList::Held::Held(RecalcList & list, Node node) : m_List(list), m_Outer(lis
     list.m_pHeld = this;
     m_Ref = entry.ref;
     m_bPinned = m_Ref != nullptr;
-    if (m_bPinned) return;
-    m_Cell.Set(uchar(entry.key >> 16), ushort(entry.key));
-    m_Ref = &m_Cell;
-    if (!(entry.key & kPlaced)) return;
-    m_Placed.Borrow((entry.key & ~(kExact | kPlaced)) >> 24, &m_Cell);
-    m_Ref = &m_Placed;
+    if (!m_bPinned) m_Ref = m_Unpacked.Set(entry.key);
 }
 
 RecalcList::Held::~Held() {
@@ -60,7 +67,12 @@ CCRef * RecalcList::ObjectOf(Node node) {
 }
 
 bool RecalcList::IsSame(Node node, std::uint64_t key, CCRef const * ref) const {
-    return At(node).key == key && (IsExact(key) || At(node).ref->IsEqual(ref));
+    Entry const & entry = At(node);
+    if ((entry.key ^ key) & ~kExact) return false;
+    if (IsExact(entry.key) && IsExact(key)) return true;
+    Unpacked own, other;
+    CCRef const * const held = entry.ref ? entry.ref : own.Set(entry.key);
+    return held->IsEqual(ref ? ref : other.Set(key)) != 0;
 }
 
 // Takes the references back from the standard list.
@@ -84,7 +96,10 @@ std::list<CCRef *> & RecalcList::GetStdList() {
 
 CCRef * RecalcList::GetFirst() {
     if (m_bStandard) return m_Standard.empty() ? nullptr : m_Standard.front();
-    return m_Head == kNone ? nullptr : ObjectOf(m_Head);
+    if (m_Head == kNone) return nullptr;
+    CCRef * const first = ObjectOf(m_Head);
+    At(m_Head).lent = true;
+    return first;
 }
 
 RecalcList::Node RecalcList::First() {
@@ -99,7 +114,7 @@ void RecalcList::Reset() {
     m_nCount = m_nIndexUsed = 0;
 }
 
-void RecalcList::Link(CCRef * ref, std::uint64_t key, Stamp origin, bool expanded) {
+RecalcList::Node RecalcList::Link(CCRef * ref, std::uint64_t key, Stamp origin, bool expanded) {
     Node node;
     if (m_Spare == kNone) {
         node = Node(m_Nodes.size());
@@ -109,17 +124,18 @@ void RecalcList::Link(CCRef * ref, std::uint64_t key, Stamp origin, bool expande
         m_Spare = At(node).next;
     }
     Stamp const stamp = m_nStamp++;
-    At(node) = {ref,   key,      stamp, origin ? origin : stamp, m_Tail, kNone, kNone,
-                kNone, expanded, false};
+    At(node) = {ref,      key,   stamp, origin ? origin : stamp, m_Tail, kNone, kNone, kNone,
+                expanded, false, false};
     (m_Tail == kNone ? m_Head : At(m_Tail).next) = node;
     m_Tail = node;
     ++m_nCount;
     if (!m_Index.empty()) Enter(node);
+    return node;
 }
 
 void RecalcList::Append(CCRef * ref) {
     Adopt();
-    Link(ref, KeyOf(ref), 0, false);
+    At(Link(ref, KeyOf(ref), 0, false)).lent = true;
 }
 
 void RecalcList::AddLast(CCRef const * ref) {
@@ -157,7 +173,7 @@ CCRef * RecalcList::Unlink(Node node) {
 void RecalcList::MoveToTail(Node node) {
     Entry const entry = At(node);
     CCRef * const ref = Detach(node);
-    Link(ref, entry.key, entry.origin, entry.expanded);
+    At(Link(ref, entry.key, entry.origin, entry.expanded)).lent = entry.lent;
 }
 
 bool RecalcList::MarkExpanded(Node node) { return !std::exchange(At(node).expanded, true); }
@@ -187,10 +203,9 @@ RecalcList::Node RecalcList::Find(CCRef const * ref) {
 void RecalcList::Exclude(CCRef const * ref) {
     Node const node = Find(ref);
     if (node == kNone) return;
-    if (At(node).ref == ref)
-        Detach(node);
-    else
-        Delete(Detach(node));
+    bool const lent = At(node).lent;
+    CCRef * const excluded = Detach(node);
+    if (!lent && excluded != ref) Delete(excluded);
 }
 
 void RecalcList::Exclude(CCRefList const * list) {
@@ -234,7 +249,7 @@ void RecalcList::Merge(RecalcList & other) {
         return;
     }
     for (Node node = other.m_Head; node != kNone; node = other.Next(node))
-        Link(other.At(node).ref, other.At(node).key, 0, false);
+        At(Link(other.At(node).ref, other.At(node).key, 0, false)).lent = other.At(node).lent;
     other.Reset();
 }
 
@@ -251,7 +266,7 @@ void RecalcList::Empty() {
 
 RecalcList::Slot * RecalcList::PlaceOf(std::uint64_t key, CCRef const * ref) {
     std::size_t const mask = m_Index.size() - 1;
-    std::uint64_t const hash = Mix(key);
+    std::uint64_t const hash = Mix(key & ~kExact);
     for (std::size_t at = hash & mask; m_Index[at].node != kFree; at = (at + 1) & mask) {
         Slot & slot = m_Index[at];
         if (slot.node != kGone && slot.tag == std::uint32_t(hash >> 32) &&
@@ -287,7 +302,7 @@ void RecalcList::Enter(Node node) {
         first.lastEqual = node;
         return;
     }
-    std::uint64_t const hash = Mix(entry.key);
+    std::uint64_t const hash = Mix(entry.key & ~kExact);
     std::size_t const mask = m_Index.size() - 1;
     std::size_t at = hash & mask;
     while (m_Index[at].node != kFree) at = (at + 1) & mask;

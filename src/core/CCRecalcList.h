@@ -5,7 +5,7 @@
 // stands first, and append one. So the nodes carry a growing stamp (order in the list is order of
 // stamps, since nodes are only ever appended), and a longer queue keeps a hash from a reference to
 // its first node. Most references are cells; a cell with its sheet is held as a number, and becomes
-// an object only when someone asks for one.
+// an object only when someone asks for one. References of a host's own classes stay objects.
 //
 // Whoever asks for the standard list gets one; the queue takes its references back when it is next
 // needed.
@@ -42,8 +42,8 @@ public:
     // Append copies, with no test for duplicates.
     void AddLast(CCRef const * ref);
     void AddLast(CCRefList const * list);
-    // Removes the first equal node. Where the caller holds that node's reference, it lives on in
-    // the caller's hands.
+    // Removes the first equal node. A reference that the caller was given (GetFirst, GetStdList) or
+    // has given (Append) lives on in the caller's hands.
     void Exclude(CCRef const * ref);
     // For each member removes the first equal node and deletes its reference. The difference is
     // meant so.
@@ -74,6 +74,16 @@ public:
     bool MarkExpanded(Node node); // true the first time
     Stamp NextStamp() const { return m_nStamp; }
 
+    // The reference of an exact key.
+    class Unpacked {
+    public:
+        CCRef * Set(std::uint64_t key);
+
+    private:
+        CCRCRef m_Cell;
+        CCRef3D m_Placed;
+    };
+
     // The reference of a node, alive as long as this object whatever happens to the queue.
     class CVCELLS_API Held {
     public:
@@ -89,13 +99,13 @@ public:
         Held * m_Outer;
         CCRef * m_Ref;
         bool m_bPinned = false, m_bDropped = false;
-        CCRCRef m_Cell; // what m_Ref leads to for a node without an object
-        CCRef3D m_Placed;
+        Unpacked m_Unpacked; // what m_Ref leads to for a node without an object
     };
 
-    // Whether two references are one is decided by their keys alone when a key is exact.
+    // An exact key stands for its reference: two of them are equal for equal references only. Where
+    // a key is not exact, those of equal references are equal without regard to that bit.
     static std::uint64_t KeyOf(CCRef const * ref);
-    static bool IsExact(std::uint64_t key) { return key >> 63 != 0; }
+    static bool IsExact(std::uint64_t key) { return (key & kExact) != 0; }
 
 private:
     struct Entry {
@@ -105,6 +115,7 @@ private:
         Node previous, next;
         Node nextEqual, lastEqual; // nodes of equal references; the last is kept in the first
         bool expanded;
+        bool lent;  // the object is known outside
         bool first; // of its equals; known while there is an index
     };
     struct Slot {
@@ -120,7 +131,7 @@ private:
     CCRef * ObjectOf(Node node);
     bool IsSame(Node node, std::uint64_t key, CCRef const * ref) const;
     void Adopt();
-    void Link(CCRef * ref, std::uint64_t key, Stamp origin, bool expanded);
+    Node Link(CCRef * ref, std::uint64_t key, Stamp origin, bool expanded);
     CCRef * Detach(Node node);
     void Delete(CCRef * ref);
     void Reset();

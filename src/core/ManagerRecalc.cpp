@@ -309,7 +309,6 @@ void CCCellManager::DoProcess(int limit) {
             m_ProcessList.ExcludeDelete(ref);
             continue;
         }
-        if (limit == 0) break;
         // A reference that comes back more often than there are others stands in a cycle.
         auto visit = visits.find(ref);
         if (visit == visits.end()) {
@@ -426,17 +425,18 @@ private:
 
 } // namespace
 
-// Whether the dependents of the item lead back to the origin of this walk: 0 for a cycle. Where no
-// document elsewhere must be told, a search from the other side runs along, and whichever ends
-// first decides; so neither order of entering a chain walks the whole chain each time.
+// Whether the dependents of the item lead back to the origin of this walk: 0 for a cycle. Where
+// formulas alone make dependents and no document elsewhere must be told, a search from the other
+// side runs along, and whichever ends first decides; so neither order of entering a chain walks the
+// whole chain each time.
 int CCCellManager::WalkForCycle(CCItem const * item, RemoteRefs & remote) {
     CCRecalcList list;
     PatchProcessDependents(item->GetRef(), list);
     if (list.IsEmpty()) return 1;
     CCRef const * const origin = m_FormulaItems.front()->GetRef();
     std::unique_ptr<CCRef> const placed(MakeDependentRef(ctx(), origin));
-    bool const mayLookBack =
-        item == m_FormulaItems.front() && !m_bRemoteDependents && !m_bStoredDependents;
+    bool const mayLookBack = FormulasImplyDependents() && item == m_FormulaItems.front() &&
+                             !m_bRemoteDependents && !m_bStoredDependents && !m_bAddedDependents;
     std::unique_ptr<BackwardSearch> back;
     if (mayLookBack) back = std::make_unique<BackwardSearch>(*this, item);
     std::vector<std::unique_ptr<CCRef>> kept;

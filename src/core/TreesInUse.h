@@ -20,6 +20,7 @@ public:
         if (--s_walks == 0 && s_replaced) FreeReplaced();
     }
 
+    static bool IsAny() { return s_walks > 0; }
     // Destroys a tree as soon as nobody can be walking it.
     static void Discard(std::unique_ptr<CCFormula> tree);
 

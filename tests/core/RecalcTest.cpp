@@ -2,6 +2,7 @@
 #include "format/FormatTables.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCRefList.h"
+#include "formula/CCRegionRef.h"
 #include "formula/CCRemoteRef.h"
 #include "formula/Parser.h"
 #include "support/BaseHost.h"
@@ -199,6 +200,30 @@ TEST(Recalc, TheBudgetedPassEndsOnACycle) {
     EXPECT_EQ(host.GetCurProcessCount(), 0);
 }
 
+TEST(Recalc, TheBudgetedPassGoesOnToTheEndOnceItHasMetAnotherDocument) {
+    struct Remote : BaseHost {
+        int told = 0;
+        int DoRemoteInitRecalc(CCRemoteRef const *, int) override { return ++told; }
+    } host;
+    for (char const * name : {"A1", "B1", "C1"}) host.Enter(name, L"=1+1");
+    host.Idle();
+    host.recalculated.clear();
+    CCRCRef const a1 = R("A1"), b1 = R("B1"), c1 = R("C1");
+    CCRemoteRef const peer(L"doc", L"X1");
+    host.m_ProcessList.AddLast(&a1);
+    host.m_ProcessList.AddLast(&b1);
+    host.DoProcess(1);
+    EXPECT_EQ(host.GetCurProcessCount(), 1); // the budget is used up
+    host.m_ProcessList.Empty();
+    host.m_RecalcList.Empty();
+    host.m_ProcessList.AddLast(&peer);
+    for (CCRCRef const * ref : {&a1, &b1, &c1}) host.m_ProcessList.AddLast(ref);
+    host.DoProcess(1);
+    EXPECT_EQ(host.GetCurProcessCount(), 0);
+    EXPECT_EQ(Order(host.recalculated), "A1 B1 C1 ");
+    EXPECT_EQ(host.told, 1);
+}
+
 TEST(Recalc, NonIdleCalculationIsForWorkbooks) {
     BaseHost host;
     host.Enter("A1", L"=1");
@@ -276,6 +301,88 @@ TEST(Recalc, HostsMayAddDependents) {
     host.Enter("A1", L"2");
     host.Idle();
     EXPECT_EQ(Order(host.recalculated), "D9 ");
+}
+
+TEST(Recalc, ACircleThroughADependentThatTheHostAddsIsFound) {
+    struct Adding : BaseHost {
+        bool adds = false;
+        CCRefList * LoadDependencies(CCRef const * ref) override {
+            CCRefList * list = BaseHost::LoadDependencies(ref);
+            if (!adds || NameOf(ref) != "A1") return list;
+            CCRefList * const node = cells::internal::NewRefNode(RefOf("D9").Copy(), true);
+            node->m_pNext = list;
+            return node;
+        }
+    } host;
+    host.Enter("D9", L"=1+1");
+    host.Enter("B1", L"=D9");
+    host.Enter("A1", L"=B1");
+    host.Idle();
+    EXPECT_EQ(host.InitFormulaRecalc(&host.Make("B1")), 1);
+    host.adds = true;
+    EXPECT_EQ(host.InitFormulaRecalc(&host.Make("B1")), 0);
+}
+
+namespace {
+
+// A host that promises that formulas alone make dependents.
+struct PromisingHost : BaseHost {
+    int loaded = 0;
+    int FormulasImplyDependents() const override { return 1; }
+    CCRefList * LoadDependencies(CCRef const * ref) override {
+        ++loaded;
+        return BaseHost::LoadDependencies(ref);
+    }
+};
+
+} // namespace
+
+TEST(Recalc, ACircleThroughADependentThatNoFormulaRegisteredIsFound) {
+    PromisingHost host;
+    host.Enter("D9", L"=1+1");
+    host.Enter("B1", L"=D9");
+    host.Enter("A1", L"=B1");
+    host.Idle();
+    CCRCRef const d9 = R("D9");
+    host.Make("A1").RegisterDependent(&host, &d9);
+    EXPECT_EQ(host.InitFormulaRecalc(&host.Make("B1")), 0);
+}
+
+TEST(Recalc, AChainThatIsEnteredFromItsEndIsNotWalkedEachTimeByAHostThatPromises) {
+    PromisingHost host;
+    int const n = 400;
+    host.Enter("A1", L"1");
+    for (int i = n; i > 1; --i) host.Make("A" + std::to_string(i));
+    for (int i = n; i > 1; --i)
+        host.Enter("A" + std::to_string(i), L"=A" + std::to_wstring(i - 1) + L"+1");
+    EXPECT_LT(host.loaded, 20 * n);
+    host.Idle();
+    EXPECT_EQ(host.Text("A400"), "400");
+}
+
+TEST(Recalc, LookingForACircleFromBothEndsFindsWhatOneEndFinds) {
+    std::mt19937 random(23);
+    for (int round = 0; round < 200; ++round) {
+        BaseHost plain;
+        PromisingHost promising;
+        int const n = 3 + int(random() % 6);
+        for (BaseHost * host : {&plain, static_cast<BaseHost *>(&promising)})
+            for (int i = 1; i <= n; ++i) host->Make("A" + std::to_string(i));
+        for (int step = 0; step < 12; ++step) {
+            std::string const name = "A" + std::to_string(1 + random() % n);
+            std::string formula = "=1";
+            for (unsigned reads = random() % 3; reads > 0; --reads)
+                formula += "+A" + std::to_string(1 + random() % n);
+            plain.Enter(name, Wide(formula));
+            promising.Enter(name, Wide(formula));
+            ASSERT_EQ(plain.GetCurProcessCount(), promising.GetCurProcessCount());
+            ASSERT_EQ(plain.InitFormulaRecalc(&plain.Make(name)),
+                      promising.InitFormulaRecalc(&promising.Make(name)));
+            plain.Idle();
+            promising.Idle();
+            ASSERT_EQ(Order(plain.recalculated), Order(promising.recalculated));
+        }
+    }
 }
 
 TEST(Recalc, AValueThatNeverEqualsItselfDoesNotLoop) {
@@ -386,6 +493,34 @@ TEST(Recalc, AReferenceToASheetNumberThatNobodyKnowsIsNotFound) {
 // The literal list of the rules, for comparison.
 namespace {
 
+// A cell of a host that has several of them at a place; in the layer 0 it is the plain cell.
+struct LayeredCell : CCRCRef {
+    LayeredCell(ushort line, int l) : CCRCRef(0, line), layer(l) {}
+    int IsEqual(CCRef const * other) const override {
+        auto const * layered = dynamic_cast<LayeredCell const *>(other);
+        return CCRCRef::IsEqual(other) && layer == (layered ? layered->layer : 0);
+    }
+    CCRef * Copy() const override { return new LayeredCell(*this); }
+    int layer;
+};
+
+std::unique_ptr<CCRef> RandomRef(std::mt19937 & random) {
+    auto const row = ushort(random() % 25);
+    switch (random() % 10) {
+    case 0:
+    case 1:
+        return std::make_unique<CCNameRef>(random() % 2 ? L"x" : L"X");
+    case 2:
+        return std::make_unique<LayeredCell>(row, int(1 + random() % 2));
+    case 3:
+        return std::make_unique<CCRef3D>(ushort(1), ushort(0), new LayeredCell(row, 1));
+    case 4:
+        return std::make_unique<CCRef3D>(ushort(1), ushort(0), new CCRCRef(0, row));
+    default:
+        return std::make_unique<CCRCRef>(uchar(0), row);
+    }
+}
+
 struct LiteralList {
     std::list<std::unique_ptr<CCRef>> refs;
     auto Find(CCRef const * ref) {
@@ -402,11 +537,7 @@ TEST(RecalcList, BehavesLikeAPlainList) {
         RecalcList list;
         LiteralList literal;
         for (int step = 0; step < 120; ++step) {
-            std::unique_ptr<CCRef> ref;
-            if (random() % 5 == 0)
-                ref = std::make_unique<CCNameRef>(random() % 2 ? L"x" : L"X");
-            else
-                ref = std::make_unique<CCRCRef>(uchar(0), ushort(random() % 25));
+            std::unique_ptr<CCRef> const ref = RandomRef(random);
             auto const found = literal.Find(ref.get());
             switch (random() % 5) {
             case 0:
@@ -440,6 +571,69 @@ TEST(RecalcList, BehavesLikeAPlainList) {
         auto expected = literal.refs.begin();
         for (CCRef * ref : list.GetStdList()) ASSERT_TRUE((*expected++)->IsEqual(ref));
     }
+}
+
+TEST(RecalcList, KeepsReferencesOfAHostsOwnClasses) {
+    RecalcList list;
+    LayeredCell const cell(3, 7);
+    CCRef3D const placed(1, 0, cell.Copy());
+    list.AddLast(&cell);
+    list.AddLast(&placed);
+    CCRCRef const plain(0, 3);
+    EXPECT_EQ(list.Find(&plain), RecalcList::kNone);
+    EXPECT_NE(list.Find(&cell), RecalcList::kNone);
+    std::list<CCRef *> const & refs = list.GetStdList();
+    auto const * first = dynamic_cast<LayeredCell const *>(refs.front());
+    auto const * last = dynamic_cast<LayeredCell const *>(cells::internal::InnerRef(refs.back()));
+    ASSERT_TRUE(first && last);
+    EXPECT_EQ(first->layer, 7);
+    EXPECT_EQ(last->layer, 7);
+}
+
+TEST(RecalcList, AHostsReferenceThatEqualsAPlainOneIsFoundForIt) {
+    for (bool longList : {false, true}) {
+        RecalcList list;
+        if (longList)
+            for (int row = 100; row < 140; ++row) {
+                CCRCRef const other(1, ushort(row));
+                list.AddLast(&other);
+            }
+        LayeredCell const own(3, 0), above(3, 1);
+        CCRCRef const plain(0, 3);
+        list.AddLast(&plain);
+        EXPECT_NE(list.Find(&own), RecalcList::kNone);
+        EXPECT_NE(list.Find(&plain), RecalcList::kNone);
+        list.ExcludeDelete(&own);
+        list.AddLast(&above);
+        EXPECT_EQ(list.Find(&plain), RecalcList::kNone);
+        list.AddLast(&own);
+        EXPECT_NE(list.Find(&plain), RecalcList::kNone);
+    }
+}
+
+TEST(RecalcList, AnExcludedReferenceStaysAliveAlsoForAnEqualOne) {
+    RecalcList list;
+    CCRegionRef const region(0, 0, 1, 1), equal(region);
+    CCRCRef const cell(0, 5), sameCell(cell);
+    list.AddLast(&region);
+    std::unique_ptr<CCRef> const held(list.GetFirst());
+    list.Exclude(&equal);
+    EXPECT_TRUE(list.IsEmpty());
+    EXPECT_TRUE(held->IsEqual(&region));
+    list.AddLast(&cell);
+    std::unique_ptr<CCRef> const heldCell(list.GetStdList().front());
+    list.Exclude(&sameCell);
+    EXPECT_TRUE(heldCell->IsEqual(&cell));
+    auto * const given = new CCRegionRef(region);
+    std::unique_ptr<CCRef> const taken(given);
+    list.Append(given);
+    list.MoveToTail(list.First());
+    list.Exclude(&equal);
+    EXPECT_TRUE(list.IsEmpty());
+    EXPECT_TRUE(taken->IsEqual(&region));
+    list.AddLast(&region); // nobody has seen this copy: it goes with its node
+    list.Exclude(&equal);
+    EXPECT_TRUE(list.IsEmpty());
 }
 
 TEST(RecalcList, AnUnlinkedReferenceIsTheCallers) {
