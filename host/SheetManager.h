@@ -147,6 +147,7 @@ public:
     int GetDocumentRevNum(unsigned int & count) override;
     int GetDocumentMergeRec(unsigned int & count) override;
     int GetDocumentMergeCount(unsigned int & count) override;
+    int RegistersPlacesOfMissingSheets() const override { return 0; }
     int FormulasImplyDependents() const override { return 1; }
     int ReadsCellsDirectly() const override { return 1; }
     int ReadNumbers(CCRef const * ref, NumberSink & sink) override;

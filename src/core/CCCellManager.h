@@ -230,6 +230,11 @@ public:
     // where a formula computes such a place and was refused, it reads #REF!.
     virtual int IsConcealed(CCRef const *) { return 0; }
 
+    // Whether a formula that names a place on a sheet that is not there is registered at the same
+    // place of its own sheet. A workbook whose formulas outlive the sheets that they name answers
+    // 0: such a formula shows its error and depends on no place.
+    virtual int RegistersPlacesOfMissingSheets() const { return 1; }
+
     // Optional, for speed. A host in which a formula that is entered is the only reason for one
     // place to depend on another answers 1: circles are then looked for from both ends. Not so
     // where LoadDependencies adds dependents of its own.

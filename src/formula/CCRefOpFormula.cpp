@@ -134,9 +134,13 @@ int CCRefOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) const
     }
     CCCellValue value;
     Eval(ctx, value, dependent);
-    if (!m_Target || m_Target->GetType() != kRefSheets)
-        return CCOpFormula::RegisterDependents(ctx, dependent);
     CCCellManager * const manager = ctx->manager();
+    if (!m_Target || m_Target->GetType() != kRefSheets) {
+        // Only what names the sheet, where its places are not those of the own one.
+        if (IsFullRef() && manager && !manager->RegistersPlacesOfMissingSheets())
+            return m_pArgs ? m_pArgs->formula->RegisterDependents(ctx, dependent) : 1;
+        return CCOpFormula::RegisterDependents(ctx, dependent);
+    }
     auto & sheets = *static_cast<CCRef3D *>(m_Target.get());
     if (IsFullRef() && manager)
         if (CCCellManager * sheet = manager->GetManForNameIndex(sheets.firstSheet))

@@ -159,6 +159,35 @@ TEST_F(ThreeSheets, FormulasOverARemovedSheetShowAReferenceErrorAndKeepTheirText
     EXPECT_EQ(one.Text("B2"), "7");
 }
 
+TEST_F(ThreeSheets, AFormulaOverARemovedSheetReadsNothingOfItsOwnSheet) {
+    for (auto const & [place, formula] :
+         {std::pair("A1", "=Two!A1"), std::pair("A2", "=Two!A2+1"),
+          std::pair("A3", "=SUM(Two!A1:A9)"), std::pair("A4", "=SUM(Two:Two!A4)"),
+          std::pair("B1", "=Two!C1")})
+        one.Enter(place, formula);
+    one.Enter("C1", "5");
+    book.Recalculate();
+    book.Remove(1);
+    book.Recalculate();
+    for (char const * place : {"A1", "A2", "A3", "A4", "B1"})
+        EXPECT_EQ(one.Text(place), "#REF!") << place;
+    CCRCRef const c1(2, 0), a1(0, 0);
+    for (CCRCRef const * ref : {&c1, &a1}) {
+        CCItem const * const item = one.Manager().GetItem(ref);
+        ASSERT_TRUE(item);
+        EXPECT_EQ(item->GetDependentCount(), 0);
+    }
+    one.Enter("B2", "=Four!B2"); // a sheet that has never been there
+    EXPECT_EQ(one.Text("B2"), "#REF!");
+    Sheet & again = book.Add("Two", 1);
+    again.Enter("A1", "3");
+    again.Enter("C1", "4");
+    book.Recalculate();
+    EXPECT_EQ(one.Text("A1"), "3");
+    EXPECT_EQ(one.Text("A3"), "3");
+    EXPECT_EQ(one.Text("B1"), "4");
+}
+
 TEST_F(ThreeSheets, ARunHoldsTheSheetsThatStandBetweenItsEndsNow) {
     one.Enter("A1", "1");
     two.Enter("A1", "2");
