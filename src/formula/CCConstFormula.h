@@ -41,6 +41,11 @@ public:
     explicit CCConstFormula(int error) : ConstantFormula(kConstFormula), m_Value(error) {}
     CCConstFormula(double) = delete;
     CCConstFormula(CCConstFormula const & other) : ConstantFormula(other), m_Value(other.m_Value) {}
+    // Takes the constant; a walk over this node goes on with it.
+    CCConstFormula & operator=(CCConstFormula const & other) {
+        m_Value = other.m_Value;
+        return *this;
+    }
 
     CCCellValue const & GetValue() const { return m_Value; }
     bool IsOpen() const { return m_nOpen != 0; }

@@ -12,6 +12,7 @@ public:
     explicit CCDocumentRef(ECDocRefType type) : CCRef(kRefDocument), docType(type) {}
 
     void Set(CCDocumentRef const & other) { *this = other; }
+    void Set(ECDocRefType type) { docType = type; }
     bool IsEqual(CCDocumentRef const & other) const { return docType == other.docType; }
 
     int GetType() const override { return kRefDocument; }

@@ -32,14 +32,18 @@ void EvalFormula(cells::CTX * ctx, CCCellValue & value, CCFormula const * formul
 
 namespace cells::internal {
 
-bool Dereference(CTX * ctx, CCCellValue & value) {
+int Dereference(CTX * ctx, CCCellValue & value) {
     CCRef * const ref = value.GetRef();
     CCCellValue content;
     content.Set(value.GetFormat());
-    bool const done = ref && ref->GetValue(ctx, content) == 1;
-    if (!done) content.Set(errRef);
+    int const answer = ref ? ref->GetValue(ctx, content) : 0;
+    if (!answer) content.Set(errRef);
     value.Set(content);
-    return done;
+    return answer;
+}
+
+void DereferenceStep(CTX * ctx, CCCellValue & value) {
+    if (value.IsRef() && Dereference(ctx, value) == -1) value.Set(errRef);
 }
 
 } // namespace cells::internal

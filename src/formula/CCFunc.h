@@ -77,33 +77,55 @@ public:
     cells::HeapText englishName;
 };
 
-class CVCELLS_API CCChooseFunc : public CCFunc {
+namespace cells::internal {
+
+// What the classes with one more function have in common.
+template <typename Extra>
+class FuncWithExtra : public CCFunc {
 public:
-    explicit CCChooseFunc(cells::ChoiceFn choice = nullptr) : extra(choice) {}
+    explicit FuncWithExtra(Extra function) : extra(function) {}
+    // As the forms without it.
+    using CCFunc::Init;
+    void Init(unsigned int id, uchar binding, uchar newKind, uchar group, CheckFn checkFn,
+              EvalFn evalFn, Extra function) {
+        Init(id, binding, newKind, group, checkFn, evalFn);
+        extra = function;
+    }
+    void Init(wchar_t const * name, uchar binding, uchar newKind, uchar group, CheckFn checkFn,
+              EvalFn evalFn, Extra function) {
+        Init(name, binding, newKind, group, checkFn, evalFn);
+        extra = function;
+    }
+
+    Extra extra;
+};
+
+} // namespace cells::internal
+
+class CVCELLS_API CCChooseFunc : public cells::internal::FuncWithExtra<cells::ChoiceFn> {
+public:
+    explicit CCChooseFunc(cells::ChoiceFn choice = nullptr) : FuncWithExtra(choice) {}
     int GetType() const override { return kChooseFunc; }
     // The live argument of a call; gives an error number, 0 for success. A null choice with 0 means
     // that nothing is selected.
     virtual int GetChoice(cells::CTX * ctx, CCFormula *& choice, CCFormulaList const * args,
                           CCRef const * current);
-    cells::ChoiceFn extra;
 };
 
-class CVCELLS_API CCRemoteFunc : public CCFunc {
+class CVCELLS_API CCRemoteFunc : public cells::internal::FuncWithExtra<cells::RemoteFn> {
 public:
-    explicit CCRemoteFunc(cells::RemoteFn remote = nullptr) : extra(remote) {}
+    explicit CCRemoteFunc(cells::RemoteFn remote = nullptr) : FuncWithExtra(remote) {}
     int GetType() const override { return kRemoteFunc; }
     virtual int GetRemoteRef(cells::CTX * ctx, CCRemoteRef & remote, CCFormulaList const * args,
                              CCRef const * current);
-    cells::RemoteFn extra;
 };
 
-class CVCELLS_API CCDocumentFunc : public CCFunc {
+class CVCELLS_API CCDocumentFunc : public cells::internal::FuncWithExtra<cells::DocumentFn> {
 public:
-    explicit CCDocumentFunc(cells::DocumentFn document = nullptr) : extra(document) {}
+    explicit CCDocumentFunc(cells::DocumentFn document = nullptr) : FuncWithExtra(document) {}
     int GetType() const override { return kDocumentFunc; }
     virtual int GetDocumentRef(cells::CTX * ctx, CCDocumentRef & document,
                                CCFormulaList const * args, CCRef const * current);
-    cells::DocumentFn extra;
 };
 
 class CVCELLS_API CCRefFunc : public CCFunc {

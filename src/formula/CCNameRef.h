@@ -18,6 +18,8 @@ public:
     CCNameRef & operator=(CCNameRef const & other);
 
     void Set(CCNameRef const & other) { *this = other; }
+    void Set(wchar_t const * text) { *this = CCNameRef(text); }
+    void Set(wchar_t const * text, unsigned int length) { *this = CCNameRef(text, length); }
     wchar_t const * name() const { return m_Name.get(); } // may be null
 
     int GetType() const override { return kRefName; }

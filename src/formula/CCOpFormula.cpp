@@ -157,7 +157,7 @@ ushort CCOpFormula::OpenRef(CTX *, CCRef const *) {
 int CCOpFormula::NextValue(CTX * ctx, ushort, CCCellValue & value, CCRef const * current) {
     if (!m_nOpen) return 0;
     Eval(ctx, value, current);
-    if (value.IsRef()) internal::Dereference(ctx, value);
+    internal::DereferenceStep(ctx, value);
     m_nOpen = 0;
     return 1;
 }

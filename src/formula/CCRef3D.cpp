@@ -11,19 +11,9 @@
 
 using cells::internal::LiveManager;
 
-CCRef3D::CCRef3D(cells::CTX * ctx, CCRef const * inner)
-    : CCRef(kRefSheets), ref(inner ? inner->Copy() : nullptr) {
-    if (CCCellManager * manager = ctx->manager()) {
-        m_bManagerForm = true;
-        m_nManager = manager->GetSerial();
-    }
-}
+CCRef3D::CCRef3D(cells::CTX * ctx, CCRef const * inner) : CCRef(kRefSheets) { Set(ctx, inner); }
 
-CCRef3D::CCRef3D(cells::CTX * ctx, CCRef3D const & other)
-    : CCRef3D(ctx, static_cast<CCRef const *>(nullptr)) {
-    ref = other.ref;
-    m_bBorrowed = true;
-}
+CCRef3D::CCRef3D(cells::CTX * ctx, CCRef3D const & other) : CCRef(kRefSheets) { Set(ctx, other); }
 
 CCRef3D::CCRef3D(CCRef3D const & other) : CCRef(other) { Set(other); }
 
@@ -39,6 +29,38 @@ void CCRef3D::Set(CCRef3D const & other) {
     m_bManagerForm = other.m_bManagerForm;
     m_nManager = other.m_nManager;
     m_bBorrowed = false;
+}
+
+void CCRef3D::Set(ushort first, ushort last, CCRef * inner) {
+    ref = inner;
+    firstSheet = first;
+    lastSheet = last;
+    currentSheet = 0;
+    m_bManagerForm = m_bBorrowed = false;
+    m_nManager = cells::internal::kNoManager;
+}
+
+void CCRef3D::Set(cells::CTX * ctx, CCRef const * inner) {
+    Set(0, 0, inner ? inner->Copy() : nullptr);
+    if (CCCellManager * manager = ctx->manager()) {
+        m_bManagerForm = true;
+        m_nManager = manager->GetSerial();
+    }
+}
+
+void CCRef3D::Set(cells::CTX * ctx, CCRef3D const & other) {
+    CCRef * const shared = other.ref;
+    Set(ctx, static_cast<CCRef const *>(nullptr));
+    ref = shared;
+    m_bBorrowed = true;
+}
+
+// The old inner reference goes last: the other may be a part of it.
+CCRef3D & CCRef3D::operator=(CCRef3D const & other) {
+    if (this == &other) return *this;
+    std::unique_ptr<CCRef> const old(m_bBorrowed ? nullptr : ref);
+    Set(other);
+    return *this;
 }
 
 CCCellManager * CCRef3D::GetManager() const {
@@ -153,9 +175,10 @@ int CCRef3D::UnRegisterDependent(cells::CTX * ctx, CCRef const * dependent) {
     int all = 1;
     for (int sheet = LowestSheet(); sheet <= HighestSheet(); ++sheet) {
         CCCellManager * manager = SheetManager(ctx, ushort(sheet));
-        int done = manager ? manager->UnRegisterDependent(ref, wrapped.get()) : 0;
-        if (manager && translated) done |= manager->UnRegisterDependent(ref, translated.get());
-        all &= done;
+        bool done = manager && manager->UnRegisterDependent(ref, wrapped.get());
+        if (manager && translated && manager->UnRegisterDependent(ref, translated.get()))
+            done = true;
+        if (!done) all = 0;
     }
     return all;
 }

@@ -28,11 +28,15 @@ public:
     // The same, sharing the other's inner reference: for temporaries that die before it.
     CCRef3D(cells::CTX * ctx, CCRef3D const & other);
     CCRef3D(CCRef3D const & other);
-    CCRef3D & operator=(CCRef3D const &) = delete;
+    CCRef3D & operator=(CCRef3D const & other);
     ~CCRef3D() override;
 
-    // For fresh objects: the old inner reference is not freed.
+    // What the constructors of the same arguments make. For fresh objects: the old inner reference
+    // is not freed.
     void Set(CCRef3D const & other);
+    void Set(ushort first, ushort last = 0, CCRef * inner = nullptr);
+    void Set(cells::CTX * ctx, CCRef const * inner);
+    void Set(cells::CTX * ctx, CCRef3D const & other);
 
     bool IsManagerForm() const { return m_bManagerForm; }
     CCCellManager * GetManager() const; // null in the number form, and for a dead manager

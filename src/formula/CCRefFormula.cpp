@@ -27,13 +27,13 @@ CCRefFormula::CCRefFormula(CCRefFormula const & other)
 }
 
 int CCRefFormula::Check(cells::CTX * ctx, CCRef const *) const {
-    if (!m_bChecked) m_bChecked = m_Ref && m_Ref->IsValid(ctx) == 1;
+    if (!m_bChecked) m_bChecked = m_Ref && m_Ref->IsValid(ctx);
     return m_bChecked ? 0 : int(errRef);
 }
 
 void CCRefFormula::Eval(cells::CTX * ctx, CCCellValue & value, CCRef const *) const {
     value.Set();
-    if (!m_Ref || m_Ref->GetValue(ctx, value) != 1) value.Set(errRef);
+    if (!m_Ref || !m_Ref->GetValue(ctx, value)) value.Set(errRef);
 }
 
 void CCRefFormula::Print(cells::CTX * ctx, std::wostream & stream, uchar) const {
@@ -90,10 +90,9 @@ bool IsItemGone(cells::CTX * ctx, CCRef const * ref, CCItem const * item) {
     CCCellManager * manager = ctx->manager();
     if (!manager || !item || !ref) return false;
     CCRef const * const itemRef = item->GetRef();
-    if (!itemRef) return false;
-    if (itemRef->GetType() == kRefDocument) return ref->IsEqual(itemRef) != 0;
+    if (itemRef && itemRef->GetType() == kRefDocument) return ref->IsEqual(itemRef) != 0;
     CCItem const * const found = cells::internal::Resolve(*manager, ref).item;
-    return found && (found == item || (found->GetRef() && itemRef->IsInside(ref)));
+    return found && (found == item || (itemRef && found->GetRef() && itemRef->IsInside(ref) != 0));
 }
 
 } // namespace

@@ -14,6 +14,7 @@ public:
     explicit CCRegionRef(CRect const & rect) : CCRef(kRefRegion) { Set(rect); }
 
     void Set(CCRegionRef const & other) { *this = other; }
+    void Set(uchar l, ushort t, uchar r, ushort b) { *this = CCRegionRef(l, t, r, b); }
     void Set(CRect const & rect); // truncates to the width of the grid
     void Get(CRect & rect) const { rect = CRect(left, top, right, bottom); }
 

@@ -15,6 +15,9 @@ public:
         : CCRef(kRefRemote), m_strDocument(documentText), m_strReference(itemText) {}
 
     void Set(CCRemoteRef const & other) { *this = other; }
+    void Set(CString const & documentText, CString const & itemText) {
+        *this = CCRemoteRef(documentText, itemText);
+    }
     void Clear();
     CString const & document() const { return m_strDocument; }
     CString const & item() const { return m_strReference; }

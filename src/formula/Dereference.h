@@ -11,7 +11,10 @@ class CTX;
 
 namespace cells::internal {
 
-// Replaces a reference by the content of its place; error 1, and false, where it cannot be read.
-CVCELLS_API bool Dereference(CTX * ctx, CCCellValue & value);
+// Replaces a reference by the content of its place, and gives the answer of the host that reads it;
+// error 1 where that is 0.
+CVCELLS_API int Dereference(CTX * ctx, CCCellValue & value);
+// The same in a walk over values, for a reference only: an answer of -1 is error 1 too.
+CVCELLS_API void DereferenceStep(CTX * ctx, CCCellValue & value);
 
 } // namespace cells::internal

@@ -18,12 +18,19 @@ bool EvalArg(CTX * ctx, CCCellValue & value, CCFormulaList const * args, CCRef c
     return true;
 }
 
+int NextNumberArg(CTX * ctx, CCCellValue & result, double & out, CCFormulaList const *& args,
+                  CCRef const * current) {
+    if (!EvalArg(ctx, result, args, current)) return -2;
+    args = args->next;
+    if (!result.IsNumber()) return -1;
+    out = result.GetNumber();
+    return 0;
+}
+
 bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count,
                 CCFormulaList const * args, CCRef const * current) {
-    for (int i = 0; i < count; ++i, args = args->next) {
-        if (!EvalArg(ctx, result, args, current) || !result.IsNumber()) return false;
-        out[i] = result.GetNumber();
-    }
+    for (int i = 0; i < count; ++i)
+        if (NextNumberArg(ctx, result, out[i], args, current) != 0) return false;
     return true;
 }
 

@@ -16,6 +16,11 @@ enum class Status { kDone = 0, kBadReference = 1, kBadValue = 2, kDivisionByZero
 // only where there is no item.
 bool EvalArg(CTX * ctx, CCCellValue & value, CCFormulaList const * args, CCRef const * current);
 
+// The next item as a number: 0, or -1 for an item that is none, an error or a blank included, which
+// stays in `result`; the cursor moves behind the item. -2 where no item is left.
+int NextNumberArg(CTX * ctx, CCCellValue & result, double & out, CCFormulaList const *& args,
+                  CCRef const * current);
+
 // The first `count` items as numbers. False at the first that is none, an error or a blank
 // included.
 bool GetNumbers(CTX * ctx, CCCellValue & result, double * out, int count,

@@ -63,7 +63,7 @@ bool ValueWalk::Next(CCCellValue & value) {
         break;
     case Kind::kOperator:
         m_Formula->Eval(m_Ctx, value, m_Current);
-        if (value.IsRef()) Dereference(m_Ctx, value);
+        DereferenceStep(m_Ctx, value);
         break;
     case Kind::kCell: {
         CCRef const * const ref = static_cast<CCRefFormula *>(m_Formula)->GetRef();

@@ -1,6 +1,7 @@
 #include "core/Guards.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCDocumentRef.h"
+#include "formula/CCNameRef.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRefFormula.h"
 #include "formula/CCRefList.h"
@@ -385,6 +386,58 @@ TEST(Registry, FieldsOfAFunctionsString) {
         cells::internal::OperatorObject(cells::internal::Operator::kAdd)->GetFuncString(field, 0));
 }
 
+namespace {
+
+int TakeNothing(cells::CTX *, CCFormula *& choice, CCFormulaList const *, CCRef const *) {
+    choice = nullptr;
+    return 7;
+}
+
+int TakeLink(cells::CTX *, CCRemoteRef & remote, CCFormulaList const *, CCRef const *) {
+    remote.Set(L"doc", L"A1");
+    return 1;
+}
+
+int TakeProperty(cells::CTX *, CCDocumentRef & property, CCFormulaList const *, CCRef const *) {
+    property.Set(CCDocumentRef::ECDocRefType(5));
+    return 1;
+}
+
+template <typename Func, typename Extra>
+void ExpectInit(Func & func, Extra extra) {
+    func.Init(L"EXTENDED", cells::kFunctionPriority, cells::kFunction, 3, nullptr, nullptr, extra);
+    EXPECT_STREQ(func.LocalName(), L"EXTENDED");
+    EXPECT_EQ(func.extra, extra);
+    EXPECT_EQ(func.category, 3);
+    func.extra = nullptr;
+    func.Init(13044u, cells::kFunctionPriority, cells::kFunction, 1, nullptr, nullptr, extra);
+    EXPECT_STREQ(func.EnglishName(), L"ABS");
+    EXPECT_EQ(func.stringId, 13044u);
+    EXPECT_EQ(func.extra, extra);
+    func.Init(L"PLAIN", cells::kFunctionPriority, cells::kFunction, 0, nullptr, nullptr);
+    EXPECT_EQ(func.extra, extra); // stays
+}
+
+} // namespace
+
+TEST(Registry, AFunctionIsSetUpTogetherWithItsExtraOne) {
+    BaseHost host;
+    CCChooseFunc choose;
+    ExpectInit(choose, &TakeNothing);
+    CCFormula * choice = nullptr;
+    EXPECT_EQ(choose.GetChoice(&host, choice, nullptr, nullptr), 7);
+    CCRemoteFunc link;
+    ExpectInit(link, &TakeLink);
+    CCRemoteRef remote;
+    EXPECT_EQ(link.GetRemoteRef(&host, remote, nullptr, nullptr), 1);
+    EXPECT_STREQ(remote.item(), L"A1");
+    CCDocumentFunc document;
+    ExpectInit(document, &TakeProperty);
+    CCDocumentRef property;
+    EXPECT_EQ(document.GetDocumentRef(&host, property, nullptr, nullptr), 1);
+    EXPECT_EQ(property.docType, 5);
+}
+
 TEST(Registry, AnotherLanguageParsesItsNamesAndStoresEnglishOnes) {
     BaseHost host;
     Tree const before = Parsed(host, L"SUM(1,2)");
@@ -483,6 +536,65 @@ TEST(EvaluationProtocol, AnUnreadableReferenceReplacesWhatTheCallerHad) {
     value.Set(L"stale");
     tree->Eval(&host, value, nullptr);
     EXPECT_EQ(value.GetError(), 1);
+}
+
+TEST(EvaluationProtocol, EveryTrueAnswerOfAHostIsTrue) {
+    struct Answering : BaseHost {
+        int answer = 1;
+        int IsValidRef(CCRef const *) override { return answer; }
+        int IsSingleValue(CCRef const *) override { return answer; }
+        int GetValue(CCRef const *, CCCellValue & value, int) override {
+            value.Set(7, uchar(C_NF_GENERAL));
+            return answer;
+        }
+    } host;
+    CCRef const * const name = new CCNameRef(L"tax");
+    for (int answer : {1, 2, -1, 1 << 20, 0}) {
+        host.answer = answer;
+        for (wchar_t const * text : {L"A1", L"tax", L"+A1", L"ABS(A1)", L"INDIRECT(\"A1\")"}) {
+            CCCellValue value;
+            Tree const tree = Parsed(host, text);
+            ASSERT_TRUE(tree);
+            EvalFormula(&host, value, tree.get(), nullptr);
+            EXPECT_EQ(value.IsNumber(), answer != 0) << cells::ToUtf8(CString(text)) << answer;
+        }
+        EXPECT_EQ(CCRefFormula(L"tax", 0).IsEditSourceRef(&host, nullptr) != 0, answer != 0);
+        EXPECT_EQ(name->IsSingleValue(&host) != 0, answer != 0);
+    }
+    delete name;
+}
+
+TEST(EvaluationProtocol, InAWalkAnAnswerOfMinusOneIsErrorOne) {
+    struct Answering : BaseHost {
+        int answer = 1;
+        int IsValidRef(CCRef const *) override { return 1; }
+        int GetValue(CCRef const *, CCCellValue & value, int) override {
+            value.Set(7, uchar(C_NF_GENERAL));
+            return answer;
+        }
+    } host;
+    // An operator node whose value is a reference.
+    struct Yielding : CCFunc {
+        static void Eval(cells::CTX *, CCCellValue & result, CCFormulaList const *, CCRef const *) {
+            result.AdoptRef(new CCRCRef(0, 0));
+        }
+        Yielding() {
+            Init(L"YIELDING", cells::kFunctionPriority, cells::kFunction, 0, nullptr, Eval);
+        }
+    } yielding;
+    for (int answer : {2, -1}) {
+        host.answer = answer;
+        Tree const tree(ConstructOpFormula(&yielding));
+        CCCellValue value;
+        ASSERT_EQ(tree->OpenRef(&host, nullptr), 1);
+        EXPECT_EQ(tree->NextValue(&host, 1, value, nullptr), 1);
+        EXPECT_EQ(value.GetError(), answer == -1 ? 1 : 0);
+        Tree const sum(
+            ConstructOpFormula(cells::internal::OperatorObject(cells::internal::Operator::kAdd),
+                               ConstructOpFormula(&yielding)));
+        EvalFormula(&host, value, sum.get(), nullptr);
+        EXPECT_EQ(value.GetError(), answer == -1 ? 1 : 0);
+    }
 }
 
 TEST(EvaluationProtocol, ARegionWithoutElementsIsErrorOne) {
@@ -593,6 +705,37 @@ TEST(TreeUpdates, LeaveTheOldTreeAndHandOutANewOne) {
     CCItem const * const item = host.GetItem(&a1);
     EXPECT_EQ(tree->InvalidateItem(&host, item, out, nullptr), 1);
     EXPECT_EQ(Printed(host, Tree(out).get()), "#REF! + A2 * SUM (#REF!)");
+}
+
+TEST(TreeUpdates, AnItemWithoutAPlaceIsGoneWhereItIsTheItemFound) {
+    struct Unplaced : CCItem {
+        CCRef const * GetRef() const override { return nullptr; }
+        bool IsEqual(CCItem const * item) const override { return item == this; }
+    };
+    struct ItemHost : BaseHost {
+        Unplaced item;
+        using BaseHost::GetItem;
+        CCItem * GetItem(CCRef const * ref) override {
+            CCNameRef const tax(L"tax");
+            return ref && ref->IsEqual(&tax) ? &item : BaseHost::GetItem(ref);
+        }
+    } host;
+    host.Make("A1");
+    Tree const tree = Parsed(host, L"tax+A1");
+    CCFormula * out = nullptr;
+    EXPECT_EQ(tree->InvalidateItem(&host, &host.item, out, nullptr), 1);
+    EXPECT_EQ(Printed(host, Tree(out).get()), "#REF! + A1");
+    Unplaced other;
+    EXPECT_EQ(tree->InvalidateItem(&host, &other, out, nullptr), 0);
+    EXPECT_EQ(Printed(host, Tree(out).get()), "tax + A1");
+}
+
+TEST(TreeUpdates, AnAssignedConstantIsTheOther) {
+    CCConstFormula constant{CCCellValue(L"before")};
+    CCConstFormula const other{CCCellValue(L"text")};
+    constant = other;
+    EXPECT_STREQ(constant.GetValue().GetText(), L"text");
+    EXPECT_STREQ(other.GetValue().GetText(), L"text");
 }
 
 TEST(TreeUpdates, APasteTurnsWhatFallsOffIntoAnError) {

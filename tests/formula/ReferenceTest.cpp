@@ -176,6 +176,78 @@ TEST(Regions, ContainAndInside) {
     EXPECT_FALSE(placed.Contain(&elsewhere));
 }
 
+TEST(Regions, AnswerForAPlaceOnASheetByThePlaceInside) {
+    CCRegionRef const outer = Region("A1", "D4"), inner = Region("B2", "C3"),
+                      far = Region("F6", "G7");
+    CCRCRef const cell(1, 1), off(6, 6);
+    CCRef3D const placedCell(2, 0, new CCRCRef(cell)), placedOff(2, 0, new CCRCRef(off)),
+        placedInner(2, 0, new CCRegionRef(inner)), placedOuter(2, 0, new CCRegionRef(outer));
+    EXPECT_TRUE(outer.Contain(&placedCell));
+    EXPECT_FALSE(outer.Contain(&placedOff));
+    EXPECT_TRUE(outer.Contain(&placedInner));
+    EXPECT_FALSE(inner.Contain(&placedOuter));
+    EXPECT_TRUE(inner.IsInside(&placedOuter));
+    EXPECT_FALSE(outer.IsInside(&placedInner));
+    EXPECT_TRUE(cell.IsInside(&placedInner));
+    EXPECT_TRUE(cell.IsInside(&placedCell));
+    EXPECT_FALSE(off.IsInside(&placedInner));
+    EXPECT_TRUE(placedCell.IsInside(&outer));
+    EXPECT_FALSE(placedCell.IsInside(&far));
+    EXPECT_TRUE(placedOuter.Contain(&cell));
+    CCRef3D const nested(2, 0, new CCRef3D(placedInner));
+    EXPECT_TRUE(outer.Contain(&nested));
+}
+
+namespace {
+
+// A host's reference that hands questions to the other one; first it may ask one of its own.
+struct HandingRef : CCObjectRef {
+    int GetType() const override { return 100; }
+    int IsEqual(CCRef const * other) const override { return other == this; }
+    CCRef * Copy() const override { return new HandingRef(*this); }
+    void Read(cells::CTX *, CArchive &) override {}
+    void Write(cells::CTX *, CArchive &) const override {}
+    int Compare(CCRef const *) const override { return 0; }
+    using CCRef::IsInside;
+    int IsInside(CCRef const * other) const override {
+        if (asked) answer = asked->Contain(askedFor);
+        return other->Contain(this);
+    }
+    int Contain(CCRef const * other) const override { return other->IsInside(this); }
+    CCRef const * asked = nullptr;
+    CCRef const * askedFor = nullptr;
+    mutable int answer = -1;
+};
+
+// One that makes up another of its kind for each question.
+struct EndlessRef : HandingRef {
+    static inline int made = 0;
+    int IsInside(CCRef const *) const override {
+        ++made;
+        CCRegionRef const region(0, 0, 1, 1);
+        EndlessRef const next;
+        return region.Contain(&next);
+    }
+};
+
+} // namespace
+
+TEST(HandOver, OneQuestionAPairEndsAndLeavesOthersAlone) {
+    CCRegionRef const region = Region("A1", "D4");
+    HandingRef ref;
+    EXPECT_FALSE(region.Contain(&ref)); // asked back, the region says no
+    EXPECT_FALSE(region.IsInside(&ref));
+    EXPECT_FALSE(CCRCRef(0, 0).IsInside(&ref));
+    CCRef3D const placed(2, 0, new CCRCRef(1, 1));
+    ref.asked = &region;
+    ref.askedFor = &placed;
+    EXPECT_FALSE(region.Contain(&ref));
+    EXPECT_EQ(ref.answer, 1);
+    EndlessRef const endless;
+    EXPECT_FALSE(region.Contain(&endless));
+    EXPECT_LE(EndlessRef::made, 100);
+}
+
 TEST(Update, MovesWhatIsNotAbsoluteAndThrowsOffTheGrid) {
     CCRCRef const from(0, 0), to(2, 3);
     CCRCRef cell(1, 1);
@@ -339,6 +411,66 @@ TEST(Ref3D, ManagerFormNamesALivingManager) {
     EXPECT_EQ(placed->GetValue(&host, value), 1);
     EXPECT_STREQ(value.GetText(), L" ");
     EXPECT_EQ(host.RecalcCell(placed.get()), 0);
+}
+
+TEST(Ref3D, AnAssignedReferenceIsACopyOfItsOwn) {
+    BaseHost host;
+    CCRCRef const cell(1, 1);
+    CCRef3D target(5, 6, new CCRegionRef(0, 0, 1, 1));
+    CCRef3D const number(2, 3, new CCRCRef(cell)), placed(&host, &cell);
+    target = number;
+    EXPECT_TRUE(target.IsEqual(&number));
+    EXPECT_NE(target.ref, number.ref);
+    target = placed;
+    EXPECT_TRUE(target.IsEqual(&placed));
+    EXPECT_EQ(target.GetManager(), &host);
+    CCRef3D & itself = target;
+    target = itself;
+    EXPECT_TRUE(target.IsEqual(&placed));
+    CCRef3D outer(1, 0, new CCRef3D(2, 0, new CCRCRef(cell)));
+    outer = *static_cast<CCRef3D *>(outer.ref); // a part of itself
+    EXPECT_EQ(outer.firstSheet, 2);
+    EXPECT_TRUE(outer.ref->IsEqual(&cell));
+    {
+        CCRef3D borrowing(&host, number); // shares the inner reference
+        borrowing = placed;
+    }
+    EXPECT_TRUE(number.ref->IsEqual(&cell));
+}
+
+TEST(References, AreSetByTheArgumentsOfTheirConstructors) {
+    BaseHost host;
+    CCRegionRef region;
+    region.Set(1, 2, 3, 4);
+    EXPECT_TRUE(AreRegionEqual(region, CCRegionRef(1, 2, 3, 4)));
+    CCNameRef name;
+    name.Set(L"tax");
+    EXPECT_STREQ(name.name(), L"tax");
+    name.Set(L"income", 2);
+    EXPECT_STREQ(name.name(), L"in");
+    CCDocumentRef property;
+    property.Set(CCDocumentRef::ECDocRefType(7));
+    EXPECT_EQ(property.docType, 7);
+    CCRemoteRef remote;
+    remote.Set(L"doc", L"A1");
+    EXPECT_STREQ(remote.document(), L"doc");
+    EXPECT_STREQ(remote.item(), L"A1");
+    CCRCRef const cell(1, 1);
+    auto const isSet = [](auto const & set, CCRef3D const & constructed) {
+        CCRef3D sheets;
+        set(sheets);
+        return sheets.IsEqual(&constructed) &&
+               sheets.IsManagerForm() == constructed.IsManagerForm();
+    };
+    EXPECT_TRUE(isSet([](CCRef3D & s) { s.Set(3); }, CCRef3D(3)));
+    EXPECT_TRUE(isSet([](CCRef3D & s) { s.Set(3, 4); }, CCRef3D(3, 4)));
+    EXPECT_TRUE(isSet([&](CCRef3D & s) { s.Set(3, 4, cell.Copy()); }, CCRef3D(3, 4, cell.Copy())));
+    EXPECT_TRUE(isSet([&](CCRef3D & s) { s.Set(&host, &cell); }, CCRef3D(&host, &cell)));
+    CCRef3D const other(3, 4, cell.Copy());
+    EXPECT_TRUE(isSet([&](CCRef3D & s) { s.Set(&host, other); }, CCRef3D(&host, &cell)));
+    CCRef3D again(&host, nullptr);
+    again.Set(3);
+    EXPECT_FALSE(again.IsManagerForm());
 }
 
 TEST(RefList, IsASetWithTheNewestFirst) {
