@@ -280,3 +280,22 @@ TEST(TwoSheets, ASheetLinkOfAnotherDocumentTakesItsNewNameInTheDependents) {
     EXPECT_TRUE(list.list->m_pRef->IsEqual(&now));
     EXPECT_EQ(list.list->m_pNext, nullptr);
 }
+
+TEST(TwoSheets, ARunLeavesAllItsSheetsWhateverTrueAnswerTheyGive) {
+    struct Answering : SheetHost {
+        using SheetHost::SheetHost;
+        using SheetHost::UnRegisterDependent;
+        int answer = 1;
+        int UnRegisterDependent(CCRef const *, CCRef const *) override { return answer; }
+    };
+    SheetHost::Book book;
+    Answering one{book, L"One"}, two{book, L"Two"};
+    CCRef3D run(1, 2, new CCRCRef(0, 0));
+    CCRCRef const reader = R("B1");
+    for (int answer : {1, 2, -1}) {
+        two.answer = answer;
+        EXPECT_EQ(run.UnRegisterDependent(&one, &reader), 1) << answer;
+    }
+    two.answer = 0;
+    EXPECT_EQ(run.UnRegisterDependent(&one, &reader), 0);
+}
