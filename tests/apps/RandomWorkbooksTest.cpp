@@ -23,6 +23,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
+#include <optional>
 #include <random>
 #include <set>
 #include <sstream>
@@ -381,51 +382,53 @@ void Execute(Session & session, std::string const & line) {
     }
 }
 
-// All that a user sees of a workbook.
-std::string Shown(Workbook & book) {
+// All that a user sees of a workbook, line by line: what stands where, and what it shows. What
+// cells on a circle show is left open.
+using Sight = std::vector<std::pair<std::string, std::optional<std::string>>>;
+
+Sight SightOf(Workbook & book) {
     std::set<Graph::Node> const circular = Graph(book).Circular();
-    std::string shown;
+    Sight sight;
     for (int i = 0; i < book.Count(); ++i) {
-        shown += book.NameOf(i) + "\n";
-        book.At(i).ForEachOccupied([&](Place place) {
-            shown += NameOf(place) + " " + book.At(i).EditText(place);
+        Sheet & sheet = book.At(i);
+        sight.emplace_back(book.NameOf(i), "");
+        sheet.ForEachOccupied([&](Place place) {
+            sight.emplace_back(NameOf(place) + " " + sheet.EditText(place), std::nullopt);
             if (!circular.count({i, place}))
-                shown += " | " + book.At(i).Text(place) + " | " + book.At(i).NumberFormat(place);
-            shown += "\n";
+                sight.back().second = sheet.Text(place) + " as " + sheet.NumberFormat(place);
         });
-        SheetManager const & sheet = ManagerOf(book.At(i));
-        for (CString const & name : sheet.Names())
-            shown += ToUtf8(name) + " = " + NameOf(AreaOf(*sheet.FindName(name))) + "\n";
+        for (CString const & name : ManagerOf(sheet).Names())
+            sight.emplace_back(ToUtf8(name), NameOf(AreaOf(*ManagerOf(sheet).FindName(name))));
     }
-    return shown;
+    return sight;
 }
 
-// The first line in which two texts differ.
-std::string FirstChange(std::string const & before, std::string const & after) {
-    std::istringstream a(before), b(after);
-    std::string x, y;
-    while (x == y && (a || b)) {
-        x.clear();
-        y.clear();
-        std::getline(a, x);
-        std::getline(b, y);
+// The first line in which two sights differ; empty for none.
+std::string Change(Sight const & before, Sight const & after) {
+    for (std::size_t i = 0; i < std::max(before.size(), after.size()); ++i) {
+        Sight::value_type const nothing, x = i < before.size() ? before[i] : nothing,
+                                y = i < after.size() ? after[i] : nothing;
+        if (x.first != y.first || (x.second && y.second && *x.second != *y.second))
+            return x.first + " | " + x.second.value_or("?") + " -> " + y.first + " | " +
+                   y.second.value_or("?");
     }
-    return x + " -> " + y;
+    return {};
 }
 
 // What a line does is taken back by an undo and made again by a redo, and a document is the same
 // when it is opened again. The difference where that is not so.
-std::string LawsOf(Session & session, std::string const & line, std::string const & before) {
+std::string LawsOf(Session & session, std::string const & line, Sight const & before) {
     bool const isReplay = line == "undo" || line == "redo";
-    std::string const after = Shown(session.GetBook());
-    if (before == after || isReplay) return {};
-    if (line == "reopen") return "opened again: " + FirstChange(before, after);
+    Sight const after = SightOf(session.GetBook());
+    std::string const change = Change(before, after);
+    if (change.empty() || isReplay) return {};
+    if (line == "reopen") return "opened again: " + change;
     Execute(session, "undo");
-    if (std::string const taken = Shown(session.GetBook()); taken != before)
-        return "undone: " + FirstChange(before, taken);
+    if (std::string const left = Change(before, SightOf(session.GetBook())); !left.empty())
+        return "undone: " + left;
     Execute(session, "redo");
-    if (std::string const made = Shown(session.GetBook()); made != after)
-        return "redone: " + FirstChange(after, made);
+    if (std::string const left = Change(after, SightOf(session.GetBook())); !left.empty())
+        return "redone: " + left;
     return {};
 }
 
@@ -433,13 +436,13 @@ std::string LawsOf(Session & session, std::string const & line, std::string cons
 std::pair<std::string, std::size_t> FirstDifference(Lines const & lines) {
     std::ostringstream out;
     Session session("C", out, false);
-    std::string before = Shown(session.GetBook());
+    Sight before = SightOf(session.GetBook());
     for (std::size_t i = 0; i < lines.size(); ++i) {
         Execute(session, lines[i]);
         std::string difference = Difference(session.GetBook());
         if (difference.empty()) difference = LawsOf(session, lines[i], before);
         if (!difference.empty()) return {difference, i + 1};
-        before = Shown(session.GetBook());
+        before = SightOf(session.GetBook());
     }
     return {"", lines.size()};
 }
