@@ -4,6 +4,7 @@
 #include "platform/LocaleInfo.h"
 
 #include <array>
+#include <string>
 
 namespace cells::internal {
 namespace {
@@ -36,6 +37,14 @@ CString Separator(wchar_t unit) {
     return plain ? CString(unit) : CString(L"\\") + CString(unit);
 }
 
+// The shape whose number an item of the locale gives; any other item leaves the body alone.
+template <std::size_t Shapes>
+wchar_t const * ShapeOf(wchar_t const * const (&shapes)[Shapes], CString const & item) {
+    for (std::size_t i = 0; i < Shapes; ++i)
+        if (item == CString(std::to_wstring(i))) return shapes[i];
+    return L"#";
+}
+
 CString CurrencyForm(wchar_t const * shape, CLocaleInfo const & locale, CString const & body) {
     CString text;
     for (; *shape; ++shape) {
@@ -50,9 +59,9 @@ CString CurrencyForm(wchar_t const * shape, CLocaleInfo const & locale, CString 
 }
 
 CString CurrencyPair(CLocaleInfo const & locale, wchar_t const * body, wchar_t const * between) {
-    CLocaleInfo::Facts const & facts = locale.Get();
-    return CurrencyForm(kPositive[facts.currencyPositiveOrder], locale, body) + CString(between) +
-           CurrencyForm(kNegative[facts.currencyNegativeOrder], locale, body);
+    return CurrencyForm(ShapeOf(kPositive, locale.Item(LOCALE_ICURRENCY)), locale, body) +
+           CString(between) +
+           CurrencyForm(ShapeOf(kNegative, locale.Item(LOCALE_INEGCURR)), locale, body);
 }
 
 void BuildDates(Formats & formats, CLocaleInfo const & locale) {

@@ -43,9 +43,7 @@ private:
     void Add(Parts &&... parts) {
         Sections().push_back(std::make_unique<T>(std::forward<Parts>(parts)...));
     }
-    void AddText(std::wstring_view text) {
-        if (!text.empty()) Add<CFormatTextSection>(CString(text));
-    }
+    void AddText(std::wstring_view text) { Add<CFormatTextSection>(CString(text)); }
     template <typename Left, typename Right>
     void AddDigit() {
         if (m_Left)
@@ -108,8 +106,7 @@ private:
         case L'[':
             return TakeBracket();
         case L'\\':
-            AddText(m_Text.substr(m_At, 1));
-            m_At = std::min(m_At + 1, m_Text.size());
+            if (m_At < m_Text.size()) AddText(m_Text.substr(m_At++, 1));
             return;
         case L'_':
             if (m_At < m_Text.size()) Add<CSpaceSection>(m_Text[m_At++]);

@@ -5,6 +5,7 @@
 #include "platform/Digits.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <sstream>
 
@@ -26,12 +27,17 @@ void AppendNumber(CString & output, long long number, std::size_t digits = 1) {
 
 constexpr double kLargestCount = 9e15; // hours beyond it are counted no further
 
-// A text of the locale that has one item for each day, Monday first. 29 February 1900 has the name
-// of the day behind it.
+// A text of the locale that has one item for each day, Monday first: the name of the date in the
+// real calendar. A 29 February that is none there has the name of the day behind it.
 wchar_t const * DayName(CFormatState const & state, unsigned int first) {
-    double const serial = std::floor(std::fabs(state.value));
-    int const weekDay = GetWeekDay(serial) < 0 ? GetWeekDay(serial + 1) : GetWeekDay(serial);
-    return state.lctx->info(first + unsigned(weekDay + 6) % 7);
+    namespace chrono = std::chrono;
+    chrono::month const month{unsigned(state.month)};
+    if (!month.ok()) return L""; // beyond every calendar
+    constexpr int kEra = 400;    // years after which the calendar and its weekdays come again
+    chrono::year const year{2000 + state.year % kEra};
+    chrono::sys_days const firstOfMonth{year / month / 1};
+    chrono::weekday const weekDay{firstOfMonth + chrono::days(state.day - 1)};
+    return state.lctx->info(first + weekDay.iso_encoding() - 1);
 }
 
 // The best rational for x > 0 with a denominator of at most `limit`: the last convergent of its

@@ -55,15 +55,9 @@ CString NumberText(CCNumberFormat const & format, cells::LCTX & lctx) {
     if (!ltString.IsEmpty() && !leading) text += Quoted(CString(L" ") + ltString);
     if (type == C_NF_PERCENT) text += L"%";
     if (type == C_NF_SCIENTIFIC) text += L"E+000";
-    bool const brackets = format.getNegBr() != 0, red = format.getNegRed() != 0;
-    if (brackets || red) {
-        CString const positive = text;
-        text += L";";
-        if (red) text += L"[RED]";
-        if (brackets) text += L"(";
-        text += positive;
-        if (brackets) text += L")";
-    }
+    // One mark of negative numbers is written as both.
+    if (format.getNegBr() || format.getNegRed())
+        text = text + CString(L";[RED](") + text + CString(L")");
     return text == L"#" ? CString(L"General") : text;
 }
 

@@ -111,14 +111,17 @@ INSTANTIATE_TEST_SUITE_P(
         Case{L"d-mmm-yy", kDay, "5-Mar-26"}, Case{L"mmmm d", kDay, "March 5"},
         Case{L"mmmmm", kDay, "March"}, Case{L"mmmmmm", kDay, "03"}, Case{L"dddd", kDay, "Thursday"},
         Case{L"ddd d", kDay, "Thu 5"}, Case{L"dddd", 60, "Thursday"}, // 1 March 1900
-        Case{L"dddd", 0, "Monday"}, Case{L"ddddd", kDay, "05"}, Case{L"YYYY", kDay, "2026"},
-        Case{L"y", kDay, "2026"}, Case{L"h AM/PM", At(13, 0, 0), "13 PM"},
-        Case{L"h AM/PM", At(14, 0, 0), "2 PM"}, Case{L"h AM/PM", At(0, 10, 0), "12 AM"},
-        Case{L"hh:mm AM/PM", At(9, 5, 0), "09:05 AM"}, Case{L"h:mm", At(13, 45, 0), "13:45"},
-        Case{L"h:m:s", At(1, 5, 7), "1:5:7"}, Case{L"mm:ss", At(1, 5, 7), "05:07"},
-        Case{L"mm:s", At(1, 5, 7), "5:7"}, Case{L"mm:ss,0", At(0, 45, 30), "45:300"},
-        Case{L"h.mm", At(13, 45, 0), "13.45"}, Case{L"[h]", 1.5, "36"}, Case{L"[h]", 60, "1440"},
-        Case{L"[h]", -1.5, "-36"}, Case{L"[hh]", At(5, 0, 0), "05"}, Case{L"[m]", 1.5, "720"},
+        Case{L"dddd d", 73108, "Sunday 28"}, // of February 2100, the last day of both calendars
+        Case{L"dddd d", 73109, "Monday 29"}, Case{L"dddd d", 73110, "Monday 1"},
+        Case{L"ddd", 73111, "Tue"}, Case{L"dddd", 1e12, ""}, Case{L"dddd", 0, "Monday"},
+        Case{L"ddddd", kDay, "05"}, Case{L"YYYY", kDay, "2026"}, Case{L"y", kDay, "2026"},
+        Case{L"h AM/PM", At(13, 0, 0), "13 PM"}, Case{L"h AM/PM", At(14, 0, 0), "2 PM"},
+        Case{L"h AM/PM", At(0, 10, 0), "12 AM"}, Case{L"hh:mm AM/PM", At(9, 5, 0), "09:05 AM"},
+        Case{L"h:mm", At(13, 45, 0), "13:45"}, Case{L"h:m:s", At(1, 5, 7), "1:5:7"},
+        Case{L"mm:ss", At(1, 5, 7), "05:07"}, Case{L"mm:s", At(1, 5, 7), "5:7"},
+        Case{L"mm:ss,0", At(0, 45, 30), "45:300"}, Case{L"h.mm", At(13, 45, 0), "13.45"},
+        Case{L"[h]", 1.5, "36"}, Case{L"[h]", 60, "1440"}, Case{L"[h]", -1.5, "-36"},
+        Case{L"[hh]", At(5, 0, 0), "05"}, Case{L"[m]", 1.5, "720"},
         Case{L"[s]", At(1, 0, 2), "120"}, Case{L"[h]:mm:ss", 1.5, "36:00:00"},
         Case{L"[H]:mm", 2.25, "54:00"}, Case{L"h:mm", 1 - 1e-7, "24:00"}, Case{L"m", -kDay, "-3"}));
 
@@ -238,10 +241,10 @@ TEST(CustomFormats, EquivalentTextOfAPlainRecord) {
     row("#%", C_NF_PERCENT, nothing);
     row("#/#", C_NF_FRACTION, nothing);
     row("#.0E+000", C_NF_SCIENTIFIC, [](auto & f) { f.SetPrecision(1); });
-    row("#.0;(#.0)", C_NF_NUMBER, [](auto & f) { f.SetPrecision(1), f.SetNegBr(1); });
+    row("#.0;[RED](#.0)", C_NF_NUMBER, [](auto & f) { f.SetPrecision(1), f.SetNegBr(1); });
     row("#.0;[RED](#.0)", C_NF_NUMBER,
         [](auto & f) { f.SetPrecision(1), f.SetNegBr(1), f.SetNegRed(1); });
-    row("#.0;[RED]#.0", C_NF_NUMBER, [](auto & f) { f.SetPrecision(1), f.SetNegRed(1); });
+    row("#.0;[RED](#.0)", C_NF_NUMBER, [](auto & f) { f.SetPrecision(1), f.SetNegRed(1); });
     row("hh:mm AM/PM", C_NF_TIME, nothing);
     row("hh:mm:ss", C_NF_TIME, [](auto & f) { f.SetTimeRange(1), f.SetTimeSeconds(1); });
     row("mm/dd/yyyy", C_NF_DATE, nothing);
@@ -448,4 +451,20 @@ TEST(FormatSections, AHostsSectionMayCountWhatItPrintsAndTakeInTheNext) {
     EXPECT_STREQ(state.output.GetString(), L"**");
     CSpaceSection blank(L'x'), other(L'y');
     EXPECT_FALSE(static_cast<CFormatSection &>(blank).Merge(&other)); // the base takes nothing in
+}
+
+// An empty text keeps what stands around it apart, as any other text does.
+TEST(CustomFormats, AnEmptyTextIsASectionOfItsOwn) {
+    for (wchar_t const * empty : {L"\"\"", L"[$]", L"[$-409]"}) {
+        SCOPED_TRACE(cells::ToUtf8(CString(empty)));
+        CString const apart = CString(L"0") + CString(empty) + CString(L"0");
+        auto const list = cells::internal::CompileFormatSection(apart.View());
+        std::vector<int> types;
+        for (auto const & section : list->sections) types.push_back(section->GetType());
+        EXPECT_EQ(types,
+                  (std::vector<int>{CFormatSection::kLInSignificantDigit, CFormatSection::kText,
+                                    CFormatSection::kLInSignificantDigit}));
+        EXPECT_EQ(Printed(Custom(CString(L"yy") + CString(empty) + CString(L"yy")), kDay), "2626");
+    }
+    EXPECT_TRUE(cells::internal::CompileFormatSection(L"\\")->sections.empty());
 }

@@ -1,8 +1,10 @@
+#include "format/BuiltInFormats.h"
 #include "format/DateSerial.h"
 #include "format/International.h"
 #include "format/LTStrings.h"
 #include "format/Numbers.h"
 #include "format/TextSearch.h"
+#include "platform/LocaleInfo.h"
 #include "platform/Services.h"
 
 #include <clocale>
@@ -279,6 +281,25 @@ TEST(International, BuiltInFormats) {
     EXPECT_EQ(getBuiltInNumberFormat(15), L"d/mmm/yy");
     EXPECT_EQ(getBuiltInNumberFormat(30), L"Unknown");
     EXPECT_EQ(getBuiltInNumberFormat(49), L"[h]:mm:ss");
+}
+
+TEST(International, OrdersOfCurrencyThatNobodyKnowsLeaveTheNumberAlone) {
+    using namespace kbt::multilang;
+    struct Row {
+        wchar_t const *positive, *negative, *text;
+    } const rows[] = {
+        {L"0", L"1", L"$#,##0;-$#,##0"}, {L"3", L"15", L"#,##0 $;(#,##0 $)"},
+        {L"4", L"16", L"#,##0;#,##0"},   {L"0", L"31", L"$#,##0;#,##0"},
+        {L"7", L"0", L"#,##0;($#,##0)"}, {L"x", L"-1", L"#,##0;#,##0"},
+    };
+    for (Row const & row : rows) {
+        LocaleItems items;
+        items[LOCALE_ICURRENCY] = row.positive;
+        items[LOCALE_INEGCURR] = row.negative;
+        cells::internal::BuildBuiltInFormats(CLocaleInfo(L"xx", items, nullptr));
+        EXPECT_EQ(getBuiltInNumberFormat(5), row.text);
+    }
+    InitInternationalSettings();
 }
 
 TEST(International, TheInvariantListSeparatorNeedsNoWarning) {
