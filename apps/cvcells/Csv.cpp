@@ -25,14 +25,17 @@ namespace fs = std::filesystem;
                      what);
 }
 
+// Behind the line that begins at `at` and its end, which is LF, CR LF or CR.
+std::size_t EndOfLine(std::string const & content, std::size_t at) {
+    std::size_t const end = std::min(content.find_first_of("\r\n", at), content.size());
+    return std::min(end + (content.compare(end, 2, "\r\n") == 0 ? 2 : 1), content.size());
+}
+
 void RequireUtf8(std::string const & name, std::string const & content) {
     std::size_t const bad = FindInvalidUtf8(content);
     if (bad == content.size()) return;
-    std::size_t const start = content.rfind('\n', bad) == std::string::npos || bad == 0
-                                  ? 0
-                                  : content.rfind('\n', bad - 1) + 1;
-    std::size_t const line =
-        std::size_t(std::count(content.begin(), content.begin() + std::ptrdiff_t(bad), '\n')) + 1;
+    std::size_t line = 1, start = 0;
+    for (std::size_t end; (end = EndOfLine(content, start)) <= bad; start = end) ++line;
     Fail(name, line, bad - start + 1, "the text is not UTF-8");
 }
 
@@ -49,6 +52,7 @@ struct Collector {
     std::vector<Field> fields;
     std::string failure;
     std::size_t failedField = 0;
+    int rowEnd = 0; // the character that was told last
 
     void Take(char const * text, std::size_t size) {
         if (size > 0 && failure.empty()) {
@@ -62,7 +66,11 @@ struct Collector {
         }
         ++next.column;
     }
-    void EndRow() {
+    // Both characters of CR LF are told, and end one row.
+    void EndRow(int end) {
+        bool const isSecond = end == '\n' && rowEnd == '\r' && next.column == 0;
+        rowEnd = end;
+        if (isSecond) return;
         next.column = 0;
         ++next.row;
     }
@@ -87,12 +95,12 @@ void OnField(void * text, std::size_t size, void * data) {
     static_cast<Collector *>(data)->Take(static_cast<char const *>(text), size);
 }
 
-void OnRow(int, void * data) { static_cast<Collector *>(data)->EndRow(); }
+void OnRow(int end, void * data) { static_cast<Collector *>(data)->EndRow(end); }
 
 void Collect(Collector & collector, std::string const & content, char separator) {
     Parser csv(separator);
     for (std::size_t at = 0; at < content.size(); ++collector.line) {
-        std::size_t const end = std::min(content.find('\n', at), content.size() - 1) + 1;
+        std::size_t const end = EndOfLine(content, at);
         std::size_t const taken =
             csv_parse(&csv.parser, content.data() + at, end - at, OnField, OnRow, &collector);
         if (taken != end - at)
