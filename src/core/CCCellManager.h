@@ -240,6 +240,12 @@ public:
     // where LoadDependencies adds dependents of its own.
     virtual int FormulasImplyDependents() const { return 0; }
 
+    // Whether entries and formulas read the texts of errors, in the language in force, as
+    // constants:
+    // "=SUM(#REF!)" is then a formula, and an entry "#REF!" that error. Without it the first is a
+    // syntax error and the second a text.
+    virtual int ReadsErrorTexts() const { return 0; }
+
     // Optional, for speed. A host whose cells are all readable places of one value each answers 1:
     // opening, reading and closing a cell then is one call of GetValue.
     virtual int ReadsCellsDirectly() const { return 0; }

@@ -1,4 +1,5 @@
-// The grammar of the formula language, from loose to tight.
+// The grammar of the formula language, from loose to tight. The text of an error, which the lexer
+// gives only where the host reads it, may stand wherever the reference stood that was lost.
 //
 // Every binary level is left-recursive, so all operators group from the left, comparison and power
 // included. There is no error recovery: the parser unwinds and frees what it built. Its stack holds
@@ -52,7 +53,7 @@ using namespace cells::internal;
 }
 
 %token SEP SEP2 ADD SUB PERCENT POW MUL DIV AND OR NOT LT LE GT GE EQ NE DOTS COLON BANG AT UNKNOWN
-%token <formula> CONST REF
+%token <formula> CONST REF ERROR
 %token <func> FUNC
 %token <name> NAME
 %type <formula> expr or and not compare add mul pow pct unary primary refexpr plainref range refitem
@@ -133,6 +134,7 @@ refexpr: plainref
 
 plainref: range
         | REF
+        | ERROR
         ;
 
 range: refitem DOTS refitem  { if (!($$ = Combine(state, Operator::kRange, $1, $3))) YYABORT; }
@@ -140,6 +142,7 @@ range: refitem DOTS refitem  { if (!($$ = Combine(state, Operator::kRange, $1, $
      ;
 
 refitem: REF
+       | ERROR
        | call
        ;
 
@@ -170,7 +173,8 @@ item: value
     | SUB value { $$ = Negated($2); }
     ;
 
-value: CONST         { if (!($$ = TakeValue(state, $1))) YYABORT; }
+value: ERROR         { if (!($$ = TakeValue(state, $1))) YYABORT; }
+     | CONST         { if (!($$ = TakeValue(state, $1))) YYABORT; }
      | CONST PERCENT { if (!($$ = TakeValue(state, $1))) YYABORT; AsPercent($$); }
      ;
 

@@ -118,6 +118,7 @@ int cells_grammar_lex(CELLS_GRAMMAR_STYPE * value, cells::internal::ParserState 
     switch (lexeme.token) {
     case CONST:
     case REF:
+    case ERROR:
         value->formula = lexeme.formula.release();
         break;
     case FUNC:

@@ -2,6 +2,7 @@
 
 #include "core/CCCellManager.h"
 #include "core/Context.h"
+#include "formula/CCRCRef.h"
 #include "formula/FunctionRegistry.h"
 #include "formula/Grammar.h"
 #include "formula/Scanners.h"
@@ -29,8 +30,8 @@ Lexeme Lexer::Next() {
         lexeme.token = Glyph(SEP, 1);
     } else if (*m_At == lctx->listSeparartor2()) {
         lexeme.token = Glyph(SEP2, 1);
-    } else if (!TakeGlyph(lexeme) && !TakeConstant(lexeme) && !TakeFunction(lexeme) &&
-               !TakeSheetName(lexeme) && !TakeReference(lexeme)) {
+    } else if (!TakeError(lexeme) && !TakeGlyph(lexeme) && !TakeConstant(lexeme) &&
+               !TakeFunction(lexeme) && !TakeSheetName(lexeme) && !TakeReference(lexeme)) {
         bool const bracket = *m_At == L'(' || *m_At == L')' || *m_At == L'{' || *m_At == L'}';
         lexeme.token = Glyph(bracket ? int(*m_At) : int(UNKNOWN), 1);
     }
@@ -105,6 +106,16 @@ bool Lexer::TakeGlyph(Lexeme & lexeme) {
     }
 }
 
+bool Lexer::TakeError(Lexeme & lexeme) {
+    CCCellManager const * const manager = m_Ctx->manager();
+    if (!manager || !manager->ReadsErrorTexts()) return false;
+    int const error = EatErrorText(m_At);
+    if (!error) return false;
+    lexeme.formula = std::make_unique<CCConstFormula>(error);
+    lexeme.token = ERROR;
+    return true;
+}
+
 bool Lexer::TakeConstant(Lexeme & lexeme) {
     CCCellValue value;
     if (!_EatConstant(m_Ctx->lctx(), m_At, value)) return false;
@@ -134,21 +145,38 @@ bool Lexer::TakeSheetName(Lexeme & lexeme) {
 
 bool Lexer::TakeReference(Lexeme & lexeme) {
     wchar_t const * at = m_At;
-    CCRef * found = nullptr;
     uchar flags = 0;
-    CCCellManager const * const manager = m_Ctx->manager();
-    bool const sheet = manager && manager->GetType() == 1;
-    std::unique_ptr<CCRef> ref;
-    if (sheet && _EatSpreadRef(m_Ctx, at, found, flags)) ref.reset(found);
-    if (!ref || ContinuesWord(*at)) {
-        at = m_At;
-        if (!_EatNameRef(m_Ctx, at, found, flags)) return false;
-        ref.reset(found);
+    std::unique_ptr<CCRef> ref = TakeAddress(at, flags);
+    if (!ref) {
+        CCRef * name = nullptr;
+        if (!_EatNameRef(m_Ctx, at, name, flags)) return false;
+        ref.reset(name);
     }
     m_At = at;
     lexeme.formula = std::make_unique<CCRefFormula>(ref.get(), flags);
     lexeme.token = REF;
     return true;
+}
+
+// A cell, or a region whose second corner is an address to its end; where that is a longer word,
+// the first corner stands alone. Null for a word that only begins like an address.
+std::unique_ptr<CCRef> Lexer::TakeAddress(wchar_t const *& at, uchar & flags) {
+    CCCellManager const * const manager = m_Ctx->manager();
+    if (!manager || manager->GetType() != 1) return nullptr;
+    wchar_t const * end = at;
+    CCRef * found = nullptr;
+    if (!_EatSpreadRef(m_Ctx, end, found, flags)) return nullptr;
+    std::unique_ptr<CCRef> ref(found);
+    if (ContinuesWord(*end)) {
+        if (ref->GetType() != kRefRegion) return nullptr;
+        uchar col;
+        ushort row;
+        end = at;
+        _EatRC(m_Ctx, end, col, row, flags);
+        ref = std::make_unique<CCRCRef>(col, row);
+    }
+    at = end;
+    return ref;
 }
 
 } // namespace cells::internal

@@ -28,10 +28,12 @@ public:
 
 private:
     bool TakeGlyph(Lexeme & lexeme);
+    bool TakeError(Lexeme & lexeme);
     bool TakeConstant(Lexeme & lexeme);
     bool TakeFunction(Lexeme & lexeme);
     bool TakeSheetName(Lexeme & lexeme);
     bool TakeReference(Lexeme & lexeme);
+    std::unique_ptr<CCRef> TakeAddress(wchar_t const *& at, uchar & flags);
     int Glyph(int token, int length);
 
     CTX * m_Ctx;

@@ -1,5 +1,6 @@
 #include "formula/Parser.h"
 
+#include "core/CCCellManager.h"
 #include "core/Context.h"
 #include "formula/Lexer.h"
 #include "formula/Scanners.h"
@@ -12,6 +13,16 @@ namespace {
 
 using cells::internal::ParseTree;
 using Tree = std::unique_ptr<CCFormula>;
+
+// The whole entry is the text of an error, and the host reads those.
+bool ParseError(cells::CTX * ctx, wchar_t const * text, CCCellValue & value) {
+    CCCellManager const * const manager = ctx->manager();
+    if (!manager || !manager->ReadsErrorTexts()) return false;
+    int const error = cells::internal::EatErrorText(text);
+    if (!error || !_IsEmpty(ctx->lctx(), text)) return false;
+    value.Set(error);
+    return true;
+}
 
 // The tree of the text when nothing but white space stands behind it.
 Tree ParseWhole(cells::CTX * ctx, wchar_t const * text, int mode) {
@@ -67,6 +78,7 @@ int _Parse(cells::CTX * ctx, wchar_t const * text, CCCellValue & value, CCFormul
     CString const units(text); // splits what is above U+FFFF
     wchar_t const * at = units;
     _EatWhite(lctx, at);
+    if (ParseError(ctx, at, value)) return kEntryValue;
     switch (*at) {
     case 0:
         return kEntryValue;

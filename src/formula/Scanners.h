@@ -94,8 +94,12 @@ CVCELLS_API wchar_t * EatName(cells::CTX * ctx, wchar_t *& text);
 
 namespace cells::internal {
 
-// Reads the words for true and false again; runs when the language changes.
+// Reads the words for true and false, and the texts of errors, again; runs when the language
+// changes.
 void ReloadLogicalWords();
+void ReloadErrorTexts();
+// The number of the error whose printed text stands there; 0 for none. The longest text decides.
+int EatErrorText(wchar_t const *& text);
 // The end of the word (letter or "_", then letters, digits and "_") at `text`, or `text` itself.
 wchar_t const * EndOfWord(wchar_t const * text);
 

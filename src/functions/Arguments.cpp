@@ -54,6 +54,7 @@ CCFormula const * EvalChosen(CTX * ctx, CCCellValue & result, ChoiceFn choose,
                              CCFormulaList const * args, CCRef const * current) {
     CCFormula * choice = nullptr;
     int status = choose(ctx, choice, args, current);
+    if (!status && !choice) status = errValue;
     if (!status) status = choice->Check(ctx, current); // it may not have been live when checked
     if (status) {
         result.Set(status);

@@ -105,5 +105,6 @@ void InitBuiltinFunctions() {
     }
     BuildRegistry(registered);
     ReloadLogicalWords();
+    ReloadErrorTexts();
     SeedFromClock();
 }

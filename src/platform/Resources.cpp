@@ -15,7 +15,7 @@ struct Entry {
 };
 
 // Sorted by number. No error text may scan as a number or begin a formula, so that a copied
-// display text stays text.
+// display text is never taken for one.
 constexpr Entry kEnglish[] = {
     {13020, L"TRUE"},
     {13021, L"FALSE"},
@@ -64,8 +64,6 @@ constexpr Entry kEnglish[] = {
     {20025, L"values or range"},
     {20026, L"reference"},
 };
-
-constexpr int kErrorsWithString = 9;
 
 StringSource & FunctionStrings() {
     static StringSource source = nullptr;

@@ -37,6 +37,7 @@ CVCELLS_API CString LoadEnglishString(unsigned int id);
 // Field `index` of a text whose fields are separated by line feeds; false when it has none.
 CVCELLS_API bool GetField(CString const & text, int index, CString & field);
 
+constexpr int kErrorsWithString = 9; // errors 1 to 9
 // The printed form of an error value; numbers without a string print "#ERR" and the number.
 CVCELLS_API CString ErrorText(int error);
 

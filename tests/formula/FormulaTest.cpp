@@ -13,6 +13,7 @@
 #include "formula/FunctionRegistry.h"
 #include "formula/OperatorObjects.h"
 #include "formula/Parser.h"
+#include "platform/Resources.h"
 #include "platform/Services.h"
 #include "support/BaseHost.h"
 
@@ -119,6 +120,92 @@ TEST(FormulaParse, ListOfPeculiaritiesThatAreMeantSo) {
     EXPECT_EQ(Parsed(host, L"LOG10(100)")->GetType(), kOpFormula);
     EXPECT_EQ(static_cast<CCOpFormula *>(Parsed(host, L"LOG10(100)").get())->GetFunc()->stringId,
               13061u);
+}
+
+TEST(FormulaParse, ASecondCornerThatIsNoAddressLeavesTheFirstAsACell) {
+    struct Row {
+        wchar_t const * text;
+        char const * printed;
+    } const rows[] = {
+        {L"A1:Q1Sales", "A1 .. Q1Sales"},    {L"A1..Q1Sales", "A1 .. Q1Sales"},
+        {L"A1 : Q1Sales", "A1 .. Q1Sales"},  {L"A1:\tQ1Sales", "A1 .. Q1Sales"},
+        {L"A1 .. Q1Sales", "A1 .. Q1Sales"}, {L"$A$1:Q1Sales", "$A$1 .. Q1Sales"},
+        {L"$A1..B2_", "$A1 .. B2_"},         {L"A$1 : A100000", "A$1 .. A100000"},
+        {L"A1:A100000", "A1 .. A100000"},    {L"A1:A65537", "A1 .. A65537"},
+    };
+    BaseHost host;
+    for (Row const & row : rows) {
+        SCOPED_TRACE(row.printed);
+        Tree const tree = Parsed(host, row.text);
+        ASSERT_NE(tree, nullptr);
+        EXPECT_EQ(Printed(host, tree.get()), row.printed);
+        ASSERT_EQ(tree->GetType(), kRefOpFormula);
+        CCFormulaList const * const corners = static_cast<CCOpFormula &>(*tree).GetArgs();
+        auto const & first = static_cast<CCRefFormula &>(*corners->formula);
+        auto const & last = static_cast<CCRefFormula &>(*corners->next->formula);
+        EXPECT_EQ(first.GetRef()->GetType(), kRefCell);
+        EXPECT_EQ(last.GetRef()->GetType(), kRefName);
+        Tree const again = Parsed(host, cells::FromUtf8(row.printed));
+        ASSERT_NE(again, nullptr);
+        EXPECT_EQ(Printed(host, again.get()), row.printed);
+    }
+    EXPECT_EQ(Parsed(host, L"A1:B2")->GetType(), kRefFormula);
+    EXPECT_EQ(Parsed(host, L"A1B:B2"), nullptr); // a name, which no ":" may follow
+}
+
+namespace {
+
+struct ErrorReader : BaseHost {
+    int ReadsErrorTexts() const override { return 1; }
+};
+
+} // namespace
+
+TEST(FormulaParse, ErrorTextsAreConstantsWhereTheHostReadsThem) {
+    struct Row {
+        wchar_t const * text;
+        char const * printed;
+    } const rows[] = {
+        {L"#REF!", "#REF!"},
+        {L"SUM(#REF!,A1)", "SUM (#REF!, A1)"},
+        {L"-#DIV/0!+1", "-#DIV/0! + 1"},
+        {L"{1,#N/A;#VALUE!,2}", "{1, #N/A; #VALUE!, 2}"},
+        {L"One!#REF!", "One ! #REF!"},
+        {L"#REF!..A2", "#REF! .. A2"},
+        {L"A1:#REF!", "A1 .. #REF!"},
+        {L"#CIRC!=#CALL!", "#CIRC! = #CALL!"},
+    };
+    BaseHost plain;
+    ErrorReader host;
+    for (Row const & row : rows) {
+        EXPECT_EQ(Parsed(plain, row.text), nullptr) << row.printed;
+        EXPECT_EQ(Printed(host, Parsed(host, row.text).get()), row.printed);
+    }
+    for (wchar_t const * text : {L"#REF", L"#ref!", L"#ERR67", L"#N/Ax", L"A1#REF!", L"#REF!A1"})
+        EXPECT_EQ(Parsed(host, text), nullptr) << cells::ToUtf8(CString(text));
+    for (int error = 1; error <= 9; ++error) {
+        CCCellValue value;
+        Tree const tree = Parsed(host, cells::ErrorText(error));
+        ASSERT_NE(tree, nullptr) << error;
+        EvalFormula(&host, value, tree.get(), nullptr);
+        EXPECT_EQ(value.GetError(), error);
+    }
+}
+
+TEST(Entries, TheTextOfAnErrorIsThatErrorWhereTheHostReadsIt) {
+    BaseHost plain;
+    ErrorReader host;
+    auto const typed = [](BaseHost & reader, wchar_t const * text) {
+        CCCellValue value;
+        CCFormula * formula = nullptr;
+        EXPECT_EQ(_Parse(&reader, text, value, formula, nullptr), kEntryValue);
+        return value;
+    };
+    EXPECT_EQ(typed(host, L"#N/A").GetError(), 9);
+    EXPECT_EQ(typed(host, L" #REF! ").GetError(), 1);
+    for (wchar_t const * text : {L"'#REF!", L"#REF! x", L"#REF!1", L"x #REF!", L"#Ref!"})
+        EXPECT_TRUE(typed(host, text).IsText()) << cells::ToUtf8(CString(text));
+    EXPECT_TRUE(typed(plain, L"#REF!").IsText());
 }
 
 TEST(FormulaParse, LongArgumentListsAreRead) {
@@ -253,10 +340,12 @@ TEST(EditText, ReadsBackAsTheSameFormula) {
         std::mt19937 random;
         unsigned Pick(unsigned n) { return unsigned(random() % n); }
         std::wstring Leaf() {
-            wchar_t const * const leaves[] = {L"A1",   L"$B$2",       L"C$3:D4",   L"1",
-                                              L"1.50", L"2E-5",       L"\"a^^b\"", L"TRUE",
-                                              L"name", L"{1,2;\"x\"}"};
-            return leaves[Pick(10)];
+            wchar_t const * const leaves[] = {
+                L"A1",    L"$B$2",        L"C$3:D4",      L"1",
+                L"1.50",  L"2E-5",        L"\"a^^b\"",    L"TRUE",
+                L"name",  L"{1,2;\"x\"}", L"A1:Q1Sales",  L"$A$1..name",
+                L"#REF!", L"One!name",    L"One!A1:name", L"One:Two!A1:B2"};
+            return leaves[Pick(unsigned(std::size(leaves)))];
         }
         std::wstring Make(int depth) {
             if (depth == 0) return Leaf();
@@ -278,7 +367,7 @@ TEST(EditText, ReadsBackAsTheSameFormula) {
             }
         }
     };
-    BaseHost host;
+    ErrorReader host;
     EXPECT_TRUE(rc::check("print, parse, print", [&](unsigned seed) {
         Maker maker{std::mt19937(seed)};
         std::wstring const text = maker.Make(4);
@@ -687,6 +776,23 @@ TEST(Check, ABranchThatWasNotLiveIsCheckedWhenItIsPicked) {
     host.Enter("A1", L"0");
     host.Idle();
     EXPECT_EQ(host.Make("B1").GetValue().GetError(), 4);
+}
+
+TEST(Check, AnIndexThatSelectsNothingIsErrorFourAndErrorThreeOnACheckedTree) {
+    BaseHost host;
+    EXPECT_EQ(Parsed(host, L"CHOOSE(3,5,6)")->Check(&host, nullptr), 4);
+    EXPECT_EQ(Parsed(host, L"CHOOSE(1E300,5,6)")->Check(&host, nullptr), 4);
+    EXPECT_EQ(Parsed(host, L"CHOOSE(0,5,6)")->Check(&host, nullptr), 3); // no index
+    host.Enter("A1", L"2");
+    Tree const tree = Parsed(host, L"CHOOSE(A1,5,6)");
+    EXPECT_EQ(tree->Check(&host, nullptr), 0);
+    host.Enter("A1", L"3");
+    CCCellValue value;
+    tree->Eval(&host, value, nullptr);
+    EXPECT_EQ(value.GetError(), 3);
+    EXPECT_EQ(tree->OpenRef(&host, nullptr), 0);
+    EvalFormula(&host, value, Tree(tree->Copy()).get(), nullptr);
+    EXPECT_EQ(value.GetError(), 4);
 }
 
 TEST(TreeUpdates, LeaveTheOldTreeAndHandOutANewOne) {
