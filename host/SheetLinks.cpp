@@ -1,4 +1,5 @@
 // SheetManager: what other documents ask of a sheet, and what is asked of them.
+#include "formula/CCRef3D.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRemoteRef.h"
 #include "formula/Scanners.h"
@@ -180,5 +181,27 @@ int SheetManager::GetDocumentTitle(CString & text) { return Give(m_Book, Id::kTi
 int SheetManager::GetDocumentRevNum(unsigned & n) { return Give(m_Book, Id::kRevision, n); }
 int SheetManager::GetDocumentMergeRec(unsigned & n) { return Give(m_Book, Id::kMergeRecord, n); }
 int SheetManager::GetDocumentMergeCount(unsigned & n) { return Give(m_Book, Id::kMergeCount, n); }
+
+// The first corner of a place on another sheet; of a run of sheets, on the first.
+std::optional<Place> SheetManager::CornerElsewhere(CCRef const * ref) const {
+    if (!m_Book || !ref || ref->GetType() != kRefSheets) return std::nullopt;
+    auto const & sheets = *static_cast<CCRef3D const *>(ref);
+    bool const isPlace =
+        sheets.ref && (sheets.ref->GetType() == kRefCell || sheets.ref->GetType() == kRefRegion);
+    if (!isPlace || !m_Book->GetSheetByNumber(sheets.firstSheet - 1)) return std::nullopt;
+    return AreaOf(*sheets.ref).first;
+}
+
+int SheetManager::GetDocumentColumn(CCRef const * ref, unsigned & column) {
+    auto const corner = CornerElsewhere(ref);
+    if (corner) column = unsigned(corner->column) + 1;
+    return corner.has_value();
+}
+
+int SheetManager::GetDocumentRow(CCRef const * ref, unsigned & row) {
+    auto const corner = CornerElsewhere(ref);
+    if (corner) row = unsigned(corner->row) + 1;
+    return corner.has_value();
+}
 
 } // namespace cells::host

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -149,6 +150,9 @@ public:
     int GetDocumentMergeCount(unsigned int & count) override;
     int RegistersPlacesOfMissingSheets() const override { return 0; }
     int FormulasImplyDependents() const override { return 1; }
+    // Of a place on another sheet.
+    int GetDocumentColumn(CCRef const * ref, unsigned int & column) override;
+    int GetDocumentRow(CCRef const * ref, unsigned int & row) override;
     int ReadsCellsDirectly() const override { return 1; }
     int ReadNumbers(CCRef const * ref, NumberSink & sink) override;
     int FindNumber(CCRef const * ref, double number, CCCellValue & value) override;
@@ -163,6 +167,7 @@ private:
     };
 
     CCRef const * Target(CCRef const * ref) const; // by the engine's own reference classes
+    std::optional<Place> CornerElsewhere(CCRef const * ref) const;
     bool Settle(CCRef const & place);
     void Redefine(CString const & name, std::unique_ptr<CCRef> target);
     static CString Folded(CString name);

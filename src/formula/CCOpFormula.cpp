@@ -60,6 +60,13 @@ void CCOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * current) co
     }
 }
 
+void CCOpFormula::Detach() {
+    m_bDetached = true;
+    for (CCFormulaList const * item = m_pArgs; item; item = item->next)
+        if (item->formula->GetType() >= kOpFormula)
+            static_cast<CCOpFormula *>(item->formula)->Detach();
+}
+
 void CCOpFormula::CloseArguments(CTX * ctx, CCRef const * current) const {
     for (CCFormulaList const * item = m_pArgs; item; item = item->next)
         item->formula->CloseRef(ctx, 0, current);

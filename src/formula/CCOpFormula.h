@@ -58,6 +58,9 @@ public:
     int IsHyperLink() const override;
 
     bool IsOpen() const { return m_nOpen != 0; }
+    // Makes it a tree of no cell: evaluated for one, it registers nothing there. For trees that
+    // live for one call.
+    void Detach();
 
 protected:
     CCOpFormula(EFormulaType kind, CCFunc * func, CCFormulaList * args);
@@ -69,8 +72,12 @@ protected:
     template <typename Change>
     int RebuildArguments(CCFormula *& out, Change && change) const;
 
+    // The cell that follows what the node finds; null in a detached tree.
+    CCRef const * Follower(CCRef const * current) const { return m_bDetached ? nullptr : current; }
+
     CCFunc * m_pFunc = nullptr;
     CCFormulaList * m_pArgs = nullptr;
+    bool m_bDetached = false;
     mutable ushort m_nOpen = 0;
 
 private:

@@ -50,6 +50,55 @@ bool CCRefOpFormula::NamesPlace() const {
                                        m_pFunc == OperatorObject(Operator::kSheetRange)));
 }
 
+namespace {
+
+// The (first) sheet that an operand names, or null.
+CCCellManager * NamedSheet(CTX * ctx, CCFormula const & operand) {
+    CCCellValue value;
+    CCRef const * ref = operand.GetType() == kRefFormula
+                            ? static_cast<CCRefFormula const &>(operand).GetRef()
+                            : nullptr;
+    if (!ref) {
+        operand.Eval(ctx, value, nullptr);
+        ref = value.GetRef();
+    }
+    if (!ref || ref->GetType() != kRefSheets || !ctx->manager()) return nullptr;
+    auto const & sheets = *static_cast<CCRef3D const *>(ref);
+    return sheets.IsManagerForm() ? sheets.GetManager()
+                                  : ctx->manager()->GetManForNameIndex(sheets.firstSheet);
+}
+
+} // namespace
+
+template <typename Visit>
+bool CCRefOpFormula::ForEachPart(CTX * ctx, Visit && visit) const {
+    CCCellManager * const sheet = NamedSheet(ctx, *m_pArgs->formula);
+    if (!sheet) return false;
+    internal::ManagerContext lent(ctx, sheet);
+    CTX * const there = sheet == ctx->manager() ? ctx : static_cast<CTX *>(lent);
+    CCFormulaList const inner(m_pArgs->next->formula, nullptr);
+    CCFormulaList const * part = internal::IsReferenceOperator(*inner.formula, Operator::kRange)
+                                     ? static_cast<CCOpFormula *>(inner.formula)->GetArgs()
+                                     : &inner;
+    for (; part; part = part->next)
+        visit(*part->formula, part->formula->GetType() == kRefFormula ? there : ctx);
+    return true;
+}
+
+// Whether the place behind "!" is valid is a question to the sheet before it.
+int CCRefOpFormula::Check(CTX * ctx, CCRef const * current) const {
+    if (m_bChecked || !IsFullRef() || !FormulaList2ItemEx(m_pArgs))
+        return CCOpFormula::Check(ctx, current);
+    int status = m_pArgs->formula->Check(ctx, current);
+    if (status) return status;
+    bool const known = ForEachPart(ctx, [&](CCFormula const & part, CTX * there) {
+        if (!status) status = part.Check(there, current);
+    });
+    if (!known) status = m_pArgs->next->formula->Check(ctx, current);
+    m_bChecked = status == 0;
+    return status;
+}
+
 void CCRefOpFormula::Listen(CTX * ctx, CCCellManager * sheet) const {
     auto * listener = const_cast<CCRefOpFormula *>(this);
     StopListening();
@@ -106,12 +155,13 @@ void CCRefOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * current)
     CCOpFormula::Eval(ctx, value, current);
     CCRef const * const ref = value.GetRef();
     if (!ref) {
-        Leave(ctx, current);
+        Leave(ctx, Follower(current));
         m_Target.reset();
-        if (CCCellManager * manager = NamesPlace() || !current ? nullptr : ctx->manager())
+        if (CCCellManager * manager =
+                NamesPlace() || !Follower(current) ? nullptr : ctx->manager())
             manager->OnPlaceMissing(current);
     } else {
-        Follow(ctx, ref->Copy(), current);
+        Follow(ctx, ref->Copy(), Follower(current));
         if (IsKeptOut(ctx)) value.Set(errRef);
     }
 }
@@ -120,6 +170,27 @@ int CCRefOpFormula::IsSingleValue(CTX * ctx, CCRef const *) {
     CCCellValue value;
     CCOpFormula::Eval(ctx, value, nullptr);
     return value.IsRef() && value.GetRef() ? value.GetRef()->IsSingleValue(ctx) : 1;
+}
+
+// For a place that cannot be computed yet: the cell follows what the place is made of, and the node
+// the name of its sheet.
+int CCRefOpFormula::AwaitPlace(CTX * ctx, CCRef const * dependent) const {
+    int all = 1;
+    bool const known =
+        IsFullRef() && FormulaList2ItemEx(m_pArgs) &&
+        ForEachPart(ctx, [&](CCFormula const & part, CTX * there) {
+            std::unique_ptr<CCRef> const placed(MakeDependentRef(ctx, dependent));
+            if (!part.RegisterDependents(there, there == ctx ? dependent : placed.get())) all = 0;
+        });
+    if (!known) {
+        // Only what names the sheet, where its places are not those of the own one.
+        CCCellManager const * const manager = IsFullRef() ? ctx->manager() : nullptr;
+        if (manager && !manager->RegistersPlacesOfMissingSheets())
+            return m_pArgs ? m_pArgs->formula->RegisterDependents(ctx, dependent) : 1;
+        return CCOpFormula::RegisterDependents(ctx, dependent);
+    }
+    Listen(ctx, NamedSheet(ctx, *m_pArgs->formula));
+    return all;
 }
 
 int CCRefOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) const {
@@ -134,13 +205,8 @@ int CCRefOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) const
     }
     CCCellValue value;
     Eval(ctx, value, dependent);
+    if (!m_Target || m_Target->GetType() != kRefSheets) return AwaitPlace(ctx, dependent);
     CCCellManager * const manager = ctx->manager();
-    if (!m_Target || m_Target->GetType() != kRefSheets) {
-        // Only what names the sheet, where its places are not those of the own one.
-        if (IsFullRef() && manager && !manager->RegistersPlacesOfMissingSheets())
-            return m_pArgs ? m_pArgs->formula->RegisterDependents(ctx, dependent) : 1;
-        return CCOpFormula::RegisterDependents(ctx, dependent);
-    }
     auto & sheets = *static_cast<CCRef3D *>(m_Target.get());
     if (IsFullRef() && manager)
         if (CCCellManager * sheet = manager->GetManForNameIndex(sheets.firstSheet))
@@ -155,6 +221,11 @@ void CCRefOpFormula::UnRegisterDependents(CTX * ctx, CCRef const * dependent) co
         const_cast<CCRefOpFormula *>(this)->m_pManager = nullptr;
     }
     CCOpFormula::UnRegisterDependents(ctx, dependent);
+    if (IsFullRef() && FormulaList2ItemEx(m_pArgs))
+        ForEachPart(ctx, [&](CCFormula const & part, CTX * there) {
+            std::unique_ptr<CCRef> const placed(MakeDependentRef(ctx, dependent));
+            if (there != ctx) part.UnRegisterDependents(there, placed.get());
+        });
     if (m_Target) m_Target->UnRegisterDependent(ctx, dependent);
     m_Registered.reset();
 }
@@ -236,3 +307,12 @@ bool CCRefOpFormula::OnEvent(CCBaseEvent const & event) {
     }
     return true;
 }
+
+namespace cells::internal {
+
+bool IsReferenceOperator(CCFormula const & formula, Operator op) {
+    return formula.GetType() == kRefOpFormula &&
+           static_cast<CCOpFormula const &>(formula).GetFunc() == OperatorObject(op);
+}
+
+} // namespace cells::internal

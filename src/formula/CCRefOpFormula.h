@@ -25,6 +25,7 @@ public:
 
     int GetType() const override { return kRefOpFormula; }
     CCFormula * Copy() const override { return new CCRefOpFormula(*this); }
+    int Check(cells::CTX * ctx, CCRef const * current) const override;
     void Eval(cells::CTX * ctx, CCCellValue & value, CCRef const * current) const override;
     int IsSingleValue(cells::CTX * ctx, CCRef const * current) override;
     int RegisterDependents(cells::CTX * ctx, CCRef const * dependent) const override;
@@ -47,6 +48,11 @@ protected:
 private:
     bool IsFullRef() const;
     bool NamesPlace() const; // "!", ":" and ".."
+    // Visits the references written behind "!" in the context of the sheet that stands before it,
+    // and what is computed there in the formula's own; false where that sheet does not exist.
+    template <typename Visit>
+    bool ForEachPart(cells::CTX * ctx, Visit && visit) const;
+    int AwaitPlace(cells::CTX * ctx, CCRef const * dependent) const;
     void Follow(cells::CTX * ctx, CCRef * target, CCRef const * current) const;
     void Leave(cells::CTX * ctx, CCRef const * current) const;
     bool IsKeptOut(cells::CTX * ctx) const;

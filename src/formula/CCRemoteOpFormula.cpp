@@ -54,8 +54,8 @@ void CCRemoteOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * curre
     if (!remote.IsEqual(m_Remote)) {
         CCRemoteRef const old(m_Remote);
         if (CCCellManager * manager = ctx->manager()) {
-            if (!old.IsEmpty()) manager->DoRemoteUnRegisterDependent(&old, current);
-            manager->DoRemoteRegisterDependent(&remote, current);
+            if (!old.IsEmpty()) manager->DoRemoteUnRegisterDependent(&old, Follower(current));
+            manager->DoRemoteRegisterDependent(&remote, Follower(current));
         }
         m_Remote.Set(remote);
         RefRemoteChanged = 1;

@@ -1,6 +1,7 @@
 // The function objects of the operators, by what they mean.
 #pragma once
 
+class CCFormula;
 class CCFunc;
 
 namespace cells::internal {
@@ -30,5 +31,7 @@ enum class Operator {
 constexpr int kOperators = 20;
 
 CCFunc * OperatorObject(Operator op);
+// Whether a formula is a node of an operator that builds references.
+bool IsReferenceOperator(CCFormula const & formula, Operator op);
 
 } // namespace cells::internal

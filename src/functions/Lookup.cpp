@@ -3,6 +3,7 @@
 // A key of another type than the value is no match and no order; it is stepped over.
 #include "core/CCCellManager.h"
 #include "core/Context.h"
+#include "core/ManagerContext.h"
 #include "core/ValueCompare.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRef3D.h"
@@ -99,8 +100,7 @@ public:
             if (!_EatRef(ctx, text, scanned, flags)) return Fail(result, errValue);
             inner.reset(scanned);
         } else if (m_Outer->GetType() == kRefSheets) {
-            CCRef const * const ref = static_cast<CCRef3D const &>(*m_Outer).ref;
-            inner.reset(ref ? ref->Copy() : nullptr);
+            inner = PlaceThere(ctx, static_cast<CCRef3D const &>(*m_Outer));
         } else {
             inner.reset(m_Outer->Copy());
         }
@@ -138,6 +138,16 @@ public:
     }
 
 private:
+    // The place on the sheets, by whose names it is resolved.
+    static std::unique_ptr<CCRef> PlaceThere(CTX * ctx, CCRef3D const & sheets) {
+        std::unique_ptr<CCRef> place(sheets.ref ? sheets.ref->Copy() : nullptr);
+        CCCellManager * const own = ctx->manager();
+        CCCellManager * const sheet = own ? own->GetManForNameIndex(sheets.firstSheet) : nullptr;
+        if (!sheet) return place;
+        ManagerContext there(ctx, sheet);
+        return ResolveName(there, std::move(place));
+    }
+
     static bool Fail(CCCellValue & result, CellError error) {
         result.Set(error);
         return false;
@@ -176,6 +186,12 @@ void EvalTableLookup(CTX * ctx, CCCellValue & result, CCFormulaList const * args
 
 // Keys and results
 
+// They are walked in step, so they must be open and of one size.
+bool WalkInStep(ValueWalk & keys, ValueWalk & results) {
+    CSize a, b;
+    return keys.IsOpen() && results.IsOpen() && keys.Size(a) && results.Size(b) && a == b;
+}
+
 // Sorted keys: the result beside the last one not above the value, which must have one above it or
 // be equal to it.
 void EvalLookup(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
@@ -184,7 +200,7 @@ void EvalLookup(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     if (!FirstValue(ctx, result, args->formula, current, value)) return;
     ValueWalk keys(ctx, args->next->formula, current),
         results(ctx, args->next->next->formula, current);
-    if (!keys.IsOpen() || !results.IsOpen()) return result.Set(errRef);
+    if (!WalkInStep(keys, results)) return result.Set(errRef);
     result.Set(errNA);
     int compared = 0;
     while (keys.Next(key)) {
@@ -203,7 +219,13 @@ void EvalLookupEx(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                   CCRef const * current) {
     CCCellValue value;
     if (!FirstValue(ctx, result, args->formula, current, value)) return;
-    FindResult(ctx, result, value, args->next->formula, args->next->next->formula, current);
+    CCFormula * const keyRange = args->next->formula;
+    CCFormula * const resultRange = args->next->next->formula;
+    {
+        ValueWalk keys(ctx, keyRange, current), results(ctx, resultRange, current);
+        if (!WalkInStep(keys, results)) return result.Set(errRef);
+    }
+    FindResult(ctx, result, value, keyRange, resultRange, current);
 }
 
 // Positions
@@ -286,7 +308,7 @@ void EvalIndex(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRe
     result.Set(errValue);
 }
 
-// The argument that the index picks; gives an error number.
+// The argument that the index picks; null where no argument stands there. Gives an error number.
 int ChooseItem(CTX * ctx, CCFormula *& choice, CCFormulaList const * args, CCRef const * current) {
     choice = nullptr;
     if (!args) return errLegacy;
@@ -296,8 +318,7 @@ int ChooseItem(CTX * ctx, CCFormula *& choice, CCFormulaList const * args, CCRef
     CCFormulaList const * item = args->next;
     for (double place = std::trunc(index.GetNumber()); item && place > 1; --place)
         item = item->next;
-    if (!item) return errValue;
-    choice = item->formula;
+    if (item) choice = item->formula;
     return 0;
 }
 

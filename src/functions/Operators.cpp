@@ -2,6 +2,7 @@
 
 #include "core/CCCellManager.h"
 #include "core/Context.h"
+#include "core/ManagerContext.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRef3D.h"
@@ -93,12 +94,12 @@ OwnedRef RefArgument(CTX * ctx, CCCellValue & result, CCFormula const & formula,
     return ref;
 }
 
-// A corner of a range: a cell, or a name that stands for one.
-OwnedRef CornerArgument(CTX * ctx, CCCellValue & result, CCFormula const & formula,
+// A corner of a range: a cell, or a name that stands for one in the context `names`.
+OwnedRef CornerArgument(CTX * ctx, CTX * names, CCCellValue & result, CCFormula const & formula,
                         CCRef const * current) {
     OwnedRef ref = RefArgument(ctx, result, formula, current);
     if (!ref) return nullptr;
-    ref = ResolveName(ctx, std::move(ref));
+    ref = ResolveName(names, std::move(ref));
     if (ref && ref->GetType() == kRefCell) return ref;
     result.Set(errValue);
     return nullptr;
@@ -112,74 +113,102 @@ OwnedRef RegionBetween(CCRef const * a, CCRef const * b) {
     return region;
 }
 
-void EvalRange(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
-    OwnedRef const first = CornerArgument(ctx, result, *args->formula, current);
-    if (!first) return;
-    OwnedRef const last = CornerArgument(ctx, result, *args->next->formula, current);
-    if (last) result.AdoptRef(RegionBetween(first.get(), last.get()).release());
+// The region between two corners; null with an error in `result`.
+OwnedRef RegionOfCorners(CTX * ctx, CTX * names, CCCellValue & result, CCFormulaList const * args,
+                         CCRef const * current) {
+    OwnedRef const first = CornerArgument(ctx, names, result, *args->formula, current);
+    if (!first) return nullptr;
+    OwnedRef const last = CornerArgument(ctx, names, result, *args->next->formula, current);
+    return last ? RegionBetween(first.get(), last.get()) : nullptr;
 }
 
-// The number of the sheet that a name or a text names; 0 for none.
-ushort SheetNumber(CTX * ctx, CCFormula const & formula, CCRef const * current) {
+void EvalRange(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
+    if (OwnedRef region = RegionOfCorners(ctx, ctx, result, args, current))
+        result.AdoptRef(region.release());
+}
+
+// What an operand of ":" names: sheets by their numbers, 0 for none, and its place on them where it
+// carries one.
+struct SheetOperand {
+    ushort first = 0, last = 0;
+    OwnedRef place;
+
+    bool IsCell() const { return first == last && place && place->GetType() == kRefCell; }
+};
+
+SheetOperand ReadSheetOperand(CTX * ctx, CCFormula const & formula, CCRef const * current) {
+    SheetOperand operand;
     CCCellManager * const manager = ctx->manager();
-    if (!manager) return 0;
+    if (!manager) return operand;
+    CCCellValue value;
     CCRef const * ref = formula.GetType() == kRefFormula
                             ? static_cast<CCRefFormula const &>(formula).GetRef()
                             : nullptr;
-    CCCellValue value;
     if (!ref) {
         formula.Eval(ctx, value, current);
-        if (value.IsText()) return manager->GetNameIndex(value.GetText());
         ref = value.GetRef();
     }
-    bool const isName = ref && ref->GetType() == kRefName;
-    return isName ? manager->GetNameIndex(static_cast<CCNameRef const *>(ref)) : ushort(0);
+    if (value.IsText()) {
+        operand.first = operand.last = manager->GetNameIndex(value.GetText());
+    } else if (ref && ref->GetType() == kRefName) {
+        operand.first = operand.last = manager->GetNameIndex(static_cast<CCNameRef const *>(ref));
+    } else if (ref && ref->GetType() == kRefSheets) {
+        auto const & sheets = *static_cast<CCRef3D const *>(ref);
+        operand.first = sheets.firstSheet;
+        operand.last = sheets.IsOneSheet() ? sheets.firstSheet : sheets.lastSheet;
+        operand.place.reset(sheets.ref ? sheets.ref->Copy() : nullptr);
+    }
+    return operand;
 }
 
-bool IsFullRef(CCFormula const & formula) {
-    return formula.GetType() == kRefOpFormula &&
-           static_cast<CCOpFormula const &>(formula).GetFunc() ==
-               OperatorObject(Operator::kFullRef);
+// Whether its place is valid on the sheet that it names, which there must be.
+bool IsValidThere(CTX * ctx, SheetOperand const & operand) {
+    CCCellManager * const sheet = ctx->manager()->GetManForNameIndex(operand.first);
+    return sheet && sheet->IsValidRef(operand.place.get());
 }
 
-// Whether it is a cell on a sheet that there is, valid there.
-bool IsSheetCell(CTX * ctx, CCRef const * ref) {
-    if (!ref || ref->GetType() != kRefSheets || !ctx->manager()) return false;
-    auto const & sheets = *static_cast<CCRef3D const *>(ref);
-    if (!sheets.IsOneSheet() || !sheets.ref || sheets.ref->GetType() != kRefCell) return false;
-    CCCellManager * const sheet = ctx->manager()->GetManForNameIndex(sheets.firstSheet);
-    return sheet && sheet->IsValidRef(sheets.ref);
-}
-
-// "Sheet1!A1:Sheet3!B2": the sheets of both corners, and the region between their cells.
-void EvalSheetCorners(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
-                      CCRef const * current) {
-    OwnedRef const first = RefArgument(ctx, result, *args->formula, current);
-    OwnedRef const last = first ? RefArgument(ctx, result, *args->next->formula, current) : nullptr;
-    if (!first || !last || !IsSheetCell(ctx, first.get()) || !IsSheetCell(ctx, last.get()))
-        return result.Set(errRef);
-    auto const & a = *static_cast<CCRef3D *>(first.get());
-    auto const & b = *static_cast<CCRef3D *>(last.get());
-    result.AdoptRef(new CCRef3D(a.firstSheet, b.firstSheet, RegionBetween(a.ref, b.ref).release()));
-}
-
+// Sheets, or "Sheet1!A1:Sheet3!B2": the sheets of both corners, and the region between their cells.
 void EvalSheetRange(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                     CCRef const * current) {
-    CCFormulaList const * const second = args->next;
-    if (second && IsFullRef(*args->formula) && IsFullRef(*second->formula))
-        return EvalSheetCorners(ctx, result, args, current);
-    ushort const first = SheetNumber(ctx, *args->formula, current);
-    ushort const last = second ? SheetNumber(ctx, *second->formula, current) : ushort(0);
-    if (!first || (second && !last)) return result.Set(errRef);
-    result.AdoptRef(new CCRef3D(first, last));
+    SheetOperand const first = ReadSheetOperand(ctx, *args->formula, current);
+    if (!first.first) return result.Set(errRef);
+    if (!args->next) {
+        bool const isRun = first.last != first.first;
+        return result.AdoptRef(new CCRef3D(first.first, isRun ? first.last : ushort(0)));
+    }
+    SheetOperand const last = ReadSheetOperand(ctx, *args->next->formula, current);
+    if (!last.first) return result.Set(errRef);
+    if (first.IsCell() && last.IsCell()) {
+        if (!IsValidThere(ctx, first) || !IsValidThere(ctx, last)) return result.Set(errRef);
+        OwnedRef region = RegionBetween(first.place.get(), last.place.get());
+        return result.AdoptRef(new CCRef3D(first.first, last.first, region.release()));
+    }
+    if (IsReferenceOperator(*args->formula, Operator::kFullRef) &&
+        IsReferenceOperator(*args->next->formula, Operator::kFullRef))
+        return result.Set(errRef);
+    result.AdoptRef(new CCRef3D(first.first, last.last));
+}
+
+// What is written behind "!" belongs to the sheet before it, names among it; what is computed there
+// is computed where the formula stands.
+OwnedRef PlaceOnSheet(CTX * ctx, CCCellValue & result, CCRef3D const & sheets,
+                      CCFormula const & formula, CCRef const * current) {
+    CCCellManager * const own = ctx->manager();
+    CCCellManager * const sheet = own ? own->GetManForNameIndex(sheets.firstSheet) : nullptr;
+    if (!sheet || !IsReferenceOperator(formula, Operator::kRange))
+        return RefArgument(ctx, result, formula, current);
+    ManagerContext there(ctx, sheet);
+    return RegionOfCorners(ctx, there, result, static_cast<CCOpFormula const &>(formula).GetArgs(),
+                           current);
 }
 
 void EvalFullRef(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                  CCRef const * current) {
-    OwnedRef const sheets = RefArgument(ctx, result, *args->formula, current);
-    OwnedRef inner = sheets ? RefArgument(ctx, result, *args->next->formula, current) : nullptr;
-    if (!inner || sheets->GetType() != kRefSheets) return result.Set(errRef);
-    auto const & run = *static_cast<CCRef3D *>(sheets.get());
+    OwnedRef const ref = RefArgument(ctx, result, *args->formula, current);
+    if (!ref || ref->GetType() != kRefSheets) return result.Set(errRef);
+    auto const & run = *static_cast<CCRef3D const *>(ref.get());
+    OwnedRef inner = PlaceOnSheet(ctx, result, run, *args->next->formula, current);
+    if (!inner) return result.Set(errRef);
     result.AdoptRef(new CCRef3D(run.firstSheet, run.lastSheet, inner.release()));
 }
 

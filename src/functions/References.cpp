@@ -99,13 +99,13 @@ std::unique_ptr<CCRef> ReadRowColumn(wchar_t const * text) {
     return std::make_unique<CCRCRef>(uchar(column - 1), uchar(row - 1));
 }
 
-// The tree lives for this call only: it is evaluated for no cell, so that it registers nothing.
-std::unique_ptr<CCRef> ReadReference(CTX * ctx, wchar_t const * text) {
+// The tree lives for this call only, so that it registers nothing for the cell.
+std::unique_ptr<CCRef> ReadReference(CTX * ctx, wchar_t const * text, CCRef const * current) {
     std::unique_ptr<CCFormula> const formula(_ParseFormula(ctx, text, 0, nullptr));
-    if (!formula || (formula->GetType() != kRefFormula && formula->GetType() != kRefOpFormula) ||
-        formula->Check(ctx, nullptr))
+    if (!formula || (formula->GetType() != kRefFormula && formula->GetType() != kRefOpFormula))
         return nullptr;
-    return ReferenceOf(ctx, *formula, nullptr);
+    if (formula->GetType() == kRefOpFormula) static_cast<CCOpFormula *>(formula.get())->Detach();
+    return formula->Check(ctx, current) ? nullptr : ReferenceOf(ctx, *formula, current);
 }
 
 bool ChoosesRowColumn(CCCellValue const & style) {
@@ -123,7 +123,7 @@ void EvalIndirect(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     if (args->next) EvalArg(ctx, style, args->next, current);
     std::unique_ptr<CCRef> ref = args->next && ChoosesRowColumn(style)
                                      ? ReadRowColumn(written.c_str())
-                                     : ReadReference(ctx, written.c_str());
+                                     : ReadReference(ctx, written.c_str(), current);
     if (!ref) return result.Set(errRef);
     result.AdoptRef(ref.release());
 }
@@ -133,17 +133,18 @@ Status FirstNumber(CTX * ctx, CCFormula * formula, CCRef const * current, double
     CCCellValue value;
     ValueWalk walk(ctx, formula, current);
     if (!walk.IsOpen() || !walk.Next(value)) return Status::kBadReference;
-    if (!value.IsNumber()) return Status::kBadValue;
+    if (!value.IsNumber() || std::isnan(value.GetNumber())) return Status::kBadValue;
     out = std::trunc(value.GetNumber());
     return Status::kDone;
 }
 
-// Cells by which a width or a height extends a region; -1 for none that may be.
+// Cells by which a width or a height extends a region; -1 for none that may be, which is 0 and
+// what is no number.
 double Extension(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                  CCRef const * current) {
     if (!args) return 0;
     double size;
-    if (!GetNumbers(ctx, result, &size, 1, args, current)) return -1;
+    if (!GetNumbers(ctx, result, &size, 1, args, current) || std::isnan(size)) return -1;
     return std::fabs(std::trunc(size)) - 1;
 }
 

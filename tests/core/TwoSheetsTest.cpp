@@ -1,8 +1,10 @@
 #include "core/Guards.h"
 #include "formula/CCNameRef.h"
+#include "formula/CCRefFormula.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRefOpFormula.h"
 #include "formula/CCRemoteRef.h"
+#include "formula/OperatorObjects.h"
 #include "formula/Parser.h"
 #include "platform/CArchive.h"
 #include "support/BaseHost.h"
@@ -40,6 +42,7 @@ struct SheetHost : BaseHost {
     ushort GetNameIndex(CCNameRef const * ref) override { return GetNameIndex(ref->name()); }
     int IsValidRef(CCRef const * ref) override {
         return ref && (ref->GetType() == kRefName || ref->GetType() == kRefCell ||
+                       ref->GetType() == kRefRegion || ref->GetType() == kRefSheets ||
                        BaseHost::IsValidRef(ref));
     }
     Book & book;
@@ -298,4 +301,91 @@ TEST(TwoSheets, ARunLeavesAllItsSheetsWhateverTrueAnswerTheyGive) {
     }
     two.answer = 0;
     EXPECT_EQ(run.UnRegisterDependent(&one, &reader), 0);
+}
+
+namespace {
+
+// What the ":" of two operands yields, as "first-last place"; the error's number for none.
+std::string Spanned(SheetHost & host, CCFormula * first, CCFormula * second) {
+    CCFunc * const op = cells::internal::OperatorObject(cells::internal::Operator::kSheetRange);
+    std::unique_ptr<CCFormula> const node(second ? ConstructOpFormula(op, first, second)
+                                                 : ConstructOpFormula(op, first));
+    CCCellValue value;
+    node->Eval(&host, value, nullptr);
+    if (value.IsError()) return std::to_string(value.GetError());
+    auto const & sheets = static_cast<CCRef3D const &>(*value.GetRef());
+    std::string text = std::to_string(sheets.firstSheet) + "-" + std::to_string(sheets.lastSheet);
+    return sheets.ref ? text + " " + BaseHost::NameOf(sheets.ref) : text;
+}
+
+CCFormula * OnSheets(ushort first, ushort last, CCRef * place) {
+    CCRef3D const ref(first, last, place);
+    return new CCRefFormula(&ref, 0);
+}
+
+} // namespace
+
+TEST(TwoSheets, AColonTakesReferencesOfSheets) {
+    TwoSheets sheets;
+    SheetHost & host = sheets.one;
+    auto const parsed = [&](wchar_t const * text) {
+        return _ParseFormula(&host, text, 0, nullptr);
+    };
+    auto const name = [](wchar_t const * text) { return new CCRefFormula(text, 0); };
+    auto const cell = [](char const * place) { return R(place).Copy(); };
+    // Bare, and beside a name.
+    EXPECT_EQ(Spanned(host, OnSheets(2, 0, nullptr), nullptr), "2-0");
+    EXPECT_EQ(Spanned(host, OnSheets(1, 2, nullptr), nullptr), "1-2");
+    EXPECT_EQ(Spanned(host, name(L"One"), OnSheets(2, 0, nullptr)), "1-2");
+    EXPECT_EQ(Spanned(host, OnSheets(1, 0, nullptr), name(L"Two")), "1-2");
+    // With a cell each: the region between them.
+    EXPECT_EQ(Spanned(host, OnSheets(1, 0, cell("B2")), OnSheets(2, 0, cell("A1"))), "1-2 A1:B2");
+    EXPECT_EQ(Spanned(host, OnSheets(1, 0, cell("B2")), parsed(L"Two!C3")), "1-2 B2:C3");
+    EXPECT_EQ(Spanned(host, parsed(L"One!A1"), OnSheets(2, 2, cell("A1"))), "1-2 A1:A1");
+    // Through another operator.
+    EXPECT_EQ(Spanned(host, parsed(L"One!A1:B2"), OnSheets(2, 0, nullptr)), "1-2");
+    EXPECT_EQ(Spanned(host, parsed(L"One!A1:Two!B2"), nullptr), "1-2");
+    // A cell on one side only gives sheets without a place.
+    EXPECT_EQ(Spanned(host, OnSheets(1, 0, cell("A1")), name(L"Two")), "1-2");
+    // No sheet, and corners that are none.
+    EXPECT_EQ(Spanned(host, OnSheets(0, 0, nullptr), nullptr), "1");
+    EXPECT_EQ(Spanned(host, OnSheets(1, 0, cell("A1")), OnSheets(9, 0, cell("A1"))), "1");
+    EXPECT_EQ(Spanned(host, parsed(L"One!A1:B2"), parsed(L"Two!A1")), "1");
+    EXPECT_EQ(Spanned(host, new CCRefFormula(0, 0, 0), nullptr), "1");
+}
+
+// Each sheet knows its own names only.
+TEST(TwoSheets, ValidityBehindASheetIsAskedOfThatSheet) {
+    struct NamingHost : SheetHost {
+        using SheetHost::SheetHost;
+        int IsValidRef(CCRef const * ref) override {
+            if (!ref || ref->GetType() != kRefName) return SheetHost::IsValidRef(ref);
+            auto const & asked = static_cast<CCNameRef const &>(*ref);
+            return CString(asked.name()) == known || SheetHost::GetNameIndex(asked.name()) != 0;
+        }
+        CCRef * TranslateNameRef(CCNameRef const * asked) override {
+            return CString(asked->name()) == known ? new CCRCRef(1, 1) : nullptr;
+        }
+        CString known;
+    };
+    SheetHost::Book book;
+    NamingHost one(book, L"One"), two(book, L"Two");
+    one.known = L"mine";
+    two.known = L"theirs";
+    auto const check = [&](wchar_t const * text) {
+        std::unique_ptr<CCFormula> const tree(_ParseFormula(&one, text, 0, nullptr));
+        return tree->Check(&one, nullptr);
+    };
+    EXPECT_EQ(check(L"Two!theirs"), 0);
+    EXPECT_EQ(check(L"Two!mine"), 1);
+    EXPECT_EQ(check(L"One!mine"), 0);
+    EXPECT_EQ(check(L"One!theirs"), 1);
+    EXPECT_EQ(check(L"Two!A1:theirs"), 0);
+    EXPECT_EQ(check(L"Two!A1:mine"), 1);
+    EXPECT_EQ(check(L"Nowhere!theirs"), 1);
+    std::unique_ptr<CCFormula> const region(_ParseFormula(&one, L"Two!A1:theirs", 0, nullptr));
+    CCCellValue value;
+    region->Eval(&one, value, nullptr);
+    ASSERT_TRUE(value.IsRef());
+    EXPECT_EQ(BaseHost::NameOf(value.GetRef()), "A1:B2");
 }

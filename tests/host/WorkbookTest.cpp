@@ -355,3 +355,77 @@ TEST(Workbook, RecalculatingTheDependentsOfAnItemGoesThroughTheOrderOfTheWorkboo
         EXPECT_EQ(two.Text("A1"), all ? "60" : "30");
     }
 }
+
+TEST_F(ThreeSheets, ANameOfAnotherSheetIsReadFollowedAndAwaited) {
+    one.Enter("A1", "5");
+    one.Enter("A2", "6");
+    one.DefineName("prices", *cells::host::ParseArea("A1:A2"));
+    two.Enter("B1", "=SUM(One!prices)");
+    two.Enter("B2", "=SUM(INDIRECT(\"One!prices\"))");
+    two.Enter("B3", "=VLOOKUP(6,One!prices,1)");
+    two.Enter("B4", "=One!later*2");
+    two.Enter("B5", "=SUM(One!A1:Q1Sales)");
+    two.Enter("B6", "=SUM(prices)");
+    auto const shown = [&](char const * place) {
+        EXPECT_TRUE(two.Formula(*cells::host::ParsePlace(place))) << place;
+        return two.Text(place);
+    };
+    EXPECT_EQ(shown("B1"), "11");
+    EXPECT_EQ(shown("B2"), "11");
+    EXPECT_EQ(shown("B3"), "6");
+    EXPECT_EQ(shown("B4"), "#REF!");
+    EXPECT_EQ(shown("B5"), "#REF!");
+    EXPECT_EQ(shown("B6"), "#REF!"); // a name of its own sheet, which has none
+    one.Enter("A2", "60");
+    book.Recalculate();
+    EXPECT_EQ(shown("B1"), "65");
+    EXPECT_EQ(shown("B2"), "65");
+    one.Enter("A3", "7");
+    one.DefineName("prices", *cells::host::ParseArea("A1:A3"));
+    one.DefineName("later", *cells::host::ParseArea("A3"));
+    one.DefineName("Q1Sales", *cells::host::ParseArea("A3"));
+    book.Recalculate();
+    EXPECT_EQ(shown("B1"), "72");
+    EXPECT_EQ(shown("B2"), "72");
+    EXPECT_EQ(shown("B4"), "14");
+    EXPECT_EQ(shown("B5"), "72");
+    book.Rename(0, "First");
+    EXPECT_EQ(two.EditText({1, 0}), "=SUM (First ! prices)");
+    one.RemoveName("prices");
+    book.Recalculate();
+    EXPECT_EQ(shown("B1"), "#REF!");
+    book.Rename(0, "Again"); // a place that is none follows its sheet's name, too
+    EXPECT_EQ(two.EditText({1, 0}), "=SUM (Again ! prices)");
+    one.DefineName("prices", *cells::host::ParseArea("A1"));
+    book.Recalculate();
+    EXPECT_EQ(shown("B1"), "5");
+    EXPECT_EQ(shown("B6"), "#REF!");
+}
+
+TEST_F(ThreeSheets, AFormulaOverAPlaceThatIsNoneStaysAFormula) {
+    for (char const * text : {"=One!nope", "=SUM(One!A1:Q1Sales)", "=One!nope..A1", "=One:Two!nope",
+                              "=One!A1:A100000", "=Nowhere!nope", "=Nowhere!A1:Q1Sales"}) {
+        two.Enter("C9", text);
+        EXPECT_TRUE(two.Formula({2, 8})) << text;
+        EXPECT_EQ(two.Text("C9"), "#REF!") << text;
+        EXPECT_EQ(book.CheckInvariants(), std::vector<std::string>()) << text;
+    }
+}
+
+TEST_F(ThreeSheets, RowAndColumnOfAPlaceOnAnotherSheet) {
+    two.Enter("A1", "=ROW(One!C7)");
+    two.Enter("A2", "=COLUMN(One!C7:D9)");
+    two.Enter("A3", "=ROW(One:Three!B5)");
+    two.Enter("A4", "=COLUMN(INDIRECT(\"Three!IV1\"))");
+    two.Enter("A5", "=ROW(Nowhere!A1)");
+    two.Enter("A6", "=ROW(One!nope)");
+    EXPECT_EQ(two.Text("A1"), "7");
+    EXPECT_EQ(two.Text("A2"), "3");
+    EXPECT_EQ(two.Text("A3"), "5");
+    EXPECT_EQ(two.Text("A4"), "256");
+    EXPECT_EQ(two.Text("A5"), "#REF!");
+    EXPECT_EQ(two.Text("A6"), "#REF!");
+    one.InsertRows(0, 3);
+    book.Recalculate();
+    EXPECT_EQ(two.Text("A1"), "10");
+}
