@@ -192,6 +192,7 @@ struct Sheet::Bulk::State {
 
     void Enter(Place place, CString const & text);
     bool TryOrdered();
+    bool KeepsContent(Entry & entry);
     void StoreInOrder(Entry & entry);
     void Compute(std::vector<Place> const & order,
                  std::unordered_map<unsigned, CCFormula const *> const & formulas);
@@ -211,8 +212,9 @@ void Sheet::Bulk::State::Enter(Place place, CString const & text) {
     if (kind != kEntryValue && !formula) ordered = false; // it raises a message when it is entered
     if (kind == kEntryEditSource) ordered = false;
     bool const plain = kind == kEntryValue && waiting.empty();
-    if (plain && manager.TryPutNumber(place, value)) return;
     if (plain) {
+        if (manager.IsEditTextOfNumber(place, text)) return;
+        if (manager.TryPutNumber(place, value)) return;
         if (value.IsEmpty() && !manager.Cells().FindCell(place))
             return manager.Cells().RemoveNumber(place);
         CCRCRef const ref = RefOf(place);
@@ -227,9 +229,20 @@ void Sheet::Bulk::Enter(Place place, std::string_view text) {
     m_State->Enter(place, FromUtf8(text));
 }
 
+// Whether the entry is the edit text of what stands there; a formula is then taken from the cell.
+bool Sheet::Bulk::State::KeepsContent(Entry & entry) {
+    GridCell * const cell = manager.Cells().FindCell(entry.place);
+    if (!cell) return manager.IsEditTextOfNumber(entry.place, entry.text);
+    if (!cell->IsEditText(&manager, entry.text)) return false;
+    if (entry.formula && cell->IsFormulaLink())
+        entry.formula.reset(cell->LoadFormula(&manager)->Copy());
+    return true;
+}
+
 // Stores an entry in its turn, without computing a formula.
 void Sheet::Bulk::State::StoreInOrder(Entry & entry) {
     if (!entry.formula) {
+        if (manager.IsEditTextOfNumber(entry.place, entry.text)) return;
         if (entry.value.IsNumber() && manager.TryPutNumber(entry.place, entry.value)) return;
         manager.MakeCell(entry.place).SetText(&manager, entry.text, 0);
         return;
@@ -244,8 +257,10 @@ bool Sheet::Bulk::State::TryOrdered() {
     last.reserve(waiting.size());
     for (std::size_t i = 0; i < waiting.size(); ++i) last[KeyOf(waiting[i].place)] = i;
     formulas.reserve(waiting.size());
+    bool const repeated = last.size() < waiting.size();
     bool moving = false;
     for (auto const & [key, i] : last) {
+        if (KeepsContent(waiting[i]) && repeated) return false;
         if (!waiting[i].formula) continue;
         formulas[key] = waiting[i].formula.get();
         moving = moving || HasPart(*waiting[i].formula, kRefOpFormula);

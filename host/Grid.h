@@ -34,6 +34,10 @@ public:
     // What a formula picks is checked anew each time, so that it gives what it would give if it
     // were entered now.
     void Recalc(CTX * ctx) override;
+    // An entry equal to the edit text of a number, an error or a formula leaves it as it is, also
+    // where the text alone would read otherwise: a number under a date format, or in hex.
+    void SetText(CTX * ctx, wchar_t const * text, int quiet) override;
+    bool IsEditText(CTX * ctx, CString const & text);
     void OnValueChanged(CTX * ctx) override;
     void OnValueStored() override;
     // From now on the grid hears of every value that is stored here.

@@ -99,6 +99,7 @@ void Sheet::Enter(Place place, std::string_view text) {
     TouchEntry(recording, place);
     CString const entered = FromUtf8(text);
     if (!m_Manager->Cells().FindCell(place)) {
+        if (m_Manager->IsEditTextOfNumber(place, entered)) return;
         CCCellValue value;
         CCFormula * parsed = nullptr;
         int const kind = _Parse(m_Manager.get(), entered, value, parsed, nullptr);

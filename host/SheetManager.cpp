@@ -16,6 +16,7 @@
 #include "platform/Utf.h"
 
 #include <algorithm>
+#include <sstream>
 #include <utility>
 
 namespace cells::host {
@@ -68,6 +69,22 @@ bool HasName(CCFormula const & formula) {
 
 void GridCell::OnValueChanged(CTX * ctx) {
     if (auto * sheet = static_cast<SheetManager *>(ctx->manager())) sheet->OnCellChanged(At());
+}
+
+void GridCell::SetText(CTX * ctx, wchar_t const * text, int quiet) {
+    if (!IsEditText(ctx, CString(text))) return CCCell::SetText(ctx, text, quiet);
+    if (ctx->manager()->IsProtLock(this, 1)) return;
+    if (IsFormulaLink()) SetFormula(ctx, LoadFormula(ctx), quiet);
+}
+
+// A text is read again: it may have come here by another road than typing. So is a formula of a
+// circle, which may be open now.
+bool GridCell::IsEditText(CTX * ctx, CString const & text) {
+    bool const isKept = IsFormulaLink() ? IsValidFormula() : IsValueNumber() || IsValueError();
+    if (!isKept || text.IsEmpty()) return false;
+    std::wostringstream stream;
+    CCCell::GetFormulaText(ctx, stream);
+    return text.View() == std::wstring_view(stream.str());
 }
 
 void SheetManager::ErrorMessage(unsigned int id) {
@@ -268,6 +285,17 @@ void SheetManager::ClearNumberFormats(Area const & area) {
         changed.push_back(place);
     });
     if (!changed.empty()) TellChanged(std::move(changed));
+}
+
+bool SheetManager::IsEditTextOfNumber(Place place, CString const & text) {
+    double number;
+    std::uint32_t packed;
+    if (!m_Grid.FindNumber(place, number, packed)) return false;
+    GridCell cell(place);
+    CCNumberFormat format;
+    format.UnpackPlain(packed);
+    cell.SetPlainNumber(number, format);
+    return cell.IsEditText(this, text);
 }
 
 int SheetManager::RegisterDependent(CCRef const * ref, CCRef const * dependent) {

@@ -57,6 +57,8 @@ public:
     bool TryPutNumber(Place place, CCCellValue const & value);
     // Makes the plain numbers of an area general ones.
     void ClearNumberFormats(Area const & area);
+    // Whether a plain number stands there that is edited as this text: entered again, it stays.
+    bool IsEditTextOfNumber(Place place, CString const & text);
 
     // Names stand for a cell or a region; formulas that use one follow its redefinition.
     bool DefineName(CString const & name, CCRef const & target);
@@ -96,6 +98,7 @@ public:
 
     // CCCellManager.
     int GetType() const override { return 1; }
+    int ReadsErrorTexts() const override { return 1; }
     void ErrorMessage(unsigned int id) override;
     CSize GetRefSize(CCRef const * ref) override;
     void SetDirty() override { dirty = true; }

@@ -267,3 +267,120 @@ TEST(SheetManager, ReadsAndMovesNothingWithoutAReference) {
     EXPECT_EQ(sheet.Text("B1"), "5"); // it reads as before
     EXPECT_TRUE(sheet.CheckInvariants().empty());
 }
+
+TEST(Sheet, ErrorTextsAreReadWhereTheyArePrinted) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "=SUM(#REF!,5)");
+    sheet.Enter("A2", "=#REF!");
+    sheet.Enter("A3", "#N/A");
+    sheet.Enter("A4", "'#N/A");
+    sheet.Enter("A5", "=COUNTIF(A1:A4,#N/A)");
+    EXPECT_EQ(sheet.Text("A1"), "5");
+    EXPECT_EQ(sheet.EditText({0, 0}), "=SUM (#REF!, 5)");
+    EXPECT_EQ(sheet.Get("A2").error, 1);
+    EXPECT_EQ(sheet.Get("A3").error, 9);
+    EXPECT_FALSE(sheet.Formula({0, 2}));
+    EXPECT_EQ(sheet.Get("A4").kind, Kind::kText);
+    EXPECT_EQ(sheet.Text("A5"), "1");
+    sheet.Enter("B1", "=A9*2+SUM(A9:A10)");
+    sheet.DeleteRows(8, 2);
+    EXPECT_EQ(sheet.EditText({1, 0}), "=#REF! * 2 + SUM (#REF!)");
+    std::string const edit = sheet.EditText({1, 0});
+    sheet.Enter("B1", "");
+    sheet.Enter("B1", edit);
+    EXPECT_EQ(sheet.EditText({1, 0}), edit);
+    EXPECT_EQ(sheet.Text("B1"), "#REF!");
+}
+
+// A cell whose format hides what it holds: entered as it is edited, it stays what it is.
+TEST(Sheet, AnEntryEqualToTheEditTextChangesNothing) {
+    struct Row {
+        char const *typed, *format, *edited;
+        double number;
+    } const rows[] = {
+        {"5", "logical", "TRUE", 5},
+        {"255", "hex", "0xFF", 255},
+        {"3/5/2026 13:45:30", "date", "3/5/2026", 46085.5732638889},
+        {"0.12345678", "percent:1", "", 0.12345678},
+        {"0.123456789", "custom", "", 0.123456789},
+    };
+    for (bool const bulk : {false, true})
+        for (Row const & row : rows) {
+            SCOPED_TRACE(row.format);
+            Sheet sheet("C");
+            sheet.Enter("A1", row.typed);
+            sheet.SetNumberFormat(*ParseArea("A1"),
+                                  std::string(row.format) == "custom" ? "#,##0.00" : row.format);
+            double const number = sheet.Get("A1").number;
+            EXPECT_NEAR(number, row.number, 1e-6);
+            std::string const edit = sheet.EditText({0, 0}), shown = sheet.Text("A1");
+            if (*row.edited) EXPECT_EQ(edit, row.edited);
+            int changes = 0;
+            sheet.OnChanged([&](Place) { ++changes; });
+            if (bulk) {
+                Sheet::Bulk load(sheet);
+                load.Enter({0, 0}, edit);
+                load.Commit();
+            } else {
+                sheet.Enter("A1", edit);
+            }
+            EXPECT_EQ(sheet.Get("A1").kind, Kind::kNumber);
+            EXPECT_EQ(sheet.Get("A1").number, number);
+            EXPECT_EQ(sheet.Text("A1"), shown);
+            EXPECT_EQ(changes, 0);
+        }
+}
+
+TEST(Sheet, AnEntryThatOnlyLooksLikeWhatStandsThereIsTaken) {
+    Sheet sheet("C");
+    CCCellValue text;
+    text.Set(L"5");
+    sheet.Enter("A1", "x");
+    CCRCRef const a1(0, 0);
+    sheet.Manager().SetValue(&a1, text);
+    ASSERT_EQ(sheet.EditText({0, 0}), "5");
+    sheet.Enter("A1", "5");
+    EXPECT_EQ(sheet.Get("A1").kind, Kind::kNumber);
+    sheet.Enter("A2", "5");
+    sheet.SetNumberFormat(*ParseArea("A2"), "logical");
+    sheet.Enter("A2", "FALSE"); // not what it shows
+    EXPECT_EQ(sheet.Get("A2").number, 0);
+    sheet.Enter("A3", "=A4");
+    sheet.Enter("A4", "=A3"); // a circle, which the first formula is refused for when it comes anew
+    sheet.Enter("A4", "7");
+    sheet.Enter("A3", "=A4");
+    EXPECT_EQ(sheet.Text("A3"), "7");
+    sheet.Enter("B1", "=B1");
+    ASSERT_EQ(sheet.Text("B1"), "#CIRC!");
+    sheet.Enter("B1", "=B1");
+    EXPECT_EQ(sheet.Text("B1"), "#CIRC!");
+}
+
+// What its text rounds stays exact in the formula, and what it reads is read again.
+TEST(Sheet, AFormulaEnteredAgainAsItIsEditedStaysExact) {
+    for (bool const bulk : {false, true}) {
+        Sheet sheet("C");
+        sheet.Enter("A1", "=0.1234567890123456789*1000000");
+        double const exact = sheet.Get("A1").number;
+        Sheet::Bulk load(sheet);
+        if (bulk) {
+            load.Enter({0, 0}, sheet.EditText({0, 0}));
+            load.Commit();
+        } else {
+            sheet.Enter("A1", sheet.EditText({0, 0}));
+        }
+        EXPECT_EQ(sheet.Get("A1").number, exact);
+        EXPECT_EQ(sheet.CheckInvariants(), std::vector<std::string>());
+    }
+}
+
+TEST(Sheet, ALockedCellRefusesItsOwnEditTextToo) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "=1+1");
+    sheet.SetFlag(*ParseArea("A1"), cells::host::CellFlag::kLocked);
+    sheet.Protect();
+    std::vector<unsigned> messages;
+    sheet.OnMessage([&](unsigned id, std::string const &) { messages.push_back(id); });
+    sheet.Enter("A1", "=1 + 1");
+    EXPECT_EQ(messages, std::vector<unsigned>{13036});
+}
