@@ -25,8 +25,9 @@ int CCDocOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) const
     return manager->RegisterDocumentDependent(&document, dependent) ? all : 0;
 }
 
+// A position that is computed follows its place while it is: all arguments leave.
 void CCDocOpFormula::UnRegisterDependents(CTX * ctx, CCRef const * dependent) const {
-    if (!ReadsPositions()) CCOpFormula::UnRegisterDependents(ctx, dependent);
+    CCOpFormula::UnRegisterDependents(ctx, dependent);
     CCDocumentRef document;
     CCCellManager * const manager = ctx->manager();
     if (manager && GetFuncDocumentRef(m_pFunc, ctx, document, m_pArgs, dependent))
@@ -34,7 +35,7 @@ void CCDocOpFormula::UnRegisterDependents(CTX * ctx, CCRef const * dependent) co
 }
 
 void CCDocOpFormula::MoveFormula(CTX * ctx, CCRef const * from, CCRef const * to) {
-    if (!ReadsPositions()) CCOpFormula::MoveFormula(ctx, from, to);
+    CCOpFormula::MoveFormula(ctx, from, to);
     CCDocumentRef document;
     CCCellManager * const manager = ctx->manager();
     if (manager && GetFuncDocumentRef(m_pFunc, ctx, document, m_pArgs, from))

@@ -76,7 +76,11 @@ Criterion::Criterion(CTX * ctx, CCCellValue const & value) {
         m_dNumber = value.IsNumber() ? value.GetNumber() : 0;
         return;
     }
-    if (!value.IsText()) return; // an error matches nothing
+    if (value.IsError()) {
+        m_Kind = Kind::kError;
+        m_nError = value.GetError();
+    }
+    if (!value.IsText()) return;
     CString text = value.GetTextString();
     m_nComparison = TakeSign(text);
     wchar_t const * at = text;
@@ -111,6 +115,7 @@ bool Criterion::Matches(double number) const {
 bool Criterion::Matches(CCCellValue const & cell) const {
     if (cell.IsNumber()) return Matches(cell.GetNumber());
     if (cell.IsEmpty()) return Matches(0.0);
+    if (cell.IsError()) return m_Kind == Kind::kError && cell.GetError() == m_nError;
     if (!cell.IsText() || m_Kind != Kind::kText) return false;
     CString text = cell.GetTextString();
     return ComparisonHolds(m_nComparison, text.MakeUpper().Compare(m_strText));

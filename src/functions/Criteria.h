@@ -13,19 +13,20 @@ public:
     Criterion(CTX * ctx, CCCellValue const & value);
 
     // Text is compared with text by its folded units, numbers with numbers, a blank counting as 0;
-    // equality of numbers has a tolerance. Errors never match, and neither does text beside a
-    // number.
+    // equality of numbers has a tolerance. An error matches the same error only, and text beside a
+    // number never does.
     bool Matches(CCCellValue const & cell) const;
     bool Matches(double number) const;
     // Whether only numbers can match: the walk may then pass everything else over.
     bool IsNumeric() const { return m_Kind == Kind::kNumber; }
 
 private:
-    enum class Kind { kNothing, kNumber, kText };
+    enum class Kind { kNothing, kNumber, kText, kError };
 
     Kind m_Kind = Kind::kNothing;
     int m_nComparison = kEqual; // an OperatorCode
     double m_dNumber = 0;
+    int m_nError = 0;
     CString m_strText; // folded
 };
 

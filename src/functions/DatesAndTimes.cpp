@@ -6,7 +6,6 @@
 #include "functions/Families.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
-#include "platform/Digits.h"
 
 #include <algorithm>
 #include <cmath>
@@ -57,8 +56,10 @@ void EvalTimePart(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
 void EvalDate(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     double x[3];
     if (!GetNumbers(ctx, result, x, 3, args, current)) return result.Set(errValue);
-    int year = ToInt32(x[0]);
-    int const month = ToInt32(x[1]), day = ToInt32(x[2]);
+    for (double part : x)
+        if (!(std::fabs(part) < 2147483648.0)) return result.Set(errValue);
+    int year = int(x[0]);
+    int const month = int(x[1]), day = int(x[2]);
     UpdateYear(year);
     if (!CheckDate(day, month, year, kLastYear, kFirstYear)) return result.Set(errValue);
     SetDate(result, DateToDouble(day, month, year));

@@ -52,16 +52,20 @@ void EvalGcd(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef 
     SetStatusResult(ctx, status, result, divisor, C_NF_GENERAL);
 }
 
-// The exponents of the primes of x, by trial division.
-void Factor(std::uint64_t x, std::map<std::uint64_t, int> & powers) {
+// The exponents of the primes of x, by trial division. False where the steps run out.
+bool Factor(std::uint64_t x, std::map<std::uint64_t, int> & powers, int & steps) {
     auto const take = [&](std::uint64_t p) {
         int count = 0;
         for (; x % p == 0; x /= p) ++count;
         if (count) powers[p] = std::max(powers[p], count);
     };
     take(2);
-    for (std::uint64_t p = 3; p * p <= x; p += 2) take(p);
+    for (std::uint64_t p = 3; p * p <= x; p += 2) {
+        if (++steps > kStepBudget) return false;
+        take(p);
+    }
     if (x > 1) powers[x] = std::max(powers[x], 1);
+    return true;
 }
 
 // The highest power of each prime, multiplied from the smallest prime up. A number that is not
@@ -69,13 +73,13 @@ void Factor(std::uint64_t x, std::map<std::uint64_t, int> & powers) {
 void EvalLcm(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     std::map<std::uint64_t, int> powers;
     std::vector<double> done;
+    int steps = 0;
     Status const status = TryEachNumber(ctx, args, current, [&](double x) {
         if (!(x >= 1 && x <= kLargestExact)) return Status::kBadValue;
         bool const known = std::find(done.begin(), done.end(), x) != done.end();
         if (x != std::floor(x) || known) return Status::kDone;
         if (done.size() < 64) done.push_back(x);
-        Factor(std::uint64_t(x), powers);
-        return Status::kDone;
+        return Factor(std::uint64_t(x), powers, steps) ? Status::kDone : Status::kBadValue;
     });
     double product = 1;
     for (auto const & [prime, count] : powers)

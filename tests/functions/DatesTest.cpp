@@ -20,6 +20,8 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"=DATE(2072,1,1)", "#VALUE!"}, Case{"=DATE(2026,2,29)", "#VALUE!"},
         Case{"=DATE(-1,1,1)", "#VALUE!"}, Case{"=DATE(2026,13,1)", "#VALUE!"},
         Case{"=DATE(2026,1,B3)", "#VALUE!"}, Case{"=DATE(1E300,1,1)", "#VALUE!"},
+        Case{"=DATE(4294969322,3,5)", "#VALUE!"}, Case{"=DATE(2026,4294967299,5)", "#VALUE!"},
+        Case{"=DATE(2026,3,4294967301)", "#VALUE!"}, Case{"=DATE(2026,3,-4294967291)", "#VALUE!"},
         Case{"=TIME(13,45)", "01:45 PM", 6}, Case{"=TIME(24,60,60)*1", "1.04236111111111", 0},
         Case{"=TIME(25,0)", "#VALUE!"}, Case{"=TIME(0,61)", "#VALUE!"},
         Case{"=TIME(-1,0)", "#VALUE!"}, Case{"=TIME(0,0,5)=5*1.1574074074074073E-05", "TRUE"},

@@ -33,9 +33,9 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Sorted, Lookups,
     testing::Values(
-        Case{"=LOOKUP(2.5,A1:A3,{10,20,30})", "20"}, Case{"=LOOKUP(3,A1:A3,{10,20,30})", "30"},
-        Case{"=LOOKUP(3.5,A1:A3,{10,20,30})", "#N/A"}, Case{"=LOOKUP(9,A1:A3,{10,20,30})", "#N/A"},
-        Case{"=LOOKUP(0,A1:A3,{10,20,30})", "#N/A"},
+        Case{"=LOOKUP(2.5,A1:A3,{10;20;30})", "20"}, Case{"=LOOKUP(3,A1:A3,{10;20;30})", "30"},
+        Case{"=LOOKUP(3.5,A1:A3,{10;20;30})", "#N/A"}, Case{"=LOOKUP(9,A1:A3,{10;20;30})", "#N/A"},
+        Case{"=LOOKUP(0,A1:A3,{10;20;30})", "#N/A"},
         Case{"=LOOKUP(2,{1,\"x\",2,3},{10,20,30,40})", "30"},
         Case{"=LOOKUP(3,A1:A9,E1:E9)", "4", 0}, Case{"=LOOKUP(4,A1:A9,E1:E9)", "#N/A"},
         Case{"=LOOKUP(\"a\",B1:B2,A1:A2)", "1", 0}, Case{"=LOOKUP(1,A1:A3)", "#CALL!"},
@@ -50,6 +50,15 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"=MATCH(1,A1:A3,\"x\")", "#VALUE!"}, Case{"=MATCH(1,INDIRECT(\"\"))", "#REF!"},
         Case{"=MATCH(1)", "#CALL!"}, Case{"=MATCH(1,A1:A3,1,1)", "#CALL!"}));
 
+INSTANTIATE_TEST_SUITE_P(KeysAndResultsOfUnequalSize, Lookups,
+                         testing::Values(Case{"=LOOKUP(1,A1:A3,E1:E2)", "#REF!"},
+                                         Case{"=LOOKUP(1,A1:A2,E1:E3)", "#REF!"},
+                                         Case{"=LOOKUP(1,A1:A3,{10,20,30})", "#REF!"},
+                                         Case{"=LOOKUPEX(1,A1:A3,E1:E2)", "#REF!"},
+                                         Case{"=LOOKUPEX(1,A1:A2,E1:E3)", "#REF!"},
+                                         Case{"=LOOKUPEX(1,{1,2},{10,20,30})", "#REF!"},
+                                         Case{"=LOOKUPEX(2,A1:C1,{10;20;30})", "#REF!"}));
+
 INSTANTIATE_TEST_SUITE_P(
     Places, Lookups,
     testing::Values(
@@ -62,7 +71,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"=FINDEX(2.0000000001,A1:A3)", "#VALUE!"}, Case{"=FINDEX(1,INDIRECT(\"\"))", "#REF!"},
         Case{"=LOOKUPEX(2,{3,2,1},{10,20,30})", "20"},
         Case{"=LOOKUPEX(2.5,{3,2,1},{10,20,30})", "#VALUE!"},
-        Case{"=LOOKUPEX(4,E1:E6,A1:A3)", "2", 0}, Case{"=LOOKUPEX(9.5,E1:E6,{1,2})", "#VALUE!"},
+        Case{"=LOOKUPEX(4,E1:E3,A1:A3)", "2", 0}, Case{"=LOOKUPEX(9.5,E1:E2,{1;2})", "#VALUE!"},
         Case{"=LOOKUPEX(1,INDIRECT(\"\"),A1:A3)", "#REF!"},
         Case{"=LOOKUPEX(1,A1:A3,A1:A3,1)", "#CALL!"}, Case{"=INDEX(2,A1:B2)", "a"},
         Case{"=INDEX(4,A1:A3,9)", "9"}, Case{"=INDEX(1.9,5,6)", "5"},
@@ -70,8 +79,8 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"=INDEX(1E300,A1:A3)", "#VALUE!"}, Case{"=INDEX(\"x\",5)", "#VALUE!"},
         Case{"=INDEX(1,INDIRECT(\"\"))", "#REF!"}, Case{"=INDEX(1,C1)", "#DIV/0!"},
         Case{"=INDEX(2,C1:C3)", "2/1/1950", 7}, Case{"=CHOOSE(2.9,5,6,7)", "6"},
-        Case{"=CHOOSE(0.9,5,6)", "#VALUE!"}, Case{"=CHOOSE(3,5,6)", "#VALUE!"},
-        Case{"=CHOOSE(1E300,5,6)", "#VALUE!"}, Case{"=CHOOSE(\"x\",5)", "#VALUE!"},
+        Case{"=CHOOSE(0.9,5,6)", "#VALUE!"}, Case{"=CHOOSE(3,5,6)", "#CALL!"},
+        Case{"=CHOOSE(1E300,5,6)", "#CALL!"}, Case{"=CHOOSE(\"x\",5)", "#VALUE!"},
         Case{"=CHOOSE(1,A2,1/0)", "2", 0}, Case{"=SUM(CHOOSE(2,A1,A1:A3))", "6", 0},
         Case{"=CHOOSE(1)", "#CALL!"}, Case{"=CHOOSE(C1,5)", "#VALUE!"}));
 
@@ -124,7 +133,9 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"=OFFSET(A1,0,0,1,0)", "#VALUE!"}, Case{"=OFFSET(A1,\"x\",0)", "#VALUE!"},
         Case{"=OFFSET(A1,0,B3)", "#VALUE!"}, Case{"=OFFSET(A1,INDIRECT(\"\"),0)", "#REF!"},
         Case{"=OFFSET(5,0,0)", "#VALUE!"}, Case{"=OFFSET(INDIRECT(\"\"),0,0)", "#VALUE!"},
-        Case{"=OFFSET(A1,1)", "#CALL!"}));
+        Case{"=OFFSET(A1,0,0,1E300*1E300-1E300*1E300)", "#VALUE!"},
+        Case{"=OFFSET(A1,0,0,1,1E300*1E300-1E300*1E300)", "#VALUE!"},
+        Case{"=OFFSET(A1,1E300*1E300-1E300*1E300,0)", "#VALUE!"}, Case{"=OFFSET(A1,1)", "#CALL!"}));
 
 // Every cell is a power of two of its own, so that a sum tells which cells were read.
 TEST(Lookup, WidthAndHeightOfOffsetExtendTheRegion) {
@@ -203,6 +214,37 @@ TEST(Lookup, OffsetIsNotComputedAgainForItsArguments) {
     sheet.Recalculate();
     EXPECT_EQ(sheet.Text("F2"), "3"); // its target changed, and the arguments point elsewhere now
     EXPECT_EQ(sheet.Text("F3"), "20");
+}
+
+TEST(Lookup, AClearedPositionLeavesWhatItWasComputedFrom) {
+    Sheet sheet("C");
+    sheet.Enter("A1", "5");
+    for (char const * text : {"=ROW(OFFSET(A1,1,0))", "=COLUMN(OFFSET(A1,1,0):C4)",
+                              "=ROW(INDIRECT(\"A2\"))", "=ROW(OFFSET(A1,1,0)+1)"}) {
+        sheet.Enter("F9", text);
+        sheet.Recalculate();
+        sheet.Clear({5, 8});
+        EXPECT_EQ(sheet.CheckInvariants(), std::vector<std::string>()) << text;
+    }
+}
+
+// What the text of an INDIRECT computes is computed for the cell, and leaves nothing registered.
+TEST(Lookup, AnIndirectIsComputedForItsCell) {
+    Sheet sheet("C");
+    FillSampleSheet(sheet);
+    sheet.Enter("F2", "=INDIRECT(\"OFFSET(A1,ROW()-1,COLUMN()-6)\")");
+    sheet.Enter("F3", "=INDIRECT(\"OFFSET(A1,ROW()-1,0)\")+A1");
+    sheet.Recalculate();
+    EXPECT_EQ(sheet.Text("F2"), "2");
+    EXPECT_EQ(sheet.Text("F3"), "4");
+    EXPECT_EQ(sheet.CheckInvariants(), std::vector<std::string>());
+    sheet.Enter("A2", "20");
+    sheet.Recalculate();
+    EXPECT_EQ(sheet.Text("F2"), "20");
+    sheet.Enter("F2", "1");
+    sheet.Enter("F3", "1");
+    EXPECT_EQ(sheet.Dependents({0, 1}), std::vector<std::string>());
+    EXPECT_EQ(sheet.Dependents({0, 0}), std::vector<std::string>());
 }
 
 TEST(Lookup, AnIndirectOfItselfIsCircular) {

@@ -88,16 +88,17 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"=GCD(A1:B3)", "#VALUE!"}, Case{"=GCD(A2,B3)", "2", 0}, Case{"=GCD(6,6,6)", "6", 0},
         Case{"=LCM(4,6)", "12", 0}, Case{"=LCM(2.5,5)", "5", 0}, Case{"=LCM(1,1)", "1", 0},
         Case{"=LCM(B3)", "1", 0}, Case{"=LCM(0.5)", "#VALUE!"}, Case{"=LCM(8,12,18)", "72", 0},
-        Case{"=LCM(4294967291,2)", "8589934582", 0}, Case{"=LCM(1E17)", "#VALUE!"},
-        Case{"=LCM(4,\"x\")", "#VALUE!"}, Case{"=MULTINOMIAL(2,3,4)", "1260", 0},
-        Case{"=MULTINOMIAL(4E9)", "1", 0}, Case{"=MULTINOMIAL(B3)", "1", 0},
-        Case{"=MULTINOMIAL(-1)", "#VALUE!"}, Case{"=MULTINOMIAL(B1)", "#VALUE!"},
-        Case{"=MULTINOMIAL(1,4E9)", "#VALUE!"}, Case{"=MULTINOMIAL(5E9)", "#VALUE!"},
-        Case{"=COMB(5,2)", "10", 0}, Case{"=COMB(5,5)", "1", 0},
-        Case{"=COMB(10.5,2.5)", "452.2", 0}, Case{"=COMB(3,2.5)", "#VALUE!"},
-        Case{"=COMB(2,3)", "#VALUE!"}, Case{"=COMB(5,-1)", "#VALUE!"},
-        Case{"=COMB(1E300,2)", "#VALUE!"}, Case{"=PERM(5,2)", "20", 0}, Case{"=PERM(5,0)", "1", 0},
-        Case{"=PERM(2,3)", "#VALUE!"}));
+        Case{"=LCM(4294967291,2)", "8589934582", 0},
+        Case{"=LCM(9007199254740881,9007199254740847,9007199254740761)", "#VALUE!"},
+        Case{"=LCM(1E17)", "#VALUE!"}, Case{"=LCM(4,\"x\")", "#VALUE!"},
+        Case{"=MULTINOMIAL(2,3,4)", "1260", 0}, Case{"=MULTINOMIAL(4E9)", "1", 0},
+        Case{"=MULTINOMIAL(B3)", "1", 0}, Case{"=MULTINOMIAL(-1)", "#VALUE!"},
+        Case{"=MULTINOMIAL(B1)", "#VALUE!"}, Case{"=MULTINOMIAL(1,4E9)", "#VALUE!"},
+        Case{"=MULTINOMIAL(5E9)", "#VALUE!"}, Case{"=COMB(5,2)", "10", 0},
+        Case{"=COMB(5,5)", "1", 0}, Case{"=COMB(10.5,2.5)", "452.2", 0},
+        Case{"=COMB(3,2.5)", "#VALUE!"}, Case{"=COMB(2,3)", "#VALUE!"},
+        Case{"=COMB(5,-1)", "#VALUE!"}, Case{"=COMB(1E300,2)", "#VALUE!"},
+        Case{"=PERM(5,2)", "20", 0}, Case{"=PERM(5,0)", "1", 0}, Case{"=PERM(2,3)", "#VALUE!"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Sums, Mathematics,
@@ -145,7 +146,10 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"=COUNTIF(A3:C3,0)", "0", 0}, Case{"=COUNTIF(C1:C3,\"<>5\")", "1", 0},
         Case{"=COUNTIF(D1:D3,0)", "1", 0}, Case{"=COUNTIF({5,\"5 apples\"},\"5 apples\")", "1", 0},
         Case{"=COUNTIF(1,A1:A2)", "#CALL!"}, Case{"=COUNTIF(A1:A3,E1:E6,2)", "2", 0},
-        Case{"=COUNTIF(A1:A3,C1)", "0", 0}, Case{"=COUNTIF(A1:A3)", "#CALL!"},
+        Case{"=COUNTIF(A1:A3,C1)", "0", 0}, Case{"=COUNTIF(C1:C3,1/0)", "1", 0},
+        Case{"=COUNTIF({1,#N/A,9,\"#N/A\",#N/A,#REF!},NA())", "2", 0},
+        Case{"=COUNTIF({#N/A,9},9)", "1", 0}, Case{"=SUMIF(C1:C3,1/0,A1:A3)", "1", 0},
+        Case{"=SUMIF(C1:C3,1/0)", "#DIV/0!"}, Case{"=COUNTIF(A1:A3)", "#CALL!"},
         Case{"=COUNTIF(0.1+0.2,0.3)", "1", 0}));
 
 TEST(Random, FunctionsStayInTheirRange) {
