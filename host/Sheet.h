@@ -111,7 +111,8 @@ public:
     bool ClearFormat(Area const & area); // number formats and flags
 
     // Protection makes locked cells refuse every edit (a message each) and hidden cells show
-    // nothing. False for a wrong password, which leaves the sheet protected.
+    // nothing, nor to formulas that are entered from then on (message 13037). False for a wrong
+    // password, which leaves the sheet protected.
     void Protect(std::string_view password = {});
     bool Unprotect(std::string_view password = {});
     bool IsProtected() const;

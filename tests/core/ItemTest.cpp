@@ -372,6 +372,8 @@ TEST(Item, EqualDependentsAreTakenOutOneByOne) {
         CCRCRef const first(1, 0), second(1, 1);
         CCRef3D const twin(&host, &first), other(&host, &second);
         EXPECT_EQ(item.DeleteDependentsRef(&host, entries - 1), 1);
+        EXPECT_EQ(item.RegisterDependent(&host, &first), 1); // which the first one stands for
+        EXPECT_EQ(item.GetDependentCount(), entries - 1);
         EXPECT_EQ(item.HasDependentsRef(&host, &twin), 0) << entries;
         EXPECT_EQ(item.HasDependentsRef(&host, &other), 1) << entries;
         EXPECT_EQ(item.DeleteDependentsRef(&host, 0), 1);
