@@ -55,8 +55,9 @@ public:
 private:
     struct Step {
         CCFormula ** slot;
-        bool onSheet;         // plain references are to the sheet
-        CCFormula ** fullRef; // the "!" around it, or null
+        bool onSheet; // plain references are to the sheet
+        // The "!", or the ":" between two of them, that it is a part of; null for none.
+        CCFormula ** whole;
     };
 
     void Walk(SheetManager & home, CCFormula *& root) {
@@ -67,14 +68,17 @@ private:
             steps.pop_back();
             CCFormula & node = **step.slot;
             if (node.GetType() == kRefFormula) {
-                if (step.onSheet && !Map(*step.slot) && step.fullRef) gone.push_back(step.fullRef);
+                if (step.onSheet && !Map(*step.slot) && step.whole) gone.push_back(step.whole);
             } else if (node.GetType() >= kOpFormula) {
                 auto & call = static_cast<CCOpFormula &>(node);
-                bool const isFullRef = IsFullRef(call);
+                bool const isFullRef =
+                    internal::IsReferenceOperator(call, internal::Operator::kFullRef);
+                bool const isPart = isFullRef || internal::IsReferenceOperator(
+                                                     call, internal::Operator::kSheetRange);
                 bool const onSheet = isFullRef ? Names(home, call) : step.onSheet;
+                CCFormula ** const whole = step.whole || !isPart ? step.whole : step.slot;
                 for (CCFormulaList * item = call.GetArgs(); item; item = item->next)
-                    steps.push_back(
-                        {&item->formula, onSheet, isFullRef ? step.slot : step.fullRef});
+                    steps.push_back({&item->formula, onSheet, whole});
             }
         }
         // A sheet without a place on it is no reference.
@@ -102,11 +106,6 @@ private:
         else
             Put(slot, std::make_unique<CCConstFormula>(errRef));
         return now != nullptr;
-    }
-
-    static bool IsFullRef(CCOpFormula const & call) {
-        return call.GetType() == kRefOpFormula &&
-               call.GetFunc() == internal::OperatorObject(internal::Operator::kFullRef);
     }
 
     // Whether a "!" leads to the sheet alone. What a run of sheets names stays as it is.

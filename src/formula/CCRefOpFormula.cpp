@@ -157,8 +157,7 @@ void CCRefOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * current)
     if (!ref) {
         Leave(ctx, Follower(current));
         m_Target.reset();
-        if (CCCellManager * manager =
-                NamesPlace() || !Follower(current) ? nullptr : ctx->manager())
+        if (CCCellManager * manager = NamesPlace() || !Follower(current) ? nullptr : ctx->manager())
             manager->OnPlaceMissing(current);
     } else {
         Follow(ctx, ref->Copy(), Follower(current));
@@ -196,7 +195,7 @@ int CCRefOpFormula::AwaitPlace(CTX * ctx, CCRef const * dependent) const {
 int CCRefOpFormula::RegisterDependents(CTX * ctx, CCRef const * dependent) const {
     if (!NamesPlace()) {
         std::unique_ptr<CCRef> const place(MakeDependentRef(ctx, dependent));
-        if (m_Target && m_Registered && m_Registered->IsEqual(place.get())) {
+        if (m_Target && !m_bRefused && m_Registered && m_Registered->IsEqual(place.get())) {
             // The node that this one was copied from may have left the target since.
             internal::DirtyMarkGuard const silent(ctx->manager());
             m_Target->RegisterDependent(ctx, place.get());

@@ -145,8 +145,8 @@ TEST_P(LocaleFormats, CustomFormatsUseItsSeparators) {
     EXPECT_EQ(Printed(format, 46085), cells::ToUtf8(CString(m_Context.info(45))));
 }
 
-INSTANTIATE_TEST_SUITE_P(Real, LocaleFormats, testing::ValuesIn(kRows), [](auto const & info) {
-    std::string name = info.param.tag;
+INSTANTIATE_TEST_SUITE_P(Real, LocaleFormats, testing::ValuesIn(kRows), [](auto const & row) {
+    std::string name = row.param.tag;
     std::erase(name, '-');
     return name;
 });

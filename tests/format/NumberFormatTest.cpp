@@ -338,28 +338,3 @@ TEST(NumberFormatTable, AppendsACopyOfItself) {
     table.Append(table);
     EXPECT_EQ(table.GetSize(), 4);
 }
-
-TEST(NumberFormatTable, InsertsBeyondItsEndsAtThem) {
-    CCNumberFormatTable table;
-    table.InsertAt(99, Of(C_NF_NUMBER));
-    EXPECT_EQ(table.GetSize(), 2);
-    EXPECT_EQ(table.GetAt(1)->GetType(), C_NF_NUMBER);
-    table.InsertAt(-1, Of(C_NF_DATE));
-    EXPECT_EQ(table.GetAt(0)->GetType(), C_NF_DATE);
-    table.InsertAt(1, Of(C_NF_BOOL));
-    EXPECT_EQ(table.GetAt(1)->GetType(), C_NF_BOOL);
-    EXPECT_EQ(table.GetAt(3)->GetType(), C_NF_NUMBER);
-}
-
-TEST(NumberFormatTable, EmptiedAnswersWithADefaultRecord) {
-    CCNumberFormatTable table;
-    std::unique_ptr<CCNumberFormat> const removed(table.RemoveAt(0));
-    ASSERT_NE(removed, nullptr);
-    for (int index : {-1, 0, 5}) {
-        ASSERT_NE(table.GetAt(index), nullptr);
-        EXPECT_TRUE(table.GetAt(index)->IsEqual(nullptr, *removed));
-    }
-    EXPECT_EQ(table.RemoveAt(0), nullptr);
-    EXPECT_EQ(table.Add(Of(C_NF_DATE)), 0);
-    EXPECT_EQ(table.GetAt(0)->GetType(), C_NF_DATE);
-}

@@ -222,6 +222,7 @@ struct HandingRef : CCObjectRef {
 // One that makes up another of its kind for each question.
 struct EndlessRef : HandingRef {
     static inline int made = 0;
+    using CCRef::IsInside;
     int IsInside(CCRef const *) const override {
         ++made;
         CCRegionRef const region(0, 0, 1, 1);

@@ -279,6 +279,7 @@ struct GridHost : cells::test::BaseHost {
     CCRef * TranslateNameRef(CCNameRef const * name) override {
         return std::wstring(name->name()) == L"table" ? new CCRegionRef(0, 0, 1, 2) : nullptr;
     }
+    using BaseHost::GetNameIndex;
     ushort GetNameIndex(CCNameRef const * name) override {
         return std::wstring(name->name()) == L"Other" ? 2 : 0;
     }

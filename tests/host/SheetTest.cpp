@@ -314,7 +314,9 @@ TEST(Sheet, AnEntryEqualToTheEditTextChangesNothing) {
             double const number = sheet.Get("A1").number;
             EXPECT_NEAR(number, row.number, 1e-6);
             std::string const edit = sheet.EditText({0, 0}), shown = sheet.Text("A1");
-            if (*row.edited) EXPECT_EQ(edit, row.edited);
+            if (*row.edited) {
+                EXPECT_EQ(edit, row.edited);
+            }
             int changes = 0;
             sheet.OnChanged([&](Place) { ++changes; });
             if (bulk) {
