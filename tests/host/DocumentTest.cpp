@@ -200,6 +200,56 @@ TEST(Document, VolatileFormulasAreComputedAfterReading) {
     EXPECT_EQ(back->At(0).Get("A2").number, back->At(0).Get("A1").number);
 }
 
+TEST(Document, WhatWaitsToBeComputedWaitsAgain) {
+    Workbook book("C");
+    Sheet &one = book.Add("One"), &two = book.Add("Two");
+    one.Enter("A1", "1");
+    one.Enter("A2", "=A1*2");
+    two.Enter("A1", "=One!A2+1");
+    book.Recalculate();
+    EXPECT_EQ(BytesOf(book).find("PEND"), std::string::npos);
+    one.Enter("A1", "5");
+    std::string const bytes = BytesOf(book);
+    std::string const pending("\x02\0\0\0"
+                              "\0\0\0\0\0\x01\0"
+                              "\x01\0\0\0\0\0\0",
+                              18);
+    std::size_t const at = bytes.find("PEND");
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_EQ(bytes.substr(at + 20, pending.size()), pending); // One!A2, then Two!A1
+    auto const back = Workbook::Read(bytes, "C");
+    EXPECT_EQ(back->At(0).Text("A2"), "2");
+    back->Recalculate();
+    EXPECT_EQ(back->At(0).Text("A2"), "10");
+    EXPECT_EQ(back->At(1).Text("A1"), "11");
+    book.Recalculate(); // saving has changed nothing here
+    EXPECT_EQ(two.Text("A1"), "11");
+}
+
+TEST(Document, FormulasWhosePlacesAreComputedFollowThemAfterReading) {
+    Workbook book("C");
+    Sheet &one = book.Add("One"), &two = book.Add("Two");
+    one.Enter("E3", "=INDIRECT(\"C2\")");
+    one.Enter("E2", "=SUM(OFFSET(B1,1,0,2,1))");
+    one.Enter("E4", "=INDIRECT(D1)");
+    one.Enter("D1", "Two!A1");
+    one.Enter("E5", "=SUM(INDIRECT(\"late\"))");
+    book.Recalculate();
+    auto const back = ThereAndBack(book);
+    Sheet & there = back->At(0);
+    there.Enter("C2", "3");
+    there.Enter("B2", "4");
+    back->At(1).Enter("A1", "5");
+    there.DefineName("late", {{1, 1}, {2, 2}});
+    back->Recalculate();
+    EXPECT_EQ(there.Text("E3"), "3");
+    EXPECT_EQ(there.Text("E2"), "7");
+    EXPECT_EQ(there.Text("E4"), "5");
+    EXPECT_EQ(there.Text("E5"), "7");
+    EXPECT_EQ(back->CheckInvariants(), std::vector<std::string>());
+    EXPECT_EQ(two.Text("A1"), "");
+}
+
 TEST(Document, TheSmallestOneIsTheDumpOfTheDocumentation) {
     Workbook book("C");
     book.Add("A_").Enter("B2", "1");

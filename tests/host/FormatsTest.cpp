@@ -198,6 +198,58 @@ TEST_F(HiddenCell, IsRefusedToNewFormulasWhichStayTexts) {
     EXPECT_TRUE(book.CheckInvariants().empty());
 }
 
+// Whether anybody reads a place makes no difference to its format, now or after a save.
+TEST(AreaFormats, AnEmptiedPlaceHasTheFormatOfItsArea) {
+    for (bool const watched : {false, true}) {
+        cells::host::Workbook book("C");
+        Sheet & sheet = book.Add("One");
+        sheet.SetNumberFormat(*ParseArea("A1:A9"), "percent:0");
+        if (watched) sheet.Enter("C1", "=A2");
+        sheet.Enter("A2", "1");
+        EXPECT_EQ(sheet.NumberFormat({0, 1}), "percent:0");
+        sheet.Copy(*ParseArea("B2"), {0, 1}); // nothing stands there
+        EXPECT_EQ(sheet.NumberFormat({0, 1}), "percent:0") << watched;
+        std::string bytes;
+        book.Write([&](std::string_view piece) { bytes += piece; });
+        auto const back = cells::host::Workbook::Read(bytes, "C");
+        EXPECT_EQ(back->At(0).NumberFormat({0, 1}), "percent:0") << watched;
+    }
+}
+
+TEST(AreaFormats, ANumberThatIsCopiedIntoOneKeepsItsFormatWhoeverReadsIt) {
+    Sheet sheet("C");
+    sheet.SetNumberFormat(*ParseArea("A1:A9"), "percent:0");
+    sheet.Enter("B2", "3");
+    sheet.Copy(*ParseArea("B2"), {0, 1});
+    EXPECT_EQ(sheet.Text("A2"), "3");
+    sheet.Enter("C1", "=A2");
+    EXPECT_EQ(sheet.Text("A2"), "3");
+}
+
+TEST(ClearedFormats, GiveFormulasTheirOwnAgainAndNumbersNone) {
+    Sheet sheet("C");
+    sheet.KeepHistory(10);
+    sheet.Enter("A1", "=4");
+    int const own = sheet.Get("A1").formatClass;
+    sheet.SetNumberFormat(*ParseArea("A1"), "percent:0");
+    sheet.Enter("A2", "50%");
+    for (int round = 0; round < 2; ++round) {
+        sheet.ClearFormat(*ParseArea("A1:A2"));
+        sheet.Recalculate();
+        EXPECT_EQ(sheet.Get("A1").formatClass, own);
+        EXPECT_EQ(sheet.Text("A2"), "0.5");
+        sheet.Undo();
+        sheet.Recalculate();
+        EXPECT_EQ(sheet.Text("A1"), "400%");
+        EXPECT_EQ(sheet.Text("A2"), "50%");
+        sheet.Redo();
+        sheet.Recalculate();
+        EXPECT_EQ(sheet.Get("A1").formatClass, own);
+        EXPECT_EQ(sheet.Text("A2"), "0.5");
+        sheet.Undo();
+    }
+}
+
 TEST_F(HiddenCell, IsNotReadByAPlaceThatAFormulaComputes) {
     secret.Protect();
     for (char const * formula :

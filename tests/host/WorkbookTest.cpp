@@ -253,6 +253,23 @@ TEST_F(ThreeSheets, BulkLoadsReachTheReadersOnOtherSheets) {
     EXPECT_EQ(one.Text("A1"), "41");
 }
 
+TEST(RunsOfSheets, FollowAllTheirSheetsInWhateverOrderTheyStand) {
+    Workbook book("C");
+    for (char const * name : {"One", "Two", "Three"}) book.Add(name).Enter("A1", "1");
+    Sheet & sheet = book.At(0);
+    sheet.Enter("B1", "=SUM(One:Three!A1)");
+    book.Move(2, 0); // Three, One, Two
+    book.Recalculate();
+    EXPECT_EQ(sheet.Text("B1"), "2");
+    book["Three"].Enter("A1", "10");
+    book["Two"].Enter("A1", "100"); // not between the two any more
+    book.Recalculate();
+    EXPECT_EQ(sheet.Text("B1"), "11");
+    book.Move(2, 1); // Three, Two, One
+    book.Recalculate();
+    EXPECT_EQ(sheet.Text("B1"), "111");
+}
+
 TEST(Workbook, RefusesNamesThatNoFormulaCouldUse) {
     Workbook book("C");
     book.Add("Sheet1");
