@@ -2,7 +2,7 @@
 // within a factor of two from the smallest to the largest.
 //
 //     build/release/bench/cvcells_bench --benchmark_counters_tabular=true
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCRCRef.h"
 #include "host/Sheet.h"
 

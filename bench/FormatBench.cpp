@@ -1,9 +1,9 @@
 // What it costs to show a number and to read a typed one.
-#include "core/Context.h"
+#include "context/Context.h"
 #include "format/CCNumberFormat.h"
 #include "formula/Scanners.h"
 #include "host/Engine.h"
-#include "host/TextBuffer.h"
+#include "host/internal/sheets/TextBuffer.h"
 
 #include <benchmark/benchmark.h>
 #include <string>

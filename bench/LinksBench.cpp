@@ -1,5 +1,5 @@
 // Documents that read each other, in one process and over a local socket.
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCRemoteRef.h"
 #include "host/Links.h"
 #include "host/Peers.h"

@@ -1,5 +1,5 @@
 // Printing of numbers and parsing of formulas.
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/Parser.h"
 #include "host/Sheet.h"
 

@@ -2,14 +2,13 @@
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cvcells)
-install(TARGETS cvcells cvcells_host EXPORT cvcellsTargets)
+set(libraries cvcells cvcells_host)
 if(TARGET cvcells_database)
-    install(TARGETS cvcells_database EXPORT cvcellsTargets)
+    list(APPEND libraries cvcells_database)
 endif()
+install(TARGETS ${libraries} EXPORT cvcellsTargets
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cvcells)
 install(EXPORT cvcellsTargets NAMESPACE cvcells:: DESTINATION ${package_dir})
-install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cvcells
-        FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE PATTERN "GrammarActions.h" EXCLUDE)
-install(DIRECTORY host DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cvcells FILES_MATCHING PATTERN "*.h")
 if(TARGET cvcells_program)
     install(TARGETS cvcells_program)
 endif()

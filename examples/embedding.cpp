@@ -1,5 +1,5 @@
 // A host of the engine in one page: a map of cells, and the four things that every host supplies.
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRef3D.h"
 

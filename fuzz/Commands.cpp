@@ -1,6 +1,6 @@
 // Command streams, wide and narrow, read into a cell of a sheet that is then used and written.
-#include "core/CCCell.h"
-#include "core/CCCellManager.h"
+#include "cells/CCCell.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCRCRef.h"
 #include "host/Sheet.h"
 #include "persist/CCRWExchange.h"

@@ -1,8 +1,8 @@
 // Random formulas over all functions, addresses and names: the bytes choose functions and
 // arguments, so that every input is a formula. Whatever it is, its printed text reads back to the
 // same tree; it is computed, and its edit text, typed again, shows the same.
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRefFormula.h"

@@ -1,6 +1,6 @@
 // Stored bytes: a cell is read from them, shown, calculated and written again. What was written
 // reads back to the same bytes.
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCRCRef.h"
 #include "host/Sheet.h"
 #include "platform/CArchive.h"

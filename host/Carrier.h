@@ -5,10 +5,10 @@
 // derives from Carrier and moves the bytes. Both are added to a Links.
 #pragma once
 
-#include "core/CCCellValue.h"
+#include "context/CCTransportInterface.h"
 #include "formula/CCRemoteRef.h"
 #include "platform/CFile.h"
-#include "remote/CCTransportInterface.h"
+#include "values/CCCellValue.h"
 
 #include <string_view>
 

@@ -1,6 +1,6 @@
 // Start and stop of the library.
-#include "core/Context.h"
-#include "core/Events.h"
+#include "context/Context.h"
+#include "context/Events.h"
 #include "format/CompiledFormat.h"
 #include "format/International.h"
 #include "format/LTStrings.h"

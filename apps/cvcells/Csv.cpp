@@ -1,6 +1,6 @@
 #include "cvcells/Csv.h"
 
-#include "host/AtomicFile.h"
+#include "host/internal/documents/AtomicFile.h"
 
 #include "platform/Utf.h"
 

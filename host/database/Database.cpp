@@ -1,8 +1,8 @@
 #include "host/database/Database.h"
 
 #include "formula/CCRemoteRef.h"
-#include "host/database/Item.h"
-#include "host/database/Statement.h"
+#include "host/database/internal/Item.h"
+#include "host/database/internal/Statement.h"
 #include "platform/Utf.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "host/database/Item.h"
+#include "host/database/internal/Item.h"
 
 #include <array>
 #include <cctype>

@@ -1,4 +1,4 @@
-#include "host/database/Statement.h"
+#include "host/database/internal/Statement.h"
 
 #include "platform/Utf.h"
 

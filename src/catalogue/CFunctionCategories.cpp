@@ -1,7 +1,7 @@
 #include "catalogue/CFunctionCategories.h"
 
 #include "formula/FunctionRegistry.h"
-#include "functions/Families.h"
+#include "functions/internal/Families.h"
 #include "platform/Resources.h"
 
 #include <algorithm>

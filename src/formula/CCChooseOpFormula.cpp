@@ -1,5 +1,5 @@
-#include "core/CCCellValue.h"
 #include "formula/CCOpFormula.h"
+#include "values/CCCellValue.h"
 
 using namespace cells;
 

@@ -1,6 +1,6 @@
 #include "formula/CCConstFormula.h"
 
-#include "core/Context.h"
+#include "context/Context.h"
 
 #include <cmath>
 #include <ostream>

@@ -1,10 +1,10 @@
 // CCConstFormula: a constant. CCConstArrayFormula: a rectangle of constants, row by row.
 #pragma once
 
-#include "core/CCCellValue.h"
-#include "core/ValueLists.h"
 #include "formula/CCFormula.h"
 #include "platform/NodePool.h"
+#include "values/CCCellValue.h"
+#include "values/ValueLists.h"
 
 #include <vector>
 

@@ -1,5 +1,5 @@
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/BuiltInIds.h"
 #include "formula/CCDocumentRef.h"
 #include "formula/CCOpFormula.h"

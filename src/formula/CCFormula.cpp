@@ -1,12 +1,12 @@
 #include "formula/CCFormula.h"
 
-#include "core/CCCellValue.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRef3D.h"
 #include "formula/CCRefFormula.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRefOpFormula.h"
 #include "formula/Dereference.h"
+#include "values/CCCellValue.h"
 
 #include <cmath>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "formula/CCFunc.h"
 
-#include "core/CCCellValue.h"
 #include "platform/Resources.h"
+#include "values/CCCellValue.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "formula/CCNameRef.h"
 
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "platform/Digits.h"
 #include "platform/Text.h"
 

@@ -1,14 +1,14 @@
 #include "formula/CCOpFormula.h"
 
-#include "core/CCCellManager.h"
-#include "core/CCCellValue.h"
-#include "core/Context.h"
-#include "core/Guards.h"
+#include "cells/CCCellManager.h"
+#include "cells/Guards.h"
+#include "context/Context.h"
 #include "formula/BuiltInIds.h"
 #include "formula/CCConstFormula.h"
 #include "formula/Dereference.h"
-#include "formula/RebuildArguments.h"
+#include "formula/internal/RebuildArguments.h"
 #include "platform/Digits.h"
+#include "values/CCCellValue.h"
 
 #include <algorithm>
 #include <ostream>

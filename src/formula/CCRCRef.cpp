@@ -1,8 +1,8 @@
 #include "formula/CCRCRef.h"
 
 #include "formula/Clipboard.h"
-#include "formula/HandOver.h"
 #include "formula/ReferenceText.h"
+#include "formula/internal/HandOver.h"
 
 int CCRCRef::IsEqual(CCRef const * other) const {
     return other && other->GetType() == kRefCell &&

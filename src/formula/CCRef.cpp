@@ -1,7 +1,7 @@
 #include "formula/CCRef.h"
 
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 
 void CCRef::Print(cells::CTX *, std::wostream &, uchar) const {}
 void CCRef::Update(cells::CTX *, CCRef const *, CCRef const *, uchar) {}

@@ -1,11 +1,11 @@
 #include "formula/CCRef3D.h"
 
-#include "core/CCCellManager.h"
-#include "core/CCCellValue.h"
-#include "core/Context.h"
-#include "core/ManagerContext.h"
+#include "cells/CCCellManager.h"
+#include "cells/ManagerContext.h"
+#include "context/Context.h"
 #include "formula/CCRefList.h"
 #include "formula/CCRemoteRef.h"
+#include "values/CCCellValue.h"
 
 #include <memory>
 

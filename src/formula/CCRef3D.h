@@ -6,7 +6,7 @@
 // of another. A manager that has died resolves to null.
 #pragma once
 
-#include "core/LiveManagers.h"
+#include "context/LiveManagers.h"
 #include "formula/CCRef.h"
 #include "platform/NodePool.h"
 

@@ -1,8 +1,8 @@
 #include "formula/CCRefFormula.h"
 
-#include "core/CCCellManager.h"
-#include "core/Context.h"
-#include "core/Resolve.h"
+#include "cells/CCCellManager.h"
+#include "cells/Resolve.h"
+#include "context/Context.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCDocumentRef.h"
 #include "formula/CCNameRef.h"

@@ -1,11 +1,9 @@
 #include "formula/CCRefOpFormula.h"
 
-#include "core/CCCellManager.h"
-#include "core/CCCellValue.h"
-#include "core/CCWorkbook.h"
-#include "core/Context.h"
-#include "core/Guards.h"
-#include "core/ManagerContext.h"
+#include "cells/CCCellManager.h"
+#include "cells/Guards.h"
+#include "cells/ManagerContext.h"
+#include "context/Context.h"
 #include "formula/BuiltInIds.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCNameRef.h"
@@ -13,14 +11,14 @@
 #include "formula/CCRefFormula.h"
 #include "formula/Clipboard.h"
 #include "formula/OperatorObjects.h"
+#include "values/CCCellValue.h"
 
 using namespace cells;
 using internal::MakeDependentRef;
 using internal::Operator;
 using internal::OperatorObject;
 
-CCRefOpFormula::CCRefOpFormula(CCRefOpFormula const & other)
-    : CCOpFormula(other), CCListenerWithManager() {
+CCRefOpFormula::CCRefOpFormula(CCRefOpFormula const & other) : CCOpFormula(other), NodeListener() {
     TakeOver(other);
 }
 
@@ -147,8 +145,7 @@ void CCRefOpFormula::Follow(CTX * ctx, CCRef * target, CCRef const * current) co
     m_bRefused = !m_Target->RegisterDependent(ctx, place.get());
     m_Registered.reset(place->Copy());
     // The formula has a new precedent: it stands behind it from the next pass on.
-    if (CCWorkbook * workbook = ctx->manager() ? ctx->manager()->GetWorkbook() : nullptr)
-        workbook->GetCalcCache().Reposition(place.get());
+    if (CCCellManager * manager = ctx->manager()) manager->OnNewPrecedent(place.get());
 }
 
 void CCRefOpFormula::Eval(CTX * ctx, CCCellValue & value, CCRef const * current) const {

@@ -5,13 +5,13 @@
 // it names, so that its text follows a rename.
 #pragma once
 
-#include "core/Events.h"
-#include "core/LiveManagers.h"
+#include "context/Events.h"
+#include "context/LiveManagers.h"
 #include "formula/CCOpFormula.h"
 
 #include <memory>
 
-class CVCELLS_API CCRefOpFormula : public CCOpFormula, public CCListenerWithManager {
+class CVCELLS_API CCRefOpFormula : public CCOpFormula, public cells::internal::NodeListener {
 public:
     CCRefOpFormula() : CCRefOpFormula(nullptr, nullptr) {}
     CCRefOpFormula(CCFunc * func, CCFormulaList * args) : CCOpFormula(kRefOpFormula, func, args) {}

@@ -2,8 +2,8 @@
 
 #include "formula/CCRCRef.h"
 #include "formula/Clipboard.h"
-#include "formula/HandOver.h"
 #include "formula/ReferenceText.h"
+#include "formula/internal/HandOver.h"
 
 #include <ostream>
 #include <utility>

@@ -1,11 +1,11 @@
 #include "formula/CCRemoteOpFormula.h"
 
-#include "core/CCCellManager.h"
-#include "core/CCCellValue.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/BuiltInIds.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCRefFormula.h"
+#include "values/CCCellValue.h"
 
 #include <memory>
 

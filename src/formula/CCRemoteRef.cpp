@@ -1,12 +1,13 @@
 #include "formula/CCRemoteRef.h"
 
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCRefFormula.h"
 #include "formula/Scanners.h"
 #include "platform/Digits.h"
 #include "platform/Text.h"
 
+#include <algorithm>
 #include <memory>
 #include <sstream>
 
@@ -120,3 +121,12 @@ int CCRemoteRef::IsSingleValue(cells::CTX * ctx) const {
 
 // A remote reference orders before everything, itself included. That is meant so.
 int CCRemoteRef::Compare(CCRef const *) const { return -1; }
+
+bool IsDocumentCalled(CString const & path, CString const & name) {
+    int const slash = std::max(path.ReverseFind(L'/'), path.ReverseFind(L'\\'));
+    CString const file = path.Mid(slash + 1);
+    int const dot = file.ReverseFind(L'.');
+    for (CString const & known : {path, dot < 0 ? file : file.Left(dot), file})
+        if (known.CompareNoCase(name) == 0) return true;
+    return false;
+}

@@ -1,6 +1,6 @@
 #include "formula/FormulaList.h"
 
-#include "core/Context.h"
+#include "context/Context.h"
 #include "platform/Digits.h"
 
 #include <algorithm>

@@ -16,7 +16,7 @@
 %expect 0
 
 %code requires {
-#include "core/ValueLists.h"
+#include "values/ValueLists.h"
 #include "formula/CCFunc.h"
 #include "formula/FormulaList.h"
 
@@ -33,7 +33,7 @@ void cells_grammar_error(cells::internal::ParserState & state, char const * mess
 }
 
 %code {
-#include "formula/GrammarActions.h"
+#include "formula/internal/GrammarActions.h"
 
 #include <new>
 

@@ -1,4 +1,4 @@
-#include "formula/GrammarActions.h"
+#include "formula/internal/GrammarActions.h"
 
 #include "formula/Grammar.h"
 

@@ -1,4 +1,4 @@
-#include "formula/HandOver.h"
+#include "formula/internal/HandOver.h"
 
 #include "formula/CCRef.h"
 

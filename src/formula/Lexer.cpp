@@ -1,7 +1,7 @@
-#include "formula/Lexer.h"
+#include "formula/internal/Lexer.h"
 
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCRCRef.h"
 #include "formula/FunctionRegistry.h"
 #include "formula/Grammar.h"

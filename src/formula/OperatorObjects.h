@@ -1,4 +1,5 @@
-// The function objects of the operators, by what they mean.
+// The function objects of the operators, by what they mean. Their names and bodies come from
+// functions/Operators.cpp when the functions are set up.
 #pragma once
 
 class CCFormula;

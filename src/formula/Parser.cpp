@@ -1,9 +1,9 @@
 #include "formula/Parser.h"
 
-#include "core/CCCellManager.h"
-#include "core/Context.h"
-#include "formula/Lexer.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/Scanners.h"
+#include "formula/internal/Lexer.h"
 
 #include <memory>
 

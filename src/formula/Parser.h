@@ -1,8 +1,8 @@
 // From text to values and formula trees.
 #pragma once
 
-#include "core/CCCellValue.h"
 #include "formula/CCFormula.h"
+#include "values/CCCellValue.h"
 
 // What an entry is.
 enum EEntryKind : int { kEntryValue = 1, kEntryFormula = 2, kEntryEditSource = 3 };

@@ -1,5 +1,5 @@
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRegionRef.h"

@@ -6,8 +6,8 @@
 // does the same.
 #pragma once
 
-#include "core/CCCellValue.h"
 #include "formula/CCRef.h"
+#include "values/CCCellValue.h"
 
 namespace cells {
 class LCTX;

@@ -1,6 +1,6 @@
 #include "functions/Arguments.h"
 
-#include "core/Context.h"
+#include "context/Context.h"
 #include "formula/Dereference.h"
 
 #include <cmath>

@@ -1,9 +1,9 @@
 // How functions fetch their arguments, and how they report.
 #pragma once
 
-#include "core/CCCellValue.h"
 #include "formula/CCFunc.h"
 #include "formula/FormulaList.h"
+#include "values/CCCellValue.h"
 
 #include <utility>
 

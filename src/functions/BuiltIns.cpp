@@ -1,8 +1,8 @@
 // The table of all built-in functions, made of the families.
 #include "formula/FunctionRegistry.h"
 #include "formula/Scanners.h"
-#include "functions/Families.h"
-#include "functions/OperatorTable.h"
+#include "functions/internal/Families.h"
+#include "functions/internal/OperatorTable.h"
 #include "platform/Clock.h"
 #include "platform/Random.h"
 #include "platform/Resources.h"

@@ -1,4 +1,4 @@
-#include "functions/Combinatorics.h"
+#include "functions/internal/Combinatorics.h"
 
 #include <cmath>
 #include <limits>

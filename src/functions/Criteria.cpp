@@ -1,6 +1,6 @@
-#include "functions/Criteria.h"
+#include "functions/internal/Criteria.h"
 
-#include "core/Context.h"
+#include "context/Context.h"
 #include "formula/Scanners.h"
 #include "functions/Ranges.h"
 

@@ -1,6 +1,6 @@
-#include "functions/DateArguments.h"
+#include "functions/internal/DateArguments.h"
 
-#include "core/Context.h"
+#include "context/Context.h"
 #include "format/DateSerial.h"
 #include "formula/Scanners.h"
 #include "platform/Digits.h"

@@ -1,11 +1,11 @@
 // Dates and times. The calendar is the engine's own; days of the week are those of the real one.
-#include "core/Context.h"
+#include "context/Context.h"
 #include "format/DateSerial.h"
 #include "formula/Scanners.h"
-#include "functions/DateArguments.h"
-#include "functions/Families.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/DateArguments.h"
+#include "functions/internal/Families.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 // Probability distributions. Several give a density where their name may promise more; there are no
 // inverse functions.
-#include "functions/Combinatorics.h"
-#include "functions/Families.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Combinatorics.h"
+#include "functions/internal/Families.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,10 @@
 // Properties of the document, as the host knows them.
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "format/DateSerial.h"
 #include "functions/Arguments.h"
-#include "functions/Families.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Families.h"
 
 #include <cmath>
 

@@ -1,9 +1,9 @@
 // Finance: loans, rates of return, depreciation, bills, taxes. Amounts follow no sign convention.
 #include "format/DateSerial.h"
-#include "functions/ArgumentReader.h"
-#include "functions/Families.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/ArgumentReader.h"
+#include "functions/internal/Families.h"
 
 #include <algorithm>
 #include <cmath>

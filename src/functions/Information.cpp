@@ -1,9 +1,9 @@
 // Information: what kind of value an argument is.
-#include "core/Context.h"
+#include "context/Context.h"
 #include "functions/Arguments.h"
-#include "functions/Families.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Families.h"
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
 // Functions of whole numbers: divisors, multiples, factorials.
-#include "functions/Combinatorics.h"
-#include "functions/Families.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Combinatorics.h"
+#include "functions/internal/Families.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 // Logic: conditions and their combination.
-#include "functions/Families.h"
 #include "functions/Operators.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Families.h"
 
 namespace cells::internal {
 namespace {

@@ -1,20 +1,20 @@
 // Lookup: a value by its place, or a place by its value.
 //
 // A key of another type than the value is no match and no order; it is stepped over.
-#include "core/CCCellManager.h"
-#include "core/Context.h"
-#include "core/ManagerContext.h"
-#include "core/ValueCompare.h"
+#include "cells/CCCellManager.h"
+#include "cells/ManagerContext.h"
+#include "context/Context.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRef3D.h"
 #include "formula/CCRefFormula.h"
 #include "formula/CCRegionRef.h"
 #include "formula/CCRemoteRef.h"
 #include "formula/Scanners.h"
-#include "functions/Families.h"
 #include "functions/Ranges.h"
-#include "functions/ReferenceArguments.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Families.h"
+#include "functions/internal/ReferenceArguments.h"
+#include "values/ValueCompare.h"
 
 #include <cmath>
 #include <sstream>

@@ -1,9 +1,9 @@
 // Mathematics: arithmetic, rounding, logarithms, hyperbolic functions, random numbers,
 // determinants.
-#include "functions/Families.h"
 #include "functions/Operators.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Families.h"
 #include "platform/Digits.h"
 #include "platform/Random.h"
 

@@ -1,8 +1,8 @@
 #include "functions/Operators.h"
 
-#include "core/CCCellManager.h"
-#include "core/Context.h"
-#include "core/ManagerContext.h"
+#include "cells/CCCellManager.h"
+#include "cells/ManagerContext.h"
+#include "context/Context.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRef3D.h"
@@ -10,10 +10,10 @@
 #include "formula/CCRefOpFormula.h"
 #include "formula/CCRegionRef.h"
 #include "formula/OperatorObjects.h"
-#include "functions/OperatorTable.h"
 #include "functions/Ranges.h"
-#include "functions/ReferenceArguments.h"
 #include "functions/Shapes.h"
+#include "functions/internal/OperatorTable.h"
+#include "functions/internal/ReferenceArguments.h"
 #include "platform/Resources.h"
 
 #include <memory>
@@ -265,28 +265,7 @@ constexpr OperatorRow kRows[kOperators] = {
      Exactly<2>, EvalFullRef},
 };
 
-bool BuildsReference(Operator op) { return op >= Operator::kRange; }
-
-std::unique_ptr<CCFunc> NewOperator(Operator op) {
-    if (BuildsReference(op)) return std::make_unique<CCRefFunc>();
-    return std::make_unique<CCFunc>();
-}
-
-struct OperatorObjects {
-    std::unique_ptr<CCFunc> objects[kOperators];
-    OperatorObjects() {
-        for (int i = 0; i < kOperators; ++i) objects[i] = NewOperator(kRows[i].op);
-    }
-};
-
-OperatorObjects & Objects() {
-    static OperatorObjects * const objects = new OperatorObjects;
-    return *objects;
-}
-
 } // namespace
-
-CCFunc * OperatorObject(Operator op) { return Objects().objects[int(op)].get(); }
 
 wchar_t const * OperatorString(unsigned int id) {
     bool const isOne = id >= kStringFirstOperator && id < kStringFirstOperator + kOperators;

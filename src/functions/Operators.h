@@ -1,8 +1,8 @@
 // What operators and their named twins share.
 #pragma once
 
-#include "core/ValueCompare.h"
 #include "formula/CCFunc.h"
+#include "values/ValueCompare.h"
 
 namespace cells::internal {
 

@@ -1,7 +1,7 @@
 // Statistics of order: medians, ranks, percentiles, the most frequent number.
-#include "functions/Families.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Families.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "functions/Ranges.h"
 
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRefFormula.h"

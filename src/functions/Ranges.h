@@ -1,8 +1,8 @@
 // Walks over the values of arguments.
 #pragma once
 
-#include "core/BulkRead.h"
 #include "functions/Arguments.h"
+#include "values/BulkRead.h"
 
 #include <vector>
 

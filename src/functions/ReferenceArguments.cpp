@@ -1,7 +1,7 @@
-#include "functions/ReferenceArguments.h"
+#include "functions/internal/ReferenceArguments.h"
 
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCRefFormula.h"
 

@@ -1,16 +1,16 @@
 // References: made of text and numbers, moved, measured.
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRef3D.h"
 #include "formula/CCRegionRef.h"
 #include "formula/Parser.h"
-#include "functions/Families.h"
 #include "functions/Ranges.h"
-#include "functions/ReferenceArguments.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Families.h"
+#include "functions/internal/ReferenceArguments.h"
 
 #include <cmath>
 #include <sstream>

@@ -1,7 +1,7 @@
 // Two ranges side by side: lines of best fit, covariance, correlation, weighted means.
-#include "functions/Families.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Families.h"
 
 #include <cmath>
 

@@ -4,13 +4,13 @@
 // answers for the source (CCTransportInterface) reads the item. An item of a database has five
 // parts, table ! sort ! filter ! field ! row, of which the last may be missing; a statement stands
 // in the place of the table.
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCRemoteRef.h"
 #include "functions/Arguments.h"
-#include "functions/Families.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Families.h"
 #include "platform/Digits.h"
 #include "platform/Resources.h"
 

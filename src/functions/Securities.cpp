@@ -1,7 +1,7 @@
 // Securities: discounts, interest at maturity, coupons.
-#include "functions/ArgumentReader.h"
-#include "functions/Families.h"
 #include "functions/Shapes.h"
+#include "functions/internal/ArgumentReader.h"
+#include "functions/internal/Families.h"
 
 #include <cmath>
 

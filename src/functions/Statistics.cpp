@@ -1,12 +1,12 @@
 // Means, spreads, extremes and counts.
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCRefFormula.h"
-#include "functions/Criteria.h"
-#include "functions/Families.h"
 #include "functions/Operators.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Criteria.h"
+#include "functions/internal/Families.h"
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
 // Sums: of numbers, squares, products, series, and of what meets a criterion.
-#include "functions/Criteria.h"
-#include "functions/Families.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Criteria.h"
+#include "functions/internal/Families.h"
 
 #include <cmath>
 #include <deque>

@@ -1,4 +1,4 @@
-#include "functions/TextMatch.h"
+#include "functions/internal/TextMatch.h"
 
 #include "platform/Text.h"
 

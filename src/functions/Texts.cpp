@@ -1,13 +1,13 @@
 // Text, counted in 16-bit units. Numbers take part as what their cell shows.
-#include "core/Context.h"
-#include "core/ValueCompare.h"
+#include "context/Context.h"
 #include "formula/Scanners.h"
-#include "functions/Families.h"
 #include "functions/Ranges.h"
 #include "functions/Shapes.h"
-#include "functions/TextMatch.h"
+#include "functions/internal/Families.h"
+#include "functions/internal/TextMatch.h"
 #include "platform/CodePage.h"
 #include "platform/Text.h"
+#include "values/ValueCompare.h"
 
 #include <algorithm>
 #include <cmath>

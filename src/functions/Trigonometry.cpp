@@ -1,8 +1,8 @@
 // Trigonometry in radians, and the number pi. Arguments out of a function's domain give a value
 // that is not finite, which an enclosing formula may still test.
 #include "functions/Arguments.h"
-#include "functions/Families.h"
 #include "functions/Shapes.h"
+#include "functions/internal/Families.h"
 
 #include <cmath>
 #include <limits>

@@ -1,7 +1,7 @@
 // Cells between the older file version and today.
-#include "core/CCCell.h"
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCell.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRef3D.h"
 #include "formula/CCRefFormula.h"

@@ -1,6 +1,6 @@
 // Formulas between the older file version and today.
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/BuiltInIds.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCOpFormula.h"

@@ -1,6 +1,6 @@
 // Number formats between the older file version and today.
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "format/CCNumberFormat.h"
 #include "format/LTStrings.h"
 #include "legacy/CCC4W15Convert.h"

@@ -1,7 +1,7 @@
 // Values between the older file version and today.
-#include "core/CCCellValue.h"
 #include "legacy/CCC4W15Convert.h"
 #include "platform/CodePage.h"
+#include "values/CCCellValue.h"
 
 namespace {
 

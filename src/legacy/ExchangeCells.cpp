@@ -2,7 +2,7 @@
 #include "legacy/CCC4W15Exchange.h"
 
 #include "formula/CCFormula.h"
-#include "persist/NestingLimit.h"
+#include "persist/internal/NestingLimit.h"
 #include "platform/CArchive.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "persist/CCRWExchange.h"
 
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "format/LTStrings.h"
 #include "formula/CCFormula.h"
 #include "formula/CCRef3D.h"

@@ -12,7 +12,7 @@
 // passes the rest on. docs/file-formats.md lists the commands.
 #pragma once
 
-#include "core/CCCell.h"
+#include "cells/CCCell.h"
 #include "persist/CCRWBase.h"
 
 #include <map>

@@ -1,7 +1,7 @@
 // The bytes of items, cells and managers, and the serialised blocks below a cell.
-#include "core/CCCell.h"
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCell.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "format/FormatTables.h"
 #include "formula/CCFormula.h"
 #include "formula/CCRefList.h"

@@ -6,7 +6,7 @@
 #include "formula/CCRefOpFormula.h"
 #include "formula/CCRemoteOpFormula.h"
 #include "formula/FunctionRegistry.h"
-#include "persist/NestingLimit.h"
+#include "persist/internal/NestingLimit.h"
 #include "platform/CArchive.h"
 #include "platform/HeapText.h"
 

@@ -1,5 +1,5 @@
 // The bytes of references and of lists of them.
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCDocumentRef.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCRCRef.h"
@@ -7,7 +7,7 @@
 #include "formula/CCRefList.h"
 #include "formula/CCRegionRef.h"
 #include "formula/CCRemoteRef.h"
-#include "persist/NestingLimit.h"
+#include "persist/internal/NestingLimit.h"
 #include "platform/CArchive.h"
 
 #include <memory>

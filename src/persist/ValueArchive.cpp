@@ -1,10 +1,10 @@
 // The bytes of values and of arrays of them.
-#include "core/CCCellValue.h"
-#include "core/CCDoubleArray.h"
 #include "platform/Arrays.h"
 #include "platform/CArchive.h"
 #include "platform/Exceptions.h"
 #include "platform/HeapText.h"
+#include "values/CCCellValue.h"
+#include "values/CCDoubleArray.h"
 
 #include <algorithm>
 #include <limits>

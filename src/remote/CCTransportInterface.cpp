@@ -1,5 +1,5 @@
 // What a document answers that overrides nothing.
-#include "remote/CCTransportInterface.h"
+#include "context/CCTransportInterface.h"
 
 int CCTransportInterface::IsRemoteDocumentOpen(wchar_t const *) { return 0; }
 int CCTransportInterface::IsValidRemoteRef(CCRemoteRef const *, int) { return 1; }

@@ -1,8 +1,8 @@
 // The answering side: OnTransport turns a request into a call of an OnRemote... and writes the
 // reply over it.
+#include "context/CCTransportInterface.h"
 #include "platform/Exceptions.h"
-#include "remote/CCTransportInterface.h"
-#include "remote/Wire.h"
+#include "remote/internal/Wire.h"
 
 #include <iterator>
 #include <tuple>

@@ -1,6 +1,6 @@
 // The asking side: every DoRemote... is one request and its reply.
-#include "remote/CCTransportInterface.h"
-#include "remote/Wire.h"
+#include "context/CCTransportInterface.h"
+#include "remote/internal/Wire.h"
 
 #include <tuple>
 

@@ -8,14 +8,14 @@
 // CVCELLS_RANDOM_OPERATIONS and CVCELLS_RANDOM_SEED choose another length and another beginning.
 #include "cvcells/Session.h"
 
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRef3D.h"
 #include "formula/CCRefFormula.h"
 #include "formula/CCRefList.h"
-#include "host/PlaceRefs.h"
-#include "host/SheetManager.h"
+#include "host/internal/sheets/PlaceRefs.h"
+#include "host/internal/sheets/SheetManager.h"
 #include "platform/Utf.h"
 
 #include <algorithm>

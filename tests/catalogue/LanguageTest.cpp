@@ -8,6 +8,7 @@
 #include "platform/Resources.h"
 #include "platform/Services.h"
 #include "platform/Utf.h"
+#include "support/Paths.h"
 
 #include <gtest/gtest.h>
 #include <map>

@@ -1,5 +1,5 @@
-#include <host/Links.h>
-#include <host/database/Database.h>
+#include <cvcells/host/Links.h>
+#include <cvcells/host/database/Database.h>
 
 #include <iostream>
 

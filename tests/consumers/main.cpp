@@ -1,4 +1,4 @@
-#include <host/Sheet.h>
+#include <cvcells/host/Sheet.h>
 
 #include <iostream>
 

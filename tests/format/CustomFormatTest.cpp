@@ -1,4 +1,4 @@
-#include "core/Context.h"
+#include "context/Context.h"
 #include "format/CCNumberFormat.h"
 #include "format/CExcelNumberFormat.h"
 #include "format/CFormatSection.h"

@@ -1,4 +1,4 @@
-#include "core/Guards.h"
+#include "cells/Guards.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCDocumentRef.h"
 #include "formula/CCNameRef.h"

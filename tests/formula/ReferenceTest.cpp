@@ -1,4 +1,3 @@
-#include "core/CCCellValue.h"
 #include "formula/CCDocumentRef.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCRCRef.h"
@@ -9,6 +8,7 @@
 #include "formula/Clipboard.h"
 #include "formula/RefHash.h"
 #include "support/BaseHost.h"
+#include "values/CCCellValue.h"
 
 #include <gtest/gtest.h>
 #include <random>

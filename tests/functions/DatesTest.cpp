@@ -1,6 +1,6 @@
 #include "format/DateSerial.h"
-#include "functions/DateArguments.h"
 #include "functions/FormulaCases.h"
+#include "functions/internal/DateArguments.h"
 
 #include <algorithm>
 #include <random>

@@ -1,11 +1,11 @@
 // Functions that read other documents, databases and properties of the document.
-#include "core/Context.h"
+#include "context/Context.h"
 #include "format/DateSerial.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCOpFormula.h"
 #include "formula/CCRemoteRef.h"
 #include "formula/Parser.h"
-#include "functions/Families.h"
+#include "functions/internal/Families.h"
 #include "host/Engine.h"
 #include "platform/CFile.h"
 #include "support/BaseHost.h"

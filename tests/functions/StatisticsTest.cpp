@@ -1,11 +1,11 @@
-#include "core/CCCellValue.h"
 #include "formula/Parser.h"
 #include "functions/Arguments.h"
-#include "functions/Families.h"
 #include "functions/FormulaCases.h"
 #include "functions/Ranges.h"
 #include "functions/UnnamedFunctions.h"
+#include "functions/internal/Families.h"
 #include "support/BaseHost.h"
+#include "values/CCCellValue.h"
 
 #include <algorithm>
 #include <random>

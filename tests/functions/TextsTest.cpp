@@ -1,5 +1,5 @@
 #include "functions/FormulaCases.h"
-#include "functions/TextMatch.h"
+#include "functions/internal/TextMatch.h"
 
 #include <chrono>
 #include <string>

@@ -1,11 +1,11 @@
 // Functions that no name leads to, called through their objects.
 #pragma once
 
-#include "core/CCCellValue.h"
 #include "formula/CCOpFormula.h"
 #include "formula/Parser.h"
-#include "functions/Families.h"
+#include "functions/internal/Families.h"
 #include "support/BaseHost.h"
+#include "values/CCCellValue.h"
 
 #include <gtest/gtest.h>
 #include <memory>

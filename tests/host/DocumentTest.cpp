@@ -2,9 +2,11 @@
 #include "catalogue/Language.h"
 #include "format/CCNumberFormat.h"
 #include "format/LTStrings.h"
-#include "host/AtomicFile.h"
 #include "host/Engine.h"
 #include "host/Workbook.h"
+#include "host/internal/documents/AtomicFile.h"
+#include "support/Documentation.h"
+#include "support/Paths.h"
 #include "support/Workbooks.h"
 
 #include <fcntl.h>

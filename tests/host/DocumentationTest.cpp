@@ -1,5 +1,6 @@
 // The examples of the documentation, run.
 #include "host/Sheet.h"
+#include "support/Paths.h"
 
 #include <fstream>
 #include <gtest/gtest.h>
@@ -29,7 +30,7 @@ std::vector<std::string> TableCells(std::string const & line) {
 } // namespace
 
 TEST(NumberFormatsPage, ShowsWhatTheEngineShows) {
-    std::ifstream page(CVCELLS_TESTS_FOLDER "/../docs/number-formats.md");
+    std::ifstream page(CVCELLS_DOCUMENTS "/number-formats.md");
     ASSERT_TRUE(page);
     int examples = 0;
     bool inExamples = false;
@@ -50,7 +51,7 @@ TEST(NumberFormatsPage, ShowsWhatTheEngineShows) {
 }
 
 TEST(FunctionsPage, ShowsWhatTheEngineShows) {
-    std::ifstream page(CVCELLS_TESTS_FOLDER "/../docs/functions.md");
+    std::ifstream page(CVCELLS_DOCUMENTS "/functions.md");
     ASSERT_TRUE(page);
     int examples = 0;
     for (std::string line; std::getline(page, line);) {
@@ -66,7 +67,7 @@ TEST(FunctionsPage, ShowsWhatTheEngineShows) {
 }
 
 TEST(FormulaLanguagePage, ShowsWhatTheEngineShows) {
-    std::ifstream page(CVCELLS_TESTS_FOLDER "/../docs/formula-language.md");
+    std::ifstream page(CVCELLS_DOCUMENTS "/formula-language.md");
     ASSERT_TRUE(page);
     int examples = 0;
     bool inExamples = false;

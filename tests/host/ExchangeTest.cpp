@@ -3,6 +3,7 @@
 
 #include "catalogue/Language.h"
 #include "host/Engine.h"
+#include "support/Paths.h"
 #include "support/Workbooks.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // Exact lookups through the index of keys give what looking at one cell after the other gives.
-#include "host/Grid.h"
 #include "host/Sheet.h"
-#include "host/SheetManager.h"
+#include "host/internal/sheets/Grid.h"
+#include "host/internal/sheets/SheetManager.h"
 
 #include <gtest/gtest.h>
 #include <random>

@@ -1,6 +1,7 @@
 // Sheets as files of the older version.
 #include "host/LegacyFile.h"
 
+#include "support/Documentation.h"
 #include "support/Workbooks.h"
 
 #include <algorithm>

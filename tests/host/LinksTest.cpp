@@ -1,6 +1,6 @@
 // Workbooks that read each other in one process.
 #include "host/Links.h"
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCRemoteRef.h"
 #include "platform/CFile.h"
 #include "platform/Services.h"

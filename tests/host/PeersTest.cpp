@@ -1,9 +1,9 @@
 // Documents of other processes: children of the test that serve, and peers of bytes that lie.
 #include "host/Peers.h"
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCRemoteRef.h"
 #include "host/Links.h"
-#include "host/PeerSocket.h"
+#include "host/internal/links/PeerSocket.h"
 #include "platform/CFile.h"
 #include "support/Bytes.h"
 #include "support/Workbooks.h"

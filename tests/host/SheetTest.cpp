@@ -1,6 +1,6 @@
 #include "host/Sheet.h"
 
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRegionRef.h"
 

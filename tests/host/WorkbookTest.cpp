@@ -1,9 +1,9 @@
 // Sheets that calculate together: references across sheets, and sheets that come, go and move.
 #include "host/Workbook.h"
 
-#include "core/CCCell.h"
-#include "core/CCCellManager.h"
-#include "core/Context.h"
+#include "cells/CCCell.h"
+#include "cells/CCCellManager.h"
+#include "context/Context.h"
 #include "formula/CCRCRef.h"
 
 #include <gtest/gtest.h>

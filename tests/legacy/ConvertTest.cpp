@@ -13,6 +13,7 @@
 #include "legacy/CCC4W15Convert.h"
 #include "support/BaseHost.h"
 #include "support/Bytes.h"
+#include "support/Paths.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,7 +1,7 @@
 // Random edits: the engine, in slices of any size, against an evaluator that starts from scratch.
 #include "oracle/Oracle.h"
 
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "host/Sheet.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // The bytes of cells, items and managers, written out by hand.
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCDocumentRef.h"
 #include "platform/Exceptions.h"
 #include "support/BaseHost.h"

@@ -1,6 +1,4 @@
 // The bytes of values, references, functions and formulas, written out by hand.
-#include "core/CCCellValue.h"
-#include "core/CCDoubleArray.h"
 #include "formula/CCConstFormula.h"
 #include "formula/CCDocumentRef.h"
 #include "formula/CCNameRef.h"
@@ -14,6 +12,8 @@
 #include "platform/Exceptions.h"
 #include "support/BaseHost.h"
 #include "support/Bytes.h"
+#include "values/CCCellValue.h"
+#include "values/CCDoubleArray.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include "formula/CCRemoteOpFormula.h"
 #include "formula/CCRemoteRef.h"
 #include "formula/Parser.h"
-#include "functions/Families.h"
+#include "functions/internal/Families.h"
 #include "platform/CFile.h"
 #include "platform/Exceptions.h"
 #include "platform/Services.h"

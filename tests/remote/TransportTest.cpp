@@ -1,8 +1,8 @@
 // What a document answers that has no way to others.
-#include "core/CCCellValue.h"
+#include "context/CCTransportInterface.h"
 #include "formula/CCRemoteRef.h"
 #include "platform/CFile.h"
-#include "remote/CCTransportInterface.h"
+#include "values/CCCellValue.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // Every operation of the protocol: the bytes of its request and of its reply, what the answering
 // side is asked, what the asking side gets.
-#include "core/CCCellValue.h"
+#include "context/CCTransportInterface.h"
 #include "formula/CCRemoteRef.h"
 #include "platform/Exceptions.h"
-#include "remote/CCTransportInterface.h"
 #include "support/Bytes.h"
+#include "values/CCCellValue.h"
 
 #include <functional>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 // asks of it.
 #pragma once
 
-#include "core/CCCellManager.h"
+#include "cells/CCCellManager.h"
 #include "formula/CCRCRef.h"
 #include "formula/CCRef3D.h"
 #include "platform/Utf.h"

@@ -1,9 +1,9 @@
 // Starts the engine for all tests: invariant locale, a fixed clock, settings in a folder of their
 // own.
-#include "core/CCCellValue.h"
-#include "core/Context.h"
+#include "context/Context.h"
 #include "platform/Services.h"
 #include "platform/Utf.h"
+#include "values/CCCellValue.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,10 +1,10 @@
 // Databases that formulas read.
 #include "host/database/Database.h"
-#include "core/CCCellValue.h"
 #include "formula/CCRemoteRef.h"
 #include "host/Links.h"
-#include "host/database/Item.h"
+#include "host/database/internal/Item.h"
 #include "platform/Arrays.h"
+#include "values/CCCellValue.h"
 
 #include <filesystem>
 #include <fstream>
