@@ -5,7 +5,8 @@
 // cells are given the same texts. Cells that read themselves, in whatever number of steps, and
 // cells that read those, hold what the order of entry gives them and are not compared.
 //
-// CVCELLS_RANDOM_OPERATIONS and CVCELLS_RANDOM_SEED choose another length and another beginning.
+// CVCELLS_RANDOM_OPERATIONS and CVCELLS_RANDOM_SEED choose another length and another beginning;
+// scripts/random-workbooks runs a long campaign.
 #include "cvcells/Session.h"
 
 #include "cells/CCCellManager.h"
@@ -38,7 +39,7 @@ using cells::app::Session;
 using Lines = std::vector<std::string>;
 
 constexpr int kColumnsUsed = 6, kRowsUsed = 8;
-constexpr int kLinesOfAWorkbook = 60;
+constexpr unsigned kLinesOfAWorkbook = 60, kShards = 8;
 
 char const * const kSheets[] = {"Sheet1", "Two", "Three", "Four"};
 char const * const kNames[] = {"alpha", "beta", "block"};
@@ -51,10 +52,10 @@ class LineMaker {
 public:
     explicit LineMaker(unsigned seed) : m_Random(seed) {}
 
-    Lines Make(int count) {
+    Lines Make(unsigned count) {
         Lines lines{"sheet Two", "sheet Three", "sheet Sheet1"};
         for (int i = 0; i < 12; ++i) lines.push_back(Entry());
-        while (int(lines.size()) < count) lines.push_back(Line());
+        while (lines.size() < count) lines.push_back(Line());
         return lines;
     }
 
@@ -470,10 +471,13 @@ unsigned Setting(char const * variable, unsigned otherwise) {
 
 } // namespace
 
-TEST(RandomWorkbooks, HoldWhatTheSameTextsGiveWhenEnteredAnew) {
-    unsigned const operations = Setting("CVCELLS_RANDOM_OPERATIONS", 10000);
-    unsigned const first = Setting("CVCELLS_RANDOM_SEED", 1);
-    for (unsigned seed = first; (seed - first) * kLinesOfAWorkbook < operations; ++seed) {
+class RandomWorkbooks : public testing::TestWithParam<unsigned> {};
+
+TEST_P(RandomWorkbooks, HoldWhatTheSameTextsGiveWhenEnteredAnew) {
+    unsigned const operations = Setting("CVCELLS_RANDOM_OPERATIONS", 10000) / kShards;
+    unsigned const first = Setting("CVCELLS_RANDOM_SEED", 1) + GetParam();
+    for (unsigned made = 0, seed = first; made < operations;
+         made += kLinesOfAWorkbook, seed += kShards) {
         Lines lines = LineMaker(seed).Make(kLinesOfAWorkbook);
         if (FirstDifference(lines).first.empty()) continue;
         Reduce(lines);
@@ -482,3 +486,5 @@ TEST(RandomWorkbooks, HoldWhatTheSameTextsGiveWhenEnteredAnew) {
         FAIL() << "seed " << seed << ": " << FirstDifference(lines).first << " after\n" << session;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Shards, RandomWorkbooks, testing::Range(0u, kShards));

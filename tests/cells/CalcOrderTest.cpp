@@ -28,7 +28,9 @@ void ExpectSame(CalcOrder const & order, std::vector<SCCalcEntry *> const & twin
     for (std::size_t i = 0; i < twin.size(); ++i, entry = entry->next) {
         ASSERT_EQ(entry, twin[i]) << i;
         ASSERT_EQ(entry->previous, i ? twin[i - 1] : nullptr) << i;
-        if (i) ASSERT_LT(twin[i - 1]->label, entry->label) << i;
+        if (i) {
+            ASSERT_LT(twin[i - 1]->label, entry->label) << i;
+        }
     }
     ASSERT_EQ(entry, nullptr);
     ASSERT_EQ(order.Last(), twin.empty() ? nullptr : twin.back());
@@ -47,7 +49,9 @@ void InsertMany(int count, Pick && place) {
     }
     int found = 0;
     for (SCCalcEntry const * entry = order.First(); entry; entry = entry->next, ++found)
-        if (entry->next) ASSERT_LT(entry->label, entry->next->label);
+        if (entry->next) {
+            ASSERT_LT(entry->label, entry->next->label);
+        }
     EXPECT_EQ(found, count);
 }
 

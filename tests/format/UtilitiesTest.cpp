@@ -7,8 +7,8 @@
 #include "platform/LocaleInfo.h"
 #include "platform/Services.h"
 
+#include "context/Context.h"
 #include <clocale>
-#include <core/Context.h>
 #include <gtest/gtest.h>
 #include <vector>
 

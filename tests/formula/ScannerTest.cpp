@@ -5,7 +5,7 @@
 #include "platform/Utf.h"
 #include "support/BaseHost.h"
 
-#include <core/Context.h>
+#include "context/Context.h"
 #include <gtest/gtest.h>
 
 namespace {
