@@ -18,6 +18,10 @@
 
 class CCFormula;
 
+namespace cells {
+struct Entry;
+}
+
 // Bits of what CCCell::Clear clears.
 enum EClear : int { kClearValue = 1, kClearFormula = 2, kClearFormat = 4, kClearAll = 7 };
 
@@ -46,6 +50,8 @@ public:
 
     // User entry. Nothing is lost: what does not parse becomes text. `quiet` holds messages back.
     virtual void SetText(cells::CTX * ctx, wchar_t const * text, int quiet);
+    // The same for a text that was read already.
+    void Enter(cells::CTX * ctx, CString const & text, cells::Entry entry, int quiet);
     // The buffer forms take the size in bytes and always leave a terminator where one fits.
     virtual void GetValueText(cells::CTX * ctx, std::wostream & stream) const;
     virtual void GetValueText(cells::CTX * ctx, wchar_t * buffer, int bytes) const;
@@ -132,6 +138,7 @@ private:
     bool IsShown(cells::CTX * ctx) const;
     bool HasDisplayText(cells::CTX * ctx) const;
     int RefusesChange(cells::CTX * ctx) const;
+    void TakeEntry(cells::CTX * ctx, CString const & text, cells::Entry entry, int quiet);
     void TakeTypedValue(cells::CTX * ctx, wchar_t const * text, CCCellValue & value);
     void TurnIntoText(cells::CTX * ctx);
     void FailToRegister(cells::CTX * ctx, CCFormula const & tree, CCRef const * place);

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <ostream>
 #include <sstream>
+#include <utility>
 
 using cells::internal::SessionGuard;
 
@@ -41,25 +42,32 @@ void CCCell::SetText(cells::CTX * ctx, wchar_t const * text, int quiet) {
     if (!manager || RefusesChange(ctx)) return;
     SessionGuard const session(manager);
     CString const entered(text);
-    CCCellValue value;
-    CCFormula * parsed = nullptr;
-    int const kind = _Parse(ctx, entered, value, parsed, nullptr);
-    std::unique_ptr<CCFormula> const formula(parsed);
-    if (kind == kEntryValue) {
-        TakeTypedValue(ctx, entered, value);
-    } else if (formula) {
-        if (kind == kEntryEditSource) {
+    TakeEntry(ctx, entered, cells::ReadEntry(ctx, entered), quiet);
+}
+
+void CCCell::Enter(cells::CTX * ctx, CString const & text, cells::Entry entry, int quiet) {
+    CCCellManager * const manager = ctx->manager();
+    if (!manager || RefusesChange(ctx)) return;
+    SessionGuard const session(manager);
+    TakeEntry(ctx, text, std::move(entry), quiet);
+}
+
+void CCCell::TakeEntry(cells::CTX * ctx, CString const & text, cells::Entry entry, int quiet) {
+    if (entry.kind == kEntryValue) {
+        TakeTypedValue(ctx, text, entry.value);
+    } else if (entry.formula) {
+        if (entry.kind == kEntryEditSource) {
             CCCellFormat source;
             source.SetEditSource(1);
             DoSetFormat(ctx, source);
         }
-        SetFormula(ctx, formula.get(), quiet != 0);
+        SetFormula(ctx, entry.formula.get(), quiet != 0);
     } else {
-        value.Set(entered);
-        SetValue(ctx, value);
+        entry.value.Set(text);
+        SetValue(ctx, entry.value);
         if (!quiet)
-            manager->ErrorMessage(MatchBrackets(entered) ? cells::kStringFormulaError
-                                                         : cells::kStringBrackets);
+            ctx->manager()->ErrorMessage(MatchBrackets(text) ? cells::kStringFormulaError
+                                                             : cells::kStringBrackets);
     }
 }
 

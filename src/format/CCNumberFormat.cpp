@@ -260,6 +260,8 @@ bool CCNumberFormat::IsEqual(cells::LCTX * lctx, CCNumberFormat const & other) c
     if (m_bCustom && other.m_bCustom)
         return m_Compiled.Get() == other.m_Compiled.Get() ||
                getFormatString() == other.getFormatString();
+    // No custom text says what a radix format says.
+    if (m_nType > C_NF_BOOL || other.m_nType > C_NF_BOOL) return false;
     if (m_bCustom) return getFormatString() == other.EquivalentText(lctx);
     if (other.m_bCustom) return EquivalentText(lctx) == other.getFormatString();
     bool const sameFields = m_nSetMask == other.m_nSetMask && m_nData == other.m_nData &&

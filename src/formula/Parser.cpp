@@ -70,44 +70,49 @@ bool ParsePlain(cells::LCTX * lctx, wchar_t const * text, CCCellValue & value) {
 
 } // namespace
 
-int _Parse(cells::CTX * ctx, wchar_t const * text, CCCellValue & value, CCFormula *& formula,
-           CCRef *) {
-    cells::LCTX * const lctx = ctx->lctx();
-    value.Release();
-    formula = nullptr;
-    CString const units(text); // splits what is above U+FFFF
-    wchar_t const * at = units;
+cells::Entry cells::ReadEntry(CTX * ctx, CString const & text) {
+    LCTX * const lctx = ctx->lctx();
+    Entry entry;
+    wchar_t const * at = text;
     _EatWhite(lctx, at);
-    if (ParseError(ctx, at, value)) return kEntryValue;
+    if (!*at || ParseError(ctx, at, entry.value)) return entry;
     switch (*at) {
-    case 0:
-        return kEntryValue;
     case L'\'':
-        value.Set(at + 1);
-        return kEntryValue;
+        entry.value.Set(at + 1);
+        return entry;
     case L'@':
-        formula = ParseWhole(ctx, at, 0).release();
-        return kEntryFormula;
     case L'=':
-        formula = ParseWhole(ctx, at + 1, 0).release();
-        return kEntryFormula;
     case L'!':
-        formula = ParseWhole(ctx, at + 1, 0).release();
-        return kEntryEditSource;
+        entry.kind = *at == L'!' ? kEntryEditSource : kEntryFormula;
+        entry.formula = ParseWhole(ctx, *at == L'@' ? at : at + 1, 0);
+        return entry;
     case L'+':
     case L'-':
-        if (ParseSigned(lctx, at, value)) return kEntryValue;
-        formula = ParseWhole(ctx, at, 0).release();
-        if (formula) return kEntryFormula;
-        break;
+        if (ParseSigned(lctx, at, entry.value)) return entry;
+        entry.formula = ParseWhole(ctx, at, 0);
+        if (!entry.formula) break;
+        entry.kind = kEntryFormula;
+        return entry;
     case L'(':
-        if (ParseBracketed(lctx, at, value)) return kEntryValue;
+        if (ParseBracketed(lctx, at, entry.value)) return entry;
         [[fallthrough]];
     default:
-        if (ParsePlain(lctx, at, value)) return kEntryValue;
+        if (ParsePlain(lctx, at, entry.value)) return entry;
     }
-    value.Set(at);
-    return kEntryValue;
+    entry.value.Set(at);
+    return entry;
+}
+
+int _Parse(cells::CTX * ctx, wchar_t const * text, CCCellValue & value, CCFormula *& formula,
+           CCRef *) {
+    CString const units(text); // splits what is above U+FFFF
+    cells::Entry entry = cells::ReadEntry(ctx, units);
+    formula = entry.formula.release();
+    value.Release(); // texts and errors leave its format alone
+    if (entry.value.IsNumber()) value.Set(entry.value);
+    if (entry.value.IsText()) value.Set(entry.value.GetTextString());
+    if (entry.value.IsError()) value.Set(entry.value.GetError());
+    return entry.kind;
 }
 
 int Parse(cells::CTX * ctx, wchar_t * text, CCCellValue & value, CCFormula *& formula,

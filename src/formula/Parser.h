@@ -4,8 +4,22 @@
 #include "formula/CCFormula.h"
 #include "values/CCCellValue.h"
 
+#include <memory>
+
 // What an entry is.
 enum EEntryKind : int { kEntryValue = 1, kEntryFormula = 2, kEntryEditSource = 3 };
+
+namespace cells {
+
+// What a user typed, read once.
+struct Entry {
+    EEntryKind kind = kEntryValue;
+    CCCellValue value;                  // of a value entry
+    std::unique_ptr<CCFormula> formula; // of the others; null where the text does not parse
+};
+CVCELLS_API Entry ReadEntry(CTX * ctx, CString const & text);
+
+} // namespace cells
 
 // Classifies what a user types: a value in `value`, or a formula (it begins with "=", "@" or "!",
 // or is a calculation behind a sign) in `formula`, which is the caller's. A formula that does not

@@ -327,6 +327,17 @@ TEST(NumberFormatTable, WithoutAnyRecordGivesNullAndTakesAFirstOne) {
     EXPECT_EQ(table.GetAt(0)->GetType(), C_NF_DATE);
 }
 
+// Not even to a custom format without a text, as a lossy stream may leave one.
+TEST(NumberFormat, ARadixFormatEqualsNoCustomOne) {
+    for (wchar_t const * text : {L"", L"General", L"0"})
+        for (uchar type : {C_NF_HEX, C_NF_OCT, C_NF_BIN}) {
+            CCNumberFormat custom;
+            custom.setCustomFormat(CString(text));
+            EXPECT_FALSE(custom.IsEqual(nullptr, Of(type)));
+            EXPECT_FALSE(Of(type).IsEqual(nullptr, custom));
+        }
+}
+
 TEST(NumberFormatTable, AppendsEveryHexFormatAnew) {
     CCNumberFormatTable table;
     EXPECT_NE(table.Add(Of(C_NF_HEX)), table.Add(Of(C_NF_HEX)));

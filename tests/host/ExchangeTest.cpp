@@ -3,6 +3,7 @@
 
 #include "catalogue/Language.h"
 #include "host/Engine.h"
+#include "host/internal/sheets/SheetManager.h"
 #include "support/Paths.h"
 #include "support/Workbooks.h"
 
@@ -48,6 +49,20 @@ TEST(Exchange, AWideStreamCarriesTheWorkbook) {
     back->Recalculate();
     EXPECT_EQ(back->At(0).Text("A3"), "4");
     EXPECT_EQ(back->At(1).Text("A1"), "small!");
+}
+
+// What is looked at stays a plain number, which takes no cell object.
+TEST(Exchange, LeavesTheWorkbookAsItIs) {
+    Workbook book("C");
+    Sheet & sheet = book.Add("One");
+    for (int row = 0; row < 100; ++row) sheet.Enter(Place{0, row}, std::to_string(row));
+    ExportExchange(book);
+    EXPECT_EQ(sheet.EditText({0, 50}), "50");
+    sheet.Find("5");
+    int objects = 0;
+    auto & manager = static_cast<cells::host::SheetManager &>(sheet.Manager());
+    manager.Cells().ForEachCell(cells::host::kWholeGrid, [&](auto const &) { ++objects; });
+    EXPECT_EQ(objects, 0);
 }
 
 TEST(Exchange, PassesBetweenLanguages) {

@@ -79,7 +79,8 @@ private:
         Write(kExchangeGoTo, {char(number), char(number >> 8)});
         for (CString const & name : sheet.Names()) WriteName(sheet, name);
         sheet.Cells().ForEach(kWholeGrid, [&](Place place) {
-            GridCell & cell = sheet.MakeCell(place);
+            CellView const view(sheet.Cells(), place);
+            GridCell & cell = *view.Get();
             if (cell.IsValueEmpty() && !cell.IsFormulaLink() && cell.getCFmt().IsEmpty()) return;
             std::string at;
             PutPlace(at, place);

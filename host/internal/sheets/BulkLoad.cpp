@@ -205,23 +205,16 @@ Sheet::Bulk::~Bulk() = default;
 void Sheet::Bulk::State::Enter(Place place, CString const & text) {
     if (!recording) recording.emplace(manager);
     recording->Touch(manager, place);
-    CCCellValue value;
-    CCFormula * parsed = nullptr;
-    int const kind = _Parse(&manager, text, value, parsed, nullptr);
-    std::unique_ptr<CCFormula> formula(parsed);
-    if (kind != kEntryValue && !formula) ordered = false; // it raises a message when it is entered
+    auto [kind, value, formula] = ReadEntry(&manager, text);
+    bool const isValue = kind == kEntryValue;
+    if (!isValue && !formula) ordered = false; // it raises a message when it is entered
     if (kind == kEntryEditSource) ordered = false;
-    bool const plain = kind == kEntryValue && waiting.empty();
-    if (plain) {
-        if (manager.IsEditTextOfNumber(place, text)) return;
-        if (manager.TryPutNumber(place, value)) return;
-        if (value.IsEmpty() && !manager.Cells().FindCell(place))
-            return manager.Cells().RemoveNumber(place);
-        CCRCRef const ref = RefOf(place);
-        manager.MakeCell(place).SetText(&manager, text, 0);
-        return;
-    }
-    waiting.push_back({place, text, value, std::move(formula)});
+    if (!isValue || !waiting.empty())
+        return void(waiting.push_back({place, text, std::move(value), std::move(formula)}));
+    if (manager.IsEditTextOfNumber(place, text) || manager.TryPutNumber(place, value)) return;
+    if (value.IsEmpty() && !manager.Cells().FindCell(place))
+        return manager.Cells().RemoveNumber(place);
+    manager.MakeCell(place).SetText(&manager, text, 0);
 }
 
 void Sheet::Bulk::Enter(Place place, std::string_view text) {

@@ -69,6 +69,16 @@ void Grid::PutCell(Place place, std::unique_ptr<GridCell> cell) {
     NoteChange(place);
 }
 
+CellView::CellView(Grid const & grid, Place place) : m_Cell(grid.FindCell(place)) {
+    double number;
+    std::uint32_t packed;
+    if (m_Cell || !grid.FindNumber(place, number, packed)) return;
+    CCNumberFormat format;
+    format.UnpackPlain(packed);
+    m_Number.emplace(place).SetPlainNumber(number, format);
+    m_Cell = &*m_Number;
+}
+
 void GridCell::Recalc(CTX * ctx) {
     if (CCFormula * tree = LoadFormula(ctx)) tree->ForgetChoices();
     CCCell::Recalc(ctx);

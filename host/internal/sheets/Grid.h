@@ -177,6 +177,18 @@ private:
     std::set<Place> m_Circles; // where the error of a circle was stored, maybe long ago
 };
 
+// What stands at a place as a cell, to be looked at: the cell object there, or one that is made of
+// the plain number there and lives as long as this object. The grid stays as it is.
+class CellView {
+public:
+    CellView(Grid const & grid, Place place);
+    GridCell * Get() const { return m_Cell; } // null where nothing stands
+
+private:
+    std::optional<GridCell> m_Number;
+    GridCell * m_Cell;
+};
+
 template <typename Visit>
 void Grid::ForEachBand(Area const & area, Visit && visit) const {
     for (int row = area.first.row / kPageRows * kPageRows; row <= area.last.row;) {

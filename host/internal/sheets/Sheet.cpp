@@ -100,18 +100,16 @@ void Sheet::Enter(Place place, std::string_view text) {
     CString const entered = FromUtf8(text);
     if (!m_Manager->Cells().FindCell(place)) {
         if (m_Manager->IsEditTextOfNumber(place, entered)) return;
-        CCCellValue value;
-        CCFormula * parsed = nullptr;
-        int const kind = _Parse(m_Manager.get(), entered, value, parsed, nullptr);
-        std::unique_ptr<CCFormula> const formula(parsed);
-        if (kind == kEntryValue && m_Manager->TryPutNumber(place, value))
-            return m_Manager->FinishRecalc();
+        Entry entry = ReadEntry(m_Manager.get(), entered);
+        bool const isValue = entry.kind == kEntryValue;
         double number;
         std::uint32_t format;
         bool const occupied = m_Manager->Cells().FindNumber(place, number, format);
-        if (kind == kEntryValue && value.IsEmpty() && !occupied) return;
+        if (isValue && entry.value.IsEmpty() && !occupied) return;
+        if (!isValue || !m_Manager->TryPutNumber(place, entry.value))
+            m_Manager->MakeCell(place).Enter(m_Manager.get(), entered, std::move(entry), 0);
+        return m_Manager->FinishRecalc();
     }
-    m_Manager->MakeCell(place);
     CCRCRef const ref = RefOf(place);
     m_Manager->SetCellText(&ref, entered);
 }
@@ -180,10 +178,9 @@ std::string Sheet::Text(Place place) const {
 
 std::string Sheet::EditText(Place place) {
     Require(place);
-    CCRCRef const ref = RefOf(place);
-    auto * const cell = static_cast<GridCell *>(m_Manager->GetItem(&ref));
+    CellView const view(m_Manager->Cells(), place);
     std::wostream & stream = Buffer().Restart();
-    if (cell) cell->CCCell::GetFormulaText(m_Manager.get(), stream);
+    if (view.Get()) view.Get()->CCCell::GetFormulaText(m_Manager.get(), stream);
     return ToUtf8(Buffer().View());
 }
 

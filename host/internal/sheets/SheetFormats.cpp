@@ -136,15 +136,8 @@ std::vector<Place> Sheet::Find(std::string_view text, FindOptions const & option
     CTX * const ctx = m_Manager.get();
     std::vector<Place> places;
     ForEachOccupied([&](Place place) {
-        GridCell * const cell = m_Manager->Cells().FindCell(place);
-        GridCell number(place); // stands for a number without a cell object
-        if (!cell) {
-            CCRCRef const ref{uchar(place.column), ushort(place.row)};
-            CCCellValue value;
-            m_Manager->GetValue(&ref, value, 0);
-            number.SetPlainNumber(value.GetNumber(), value.GetFormat());
-        }
-        if ((cell ? cell : &number)->Find(ctx, data)) places.push_back(place);
+        CellView const view(m_Manager->Cells(), place);
+        if (view.Get()->Find(ctx, data)) places.push_back(place);
     });
     return places;
 }

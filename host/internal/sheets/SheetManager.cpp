@@ -288,14 +288,9 @@ void SheetManager::ClearNumberFormats(Area const & area) {
 }
 
 bool SheetManager::IsEditTextOfNumber(Place place, CString const & text) {
-    double number;
-    std::uint32_t packed;
-    if (!m_Grid.FindNumber(place, number, packed)) return false;
-    GridCell cell(place);
-    CCNumberFormat format;
-    format.UnpackPlain(packed);
-    cell.SetPlainNumber(number, format);
-    return cell.IsEditText(this, text);
+    if (m_Grid.FindCell(place)) return false;
+    CellView const view(m_Grid, place);
+    return view.Get() && view.Get()->IsEditText(this, text);
 }
 
 int SheetManager::RegisterDependent(CCRef const * ref, CCRef const * dependent) {
