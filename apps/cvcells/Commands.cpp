@@ -2,7 +2,7 @@
 
 #include "cvcells/Documents.h"
 #include "cvcells/Prompt.h"
-#include "cvcells/Session.h"
+#include "cvcells/session/Session.h"
 #include "platform/Services.h"
 #include "platform/Utf.h"
 

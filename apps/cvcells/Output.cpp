@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <vector>
 
@@ -115,6 +116,22 @@ std::string RenderJson(Sheet & sheet, Area const & area) {
 }
 
 } // namespace
+
+std::string Describe(Value const & value) {
+    std::string const kind = NameOfKind(value.kind);
+    char number[40];
+    switch (value.kind) {
+    case Kind::kNumber:
+        std::snprintf(number, sizeof number, "%.17g", value.number);
+        return kind + ' ' + number;
+    case Kind::kText:
+        return kind + ' ' + value.text;
+    case Kind::kError:
+        return kind + ' ' + std::to_string(value.error);
+    default:
+        return kind;
+    }
+}
 
 std::string Render(Sheet & sheet, Area const & area, OutputFormat format, Show show) {
     switch (format) {

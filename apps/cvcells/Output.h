@@ -15,4 +15,7 @@ enum class Show { kValues, kFormulas };
 std::string Render(cells::host::Sheet & sheet, cells::host::Area const & area, OutputFormat format,
                    Show show);
 
+// A value by its kind: "number 0.5", all of its digits, "text abc", "error 3" or "empty".
+std::string Describe(cells::host::Value const & value);
+
 } // namespace cells::app

@@ -7,7 +7,7 @@
 //
 // CVCELLS_RANDOM_OPERATIONS and CVCELLS_RANDOM_SEED choose another length and another beginning;
 // scripts/random-workbooks runs a long campaign.
-#include "cvcells/Session.h"
+#include "cvcells/session/Session.h"
 
 #include "cells/CCCellManager.h"
 #include "formula/CCNameRef.h"
