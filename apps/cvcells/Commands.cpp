@@ -39,7 +39,7 @@ private:
     bool m_Shown = false;
 };
 
-// "A1=5" or "Two!A1=5": the text behind the first "=" is entered.
+// "A1=5" or "Two!A1=5": the text after the first "=" is entered.
 void EnterAssignment(host::Workbook const & book, Sheet & sheet, std::string const & assignment) {
     std::size_t const equals = assignment.find('=');
     std::string name = assignment.substr(0, std::min(equals, assignment.size()));

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <string_view>
 #include <vector>
 
 namespace cells::app {
@@ -25,7 +26,7 @@ namespace fs = std::filesystem;
                      what);
 }
 
-// Behind the line that begins at `at` and its end, which is LF, CR LF or CR.
+// After the line that begins at `at` and its end, which is LF, CR LF or CR.
 std::size_t EndOfLine(std::string const & content, std::size_t at) {
     std::size_t const end = std::min(content.find_first_of("\r\n", at), content.size());
     return std::min(end + (content.compare(end, 2, "\r\n") == 0 ? 2 : 1), content.size());
@@ -109,11 +110,7 @@ void Collect(Collector & collector, std::string const & content, char separator)
             Fail(collector.name, collector.line, collector.failedField, collector.failure);
         at = end;
     }
-    // A line's end closes every field but an open quoted one.
-    csv_parse(&csv.parser, "\n", 1, OnField, OnRow, &collector);
     if (csv.parser.quoted) Fail(collector.name, collector.line, 1, "a quoted field does not end");
-    if (!collector.failure.empty())
-        Fail(collector.name, collector.line, collector.failedField, collector.failure);
 }
 
 } // namespace
@@ -147,12 +144,14 @@ void WriteFile(std::string const & path, std::string const & content) {
 
 void LoadText(host::Sheet & sheet, std::string const & name, std::string const & content,
               TextFormat format) {
-    constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
-    RequireUtf8(name, content);
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    std::string text =
+        content.substr(content.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+    RequireUtf8(name, text);
+    // A line's end closes every field but an open quoted one.
+    if (!text.ends_with('\n') && !text.ends_with('\r')) text += '\n';
     Collector collector{name, 1, {0, 0}, {}, {}};
-    bool const marked = content.compare(0, 3, kByteOrderMark) == 0;
-    Collect(collector, marked ? content.substr(3) : content,
-            format == TextFormat::kTsv ? '\t' : ',');
+    Collect(collector, text, format == TextFormat::kTsv ? '\t' : ',');
     host::Sheet::Bulk bulk(sheet);
     for (Field const & field : collector.fields) bulk.Enter(field.place, field.text);
     bulk.Commit();

@@ -27,9 +27,14 @@ std::size_t WidthOf(std::string const & text) {
         std::count_if(text.begin(), text.end(), [](char c) { return (uchar(c) & 0xC0) != 0x80; }));
 }
 
-std::string OneLine(std::string text) {
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    return text;
+// With a blank for each end of a line: LF, CR LF or CR.
+std::string OneLine(std::string const & text) {
+    std::string line;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text.compare(i, 2, "\r\n") == 0) ++i;
+        line += text[i] == '\r' || text[i] == '\n' ? ' ' : text[i];
+    }
+    return line;
 }
 
 std::string Padded(std::string const & text, std::size_t width, bool right) {
