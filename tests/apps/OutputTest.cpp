@@ -35,8 +35,8 @@ std::string Table(Entries const & entries, char const * area) {
     return Rendered(entries, {area, OutputFormat::kTable});
 }
 
-Entries const kPrices = {{"A1", "name"},       {"B1", "price"}, {"A2", "nail"}, {"B2", "12.5"},
-                         {"A3", "caf\xC3\xA9"}, {"B3", "=B2*2"}};
+Entries const kPrices = {{"A1", "name"}, {"B1", "price"},       {"A2", "nail"},
+                         {"B2", "12.5"}, {"A3", "caf\xC3\xA9"}, {"B3", "=B2*2"}};
 
 } // namespace
 

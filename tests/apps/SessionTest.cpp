@@ -44,9 +44,9 @@ std::string Printed(std::vector<std::string> const & lines) {
 } // namespace
 
 TEST(Session, AnExpectationHoldsOrTellsWhatIsFound) {
-    std::vector<std::string> const sheet = {"A1: 5",    "A2: some text", "A3: =1/0", "A4: =A1*2",
-                                            "A5: 12%",  "sheet Two",     "A1: 7",    "sheet Sheet1",
-                                            "A6: =A6+1"};
+    std::vector<std::string> const sheet = {"A1: 5",     "A2: some text", "A3: =1/0",
+                                            "A4: =A1*2", "A5: 12%",       "sheet Two",
+                                            "A1: 7",     "sheet Sheet1",  "A6: =A6+1"};
     struct Row {
         char const * line;
         char const * refusal;
