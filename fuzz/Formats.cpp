@@ -1,4 +1,4 @@
-// Custom format texts over doubles of any bits: the first line is the format, the bytes behind it
+// Custom format texts over doubles of any bits: the first line is the format, the bytes after it
 // are numbers. What is printed grows with the format and by the digits of a double, and no further.
 #include "format/CExcelNumberFormat.h"
 #include "host/Engine.h"

@@ -26,7 +26,7 @@ using namespace cells;
 using namespace cells::host;
 using Tree = std::unique_ptr<CCFormula>;
 
-// Bytes one after the other; zeros behind the end.
+// Bytes one after the other; zeros after the end.
 class Choices {
 public:
     Choices(std::uint8_t const * data, std::size_t size) : m_At(data), m_End(data + size) {}

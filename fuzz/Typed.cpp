@@ -1,4 +1,4 @@
-// Typed values in several locales: the first byte picks one, each line behind it is typed. What a
+// Typed values in several locales: the first byte picks one, each line after it is typed. What a
 // cell holds is finite and can be shown and edited; the edit text of a number is no formula.
 #include "host/Engine.h"
 #include "host/Sheet.h"

@@ -162,7 +162,7 @@ struct Database::State {
         return &walk->second;
     }
 
-    // Hands out the row at a position and stands behind it.
+    // Hands out the row at a position and stands after it.
     int Record(ushort handle, CPtrArray & values, long long first) {
         return Try([&] {
             FreeValueArray(values);

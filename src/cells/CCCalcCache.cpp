@@ -127,7 +127,7 @@ CCRefList * CCCalcCache::LoadDependents(CCRef const * placed) const {
     return list;
 }
 
-// The entries that must stand behind this one: of its dependents, and of the regions it lies in.
+// The entries that must stand after this one: of its dependents, and of the regions it lies in.
 void CCCalcCache::CollectDependents(SCCalcEntry const & entry, Entries & found) const {
     auto const add = [&](CCRefList const * list) {
         for (; list; list = list->m_pNext) {
@@ -221,7 +221,7 @@ struct CCCalcCache::Pass {
     Pass * outer;
 };
 
-// Out of the order, but not out of the cache. A running pass goes on behind the place before it.
+// Out of the order, but not out of the cache. A running pass goes on after the position before it.
 void CCCalcCache::TakeOut(SCCalcEntry & entry) {
     if (entry.m_nIndex < 0) return;
     if (entry.m_bDirty) m_Dirty.erase(&entry);
@@ -232,8 +232,8 @@ void CCCalcCache::TakeOut(SCCalcEntry & entry) {
     m_Order.Remove(&entry);
 }
 
-// Moves the entries and all that depends on them, as far as they stand before the place, right
-// behind it, in the order in which they stand.
+// Moves the entries and all that depends on them, as far as they stand before the position, right
+// after it, in the order in which they stand.
 void CCCalcCache::MoveBehind(SCCalcEntry & place, Entries & entries) {
     Entries moved;
     while (!entries.empty()) {
@@ -267,7 +267,7 @@ SCCalcEntry * CCCalcCache::InsertPlaced(std::unique_ptr<CCRef> placed) {
         PutInOrder(entry);
         return &entry;
     }
-    m_Order.Append(&entry); // behind all cells that lie in it
+    m_Order.Append(&entry); // after all cells that lie in it
     Entries dependents;
     CollectDependents(entry, dependents);
     MoveBehind(entry, dependents);
@@ -375,7 +375,7 @@ void CCCalcCache::Mark(CCRef const * ref) {
         for (std::size_t at = 0; at < reached.size(); ++at)
             MarkDependents(reached[at]->m_pRef, reached, remote);
     }
-    // Other documents are told behind all marks, since they may call back.
+    // Other documents are notified after all marks, since they may call back.
     for (auto const & link : remote)
         if (CCCellManager * manager = Manager()) manager->DoRemoteInitRecalc(link.get(), 1);
 }

@@ -178,7 +178,7 @@ int CCCell::UnregisterFormula(cells::CTX * ctx) {
 
 namespace {
 
-// Evaluations nest through other documents: each hears only of links that moved in itself.
+// Evaluations nest through other documents: each is notified only of links that moved in itself.
 class MovedLinks {
 public:
     MovedLinks() : m_Outer(std::exchange(CCRemoteOpFormula::RefRemoteChanged, 0)) {}

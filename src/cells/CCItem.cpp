@@ -214,8 +214,8 @@ void CCItem::InvalidateDependents(cells::CTX * ctx) {
         RefListHolder const copy(CopyRefList(loaded));
         RefListFree(loaded, 0);
         for (CCRefList const * node = copy.list; node; node = node->m_pNext) {
-            // A dependent elsewhere may hold the same plain place of its own sheet; it is told the
-            // place together with its sheet.
+            // A dependent elsewhere may hold the same plain place of its own sheet; it is
+            // notified of the place together with its sheet.
             auto const * sheets = node->m_pRef->GetType() == kRefSheets
                                       ? static_cast<CCRef3D const *>(node->m_pRef)
                                       : nullptr;
@@ -278,8 +278,8 @@ void CCItem::RecalcDependentRefs(cells::CTX * ctx, CCRefList * list) {
 namespace {
 
 // Which references the walk of IsCirc has met. Cells have small keys; cells that carry a sheet all
-// share the key 1 (or 0), so that after the first of them every later one is skipped. That is meant
-// so: longer cycles are found elsewhere.
+// share the key 1 (or 0), so that after the first of them every later one is skipped. That is
+// enough: longer cycles are found elsewhere.
 class MetReferences {
 public:
     // True the first time.

@@ -54,7 +54,7 @@ int CCWorkbook::DoCalc(CCCellManager * manager) {
     return 1;
 }
 
-// The sheet part of the reference is overwritten by blanks, so that nothing behind it moves.
+// The sheet part of the reference is overwritten by blanks, so that nothing after it moves.
 int CCWorkbook::TransportFile(cells::CTX * ctx, CFile & file) {
     CString document, reference;
     file.SeekToBegin();

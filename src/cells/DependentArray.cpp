@@ -18,7 +18,7 @@ int DependentArray::Find(CCRef const * ref) const {
     return -1;
 }
 
-// A slot that was replaced stands behind its equals in the table, so all of them are looked at.
+// A slot that was replaced stands after its equals in the table, so all of them are looked at.
 int DependentArray::FindInIndex(CCRef const * ref) const {
     std::vector<std::uint32_t> const & table = m_pIndex->table;
     std::size_t const mask = table.size() - 1;

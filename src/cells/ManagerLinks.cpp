@@ -19,7 +19,7 @@ int CCCellManager::IsValidDocument(wchar_t const * name) const {
 }
 
 // The place that a text names, an empty sheet part or the own sheet's name in front of it or not.
-// `at` stands behind it then.
+// `at` stands after it then.
 CCRef * CCCellManager::ScanPlace(wchar_t const *& at) const {
     _EatWhite(nullptr, at);
     wchar_t const * const word = cells::internal::EndOfWord(at);

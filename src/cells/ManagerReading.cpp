@@ -106,7 +106,7 @@ int CCCellManager::GetOpenRefCount() const {
                              [](SCOpenRef const & slot) { return slot.m_pRef != nullptr; }));
 }
 
-// Reads a whole row at the position, which then stands behind it.
+// Reads a whole row at the position, which then stands after it.
 int CCCellManager::LoadRecord(SCOpenRef & slot, CPtrArray & values) {
     FreeValueArray(values);
     long long const end = ElementsOf(slot.m_Size);

@@ -2,10 +2,10 @@
 // what follows is a lone manager's.
 //
 // A change queues what it touches in the process list; the expansion pass (PatchDoProcess) walks
-// that list while it grows and keeps every dependent behind the place that feeds it, so that it
+// that list while it grows and keeps every dependent after the precedent that feeds it, so that it
 // ends as a calculation order; DoRecalc computes down that order. Nothing is computed on reading.
 //
-// The expansion may visit a reference again whenever it has to stand further behind. Where that
+// The expansion may visit a reference again whenever it has to move further back. Where that
 // would take too long (a long column over one common parameter, or a cycle), the pass starts anew
 // and orders the closure in one linear sweep instead; see OrderLinearly.
 #include "cells/CCCellManager.h"
@@ -53,7 +53,7 @@ void Adjust3DDependencies(CCRef const * ref, CCRefList * list) {
     }
 }
 
-// The references to other documents that a pass meets, each to be told once it is done.
+// The references to other documents that a pass meets, each to be notified once it is done.
 class CCCellManager::RemoteRefs {
 public:
     RemoteRefs() = default;
@@ -64,7 +64,7 @@ public:
     void Add(CCRef * ref) { m_Refs.emplace_back(static_cast<CCRemoteRef *>(ref)); } // takes it over
     bool IsEmpty() const { return m_Refs.empty(); }
 
-    // Tells them in order; stops at the first that answers 0 when told to.
+    // Notifies them in order; stops at the first that answers 0 when asked to.
     int Tell(CCCellManager & manager, int flag, bool stopAtRefusal) const {
         SessionGuard const session(&manager);
         for (auto const & ref : m_Refs)
@@ -229,8 +229,8 @@ private:
 } // namespace
 
 // Orders the closure of the queue as it was before the pass. Queued references that need nothing
-// behind them keep their places; the others follow the last of their precedents. What is left when
-// nothing can be placed is cyclic and stands once, in the order met.
+// after them keep their positions; the others follow the last of their precedents. What is left
+// when nothing can be placed is cyclic and stands once, in the order met.
 //
 // Source: A. B. Kahn, Topological sorting of large networks.
 void CCCellManager::OrderLinearly(std::uint64_t firstNewStamp) {
@@ -426,7 +426,7 @@ private:
 } // namespace
 
 // Whether the dependents of the item lead back to the origin of this walk: 0 for a cycle. Where
-// formulas alone make dependents and no document elsewhere must be told, a search from the other
+// formulas alone make dependents and no other document must be notified, a search from the other
 // side runs along, and whichever ends first decides; so neither order of entering a chain walks the
 // whole chain each time.
 int CCCellManager::WalkForCycle(CCItem const * item, RemoteRefs & remote) {

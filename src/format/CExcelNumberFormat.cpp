@@ -29,8 +29,8 @@ std::wstring FixedDigits(double value, int decimals) {
     return digits;
 }
 
-// The digits behind the point, less one zero at their end. Only one: a longer row of zeros keeps
-// the others. That is meant so.
+// The digits after the point, less one zero at their end. Only one: a longer row of zeros keeps
+// the others, so that saved formats go on showing what they show.
 std::wstring FractionDigits(double magnitude, int placeholders) {
     std::wstring digits = FixedDigits(magnitude - std::floor(magnitude), placeholders);
     if (digits.size() <= 2) return {};

@@ -57,7 +57,7 @@ private:
         m_List->type = type;
     }
 
-    // The word General is no text: the number prints as it comes, behind the sign of a part that
+    // The word General is no text: the number prints as it comes, after the sign of a part that
     // was derived for negative numbers.
     bool TakeGeneral() {
         std::wstring_view word = m_Text;
@@ -153,7 +153,7 @@ private:
         Add<CHardRFraction>(int(number));
     }
 
-    // The forms in brackets, behind the "["; where none fits, the "[" is passed over.
+    // The forms in brackets, after the "["; where none fits, the "[" is passed over.
     void TakeBracket() {
         if (m_At < m_Text.size() && m_Text[m_At] == L'$') return TakeLocaleText();
         std::size_t const end = m_Text.find(L']', m_At);

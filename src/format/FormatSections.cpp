@@ -28,7 +28,7 @@ void AppendNumber(CString & output, long long number, std::size_t digits = 1) {
 constexpr double kLargestCount = 9e15; // hours beyond it are counted no further
 
 // A text of the locale that has one item for each day, Monday first: the name of the date in the
-// real calendar. A 29 February that is none there has the name of the day behind it.
+// real calendar. A 29 February that is none there has the name of the day after it.
 wchar_t const * DayName(CFormatState const & state, unsigned int first) {
     namespace chrono = std::chrono;
     chrono::month const month{unsigned(state.month)};
@@ -41,7 +41,7 @@ wchar_t const * DayName(CFormatState const & state, unsigned int first) {
 }
 
 // The best rational for x > 0 with a denominator of at most `limit`: the last convergent of its
-// continued fraction, or the semi-convergent behind it where that is closer.
+// continued fraction, or the semi-convergent after it where that is closer.
 // Source: A. Y. Khinchin, "Continued Fractions", chapter 1.
 void Approximate(double x, int limit, int & numerator, int & denominator) {
     constexpr int kMostTerms = 64;
@@ -145,7 +145,8 @@ void CTimeSection::PrintNumber(CFormatState & state, long long number) const {
     AppendNumber(state.output, number, m_nCount == 1 ? 1 : 2);
 }
 
-// With a 12-hour clock 13 stays 13: only hours above it lose twelve. That is meant so.
+// With a 12-hour clock 13 stays 13: only hours above it lose twelve. Saved formats must go on
+// showing what they show.
 void CHourSection::Print(CFormatState & state) {
     long long hour = state.hour;
     if (m_bElapsed) {
@@ -163,7 +164,7 @@ void CMinutesSection::Print(CFormatState & state) {
     PrintNumber(state, m_bElapsed ? state.hour * 60 + state.minute : state.minute);
 }
 
-// Elapsed seconds are a product and no sum. That is meant so.
+// Elapsed seconds are a product and no sum: saved formats must go on showing what they show.
 void CSecondsSection::Print(CFormatState & state) {
     PrintNumber(state, m_bElapsed ? state.hour * state.second * 60 : state.second);
 }

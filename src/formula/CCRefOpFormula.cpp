@@ -83,7 +83,7 @@ bool CCRefOpFormula::ForEachPart(CTX * ctx, Visit && visit) const {
     return true;
 }
 
-// Whether the place behind "!" is valid is a question to the sheet before it.
+// Whether the place after "!" is valid is a question to the sheet before it.
 int CCRefOpFormula::Check(CTX * ctx, CCRef const * current) const {
     if (m_bChecked || !IsFullRef() || !FormulaList2ItemEx(m_pArgs))
         return CCOpFormula::Check(ctx, current);
@@ -144,7 +144,7 @@ void CCRefOpFormula::Follow(CTX * ctx, CCRef * target, CCRef const * current) co
     internal::DirtyMarkGuard const silent(ctx->manager());
     m_bRefused = !m_Target->RegisterDependent(ctx, place.get());
     m_Registered.reset(place->Copy());
-    // The formula has a new precedent: it stands behind it from the next pass on.
+    // The formula has a new precedent: it stands after it from the next pass on.
     if (CCCellManager * manager = ctx->manager()) manager->OnNewPrecedent(place.get());
 }
 

@@ -119,7 +119,8 @@ int CCRemoteRef::IsSingleValue(cells::CTX * ctx) const {
     return manager ? manager->DoRemoteIsSingleValue(this) : 0;
 }
 
-// A remote reference orders before everything, itself included. That is meant so.
+// A remote reference orders before everything, itself included: no order of this document has
+// places of others in it, and so none needs them told apart.
 int CCRemoteRef::Compare(CCRef const *) const { return -1; }
 
 bool IsDocumentCalled(CString const & path, CString const & name) {

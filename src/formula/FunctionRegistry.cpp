@@ -13,7 +13,7 @@ constexpr unsigned short kNoEntry = 0xFFFF;
 
 using NameOf = wchar_t const * (CCFunc::*)() const;
 
-// Order by units; a name stands behind the longer names that it begins, and kinds decide a tie.
+// Order by units; a name stands after the longer names that it begins, and kinds decide a tie.
 bool StandsBefore(CCFunc const * a, CCFunc const * b, NameOf name) {
     wchar_t const *x = (a->*name)(), *y = (b->*name)();
     while (*x && *x == *y) ++x, ++y;
@@ -68,7 +68,7 @@ SortedNames & Names(cells::internal::NameTable table) {
     return table == cells::internal::NameTable::kLocal ? *local : *english;
 }
 
-// Moves `text` behind `name` when it begins with it, without regard to case.
+// Moves `text` after `name` when it begins with it, without regard to case.
 bool TakeFolded(wchar_t const *& text, wchar_t const * name) {
     wchar_t const * at = text;
     for (; *name; ++name, ++at)

@@ -124,7 +124,7 @@ bool Lexer::TakeConstant(Lexeme & lexeme) {
     return true;
 }
 
-// The longest name decides: when a word goes on behind it, no shorter one is tried.
+// The longest name decides: when a word goes on after it, no shorter one is tried.
 bool Lexer::TakeFunction(Lexeme & lexeme) {
     wchar_t const * at = m_At;
     CCFunc * const func =

@@ -24,7 +24,7 @@ bool ParseError(cells::CTX * ctx, wchar_t const * text, CCCellValue & value) {
     return true;
 }
 
-// The tree of the text when nothing but white space stands behind it.
+// The tree of the text when nothing but white space stands after it.
 Tree ParseWhole(cells::CTX * ctx, wchar_t const * text, int mode) {
     Tree tree(ParseTree(ctx, text, mode));
     return _IsEmpty(ctx->lctx(), text) ? std::move(tree) : nullptr;

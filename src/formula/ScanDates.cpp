@@ -58,7 +58,7 @@ struct DateParts {
         return true;
     }
 
-    // The same separator again; behind blanks also the list separator and white space, as in
+    // The same separator again; after blanks also the list separator and white space, as in
     // "March 5, 2020", which then is the separator to print.
     bool TakeSecondSeparator(cells::LCTX * lctx, wchar_t const *& text) {
         if (*text == separator) {

@@ -63,7 +63,7 @@ private:
     bool m_AfterPoint = false;
 };
 
-// Digits in groups behind a separator, each of the full size; false at a group of another size.
+// Digits in groups after a separator, each of the full size; false at a group of another size.
 bool TakeGroups(wchar_t const *& text, NumberDigits & digits, wchar_t separator, int groupSize,
                 bool & seen) {
     digits.Take(text);
@@ -84,7 +84,7 @@ int TakeInteger(wchar_t const *& text, double & out) {
     return int(digits.Count());
 }
 
-// "E", a sign and digits, each behind optional blanks.
+// "E", a sign and digits, each after optional blanks.
 bool TakeExponent(cells::LCTX * lctx, wchar_t const *& text, long & exponent) {
     wchar_t const * at = text;
     _EatWhite(lctx, at);

@@ -87,7 +87,8 @@ int _EatRC(cells::CTX * ctx, wchar_t const *& text, uchar & col, ushort & row, u
     return 1;
 }
 
-// The flags stay with the corners as typed, also where the corners are swapped. That is meant so.
+// The flags stay with the corners as typed, also where the corners are swapped: the tree prints
+// with them, and the texts of saved formulas must not change.
 int _EatSpreadRef(cells::CTX * ctx, wchar_t const *& text, CCRef *& ref, uchar & flags) {
     wchar_t const * at = text;
     _EatWhite(nullptr, at);

@@ -74,7 +74,7 @@ double DayCount(int basis, double from, double to) {
     Parts a = PartsOf(from), b = PartsOf(to);
     if (b.day == 31) {
         if (basis == 0 && a.day < 30)
-            b = {1, b.month % 12 + 1, b.year + b.month / 12}; // the day behind it
+            b = {1, b.month % 12 + 1, b.year + b.month / 12}; // the day after it
         else
             b.day = 30;
     }

@@ -192,7 +192,7 @@ public:
         std::sort(m_Special.begin(), m_Special.end());
     }
 
-    // The day behind the last one counted.
+    // The day after the last one counted.
     double Walk(double day, double count, double direction) const {
         while (count > 0) {
             double const weeks = FreeWeeks(day, count, direction);

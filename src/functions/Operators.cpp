@@ -189,7 +189,7 @@ void EvalSheetRange(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     result.AdoptRef(new CCRef3D(first.first, last.last));
 }
 
-// What is written behind "!" belongs to the sheet before it, names among it; what is computed there
+// What is written after "!" belongs to the sheet before it, names among it; what is computed there
 // is computed where the formula stands.
 OwnedRef PlaceOnSheet(CTX * ctx, CCCellValue & result, CCRef3D const & sheets,
                       CCFormula const & formula, CCRef const * current) {

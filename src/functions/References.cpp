@@ -83,7 +83,7 @@ void EvalPosition(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     SetNumber(result, double(position));
 }
 
-// A letter in either case and the digits behind it, modulo 2^32; false for any other text.
+// A letter in either case and the digits after it, modulo 2^32; false for any other text.
 bool EatMarkedNumber(wchar_t const *& text, wchar_t letter, unsigned int & out) {
     if (*text != letter && *text != letter + (L'a' - L'A')) return false;
     wchar_t const * const digits = ++text;
@@ -91,7 +91,8 @@ bool EatMarkedNumber(wchar_t const *& text, wchar_t letter, unsigned int & out) 
     return text != digits && out > 0;
 }
 
-// "R3C2". Row and column are stored through a byte, so that row 257 is the first. That is meant so.
+// "R3C2". Row and column are stored through a byte, so that row 257 is the first; the text
+// in a saved sheet must go on naming the same cell.
 std::unique_ptr<CCRef> ReadRowColumn(wchar_t const * text) {
     unsigned int row, column;
     if (!EatMarkedNumber(text, L'R', row) || !EatMarkedNumber(text, L'C', column) || *text)
@@ -148,7 +149,8 @@ double Extension(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     return std::fabs(std::trunc(size)) - 1;
 }
 
-// Width and height add to the region's own and do not replace them. That is meant so.
+// Width and height add to the region's own and do not replace them: formulas of saved sheets were
+// written for that.
 void EvalOffset(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                 CCRef const * current) {
     std::unique_ptr<CCRef> const ref = ResolveName(ctx, ReferenceOf(ctx, *args->formula, current));

@@ -77,7 +77,7 @@ void EvalForecast(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
 }
 
 // The variances skip what is no number, and the covariance counts it as zero: with holes in the
-// data this differs from PEARSON. That is meant so.
+// data this differs from PEARSON. Saved sheets keep their results by it.
 Outcome Correlation(CTX * ctx, CCFormulaList const * args, CCRef const * current) {
     PairSums pairs;
     Status status = PairStats(ctx, args->formula, args->next->formula, current, pairs);

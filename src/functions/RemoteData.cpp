@@ -96,7 +96,7 @@ bool FieldName(CTX * ctx, CString const & database, CString const & table, doubl
     return true;
 }
 
-// Adds the field, behind a mark that ends the slots before it, and the row, as far as the call has
+// Adds the field, after a mark that ends the slots before it, and the row, as far as the call has
 // them.
 bool AddFieldAndRow(CTX * ctx, CString const & database, CString const & table, CString & item,
                     wchar_t const * mark, CCFormulaList const * args, CCRef const * current) {
@@ -121,7 +121,7 @@ bool AddFieldAndRow(CTX * ctx, CString const & database, CString const & table, 
     return true;
 }
 
-// A dot behind the last separator of folders, and not as the first character.
+// A dot after the last separator of folders, and not as the first character.
 bool HasExtension(CString const & path) {
     int const slash = std::max(path.ReverseFind(L'/'), path.ReverseFind(L'\\'));
     return path.ReverseFind(L'.') > slash + 1;

@@ -41,7 +41,7 @@ double DiscountedPrice(Discounted const & s) { return s.b - s.days * s.b * s.a /
 double Received(Discounted const & s) { return s.a / (1 - s.days * s.b / s.yearDays); }
 
 // The rate is read as dates are: a text that is a date passes, and a rate beyond the calendar does
-// not. That is meant so.
+// not. Calls of saved sheets must be taken and refused as before.
 void EvalAccruedInterest(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                          CCRef const * current) {
     ArgumentReader read(ctx, result, args, current);
@@ -165,7 +165,8 @@ Bond ReadBond(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef
     return bond;
 }
 
-// A closed formula at any number of coupons. That is meant so.
+// A closed formula at any number of coupons, where a yield of several coupons has none: saved
+// sheets keep their results by it.
 void EvalYield(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRef const * current) {
     Bond const bond = ReadBond(ctx, result, args, current, true);
     if (!bond.ok) return;

@@ -180,7 +180,7 @@ void EvalSubstitute(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
     SetText(result, made + std::wstring(text.View().substr(from)));
 }
 
-// The texts of a search and the place where it starts, from 0; a place at the end or behind it
+// The texts of a search and the place where it starts, from 0; a place at the end or after it
 // finds nothing, not even an empty text.
 struct Search {
     CString find, within;
@@ -317,7 +317,8 @@ void EvalFixed(CTX * ctx, CCCellValue & result, CCFormulaList const * args, CCRe
     SetPrinted(ctx, result, format, x);
 }
 
-// Digits left of the point are cut downward where FIXED rounds them. That is meant so.
+// Digits left of the point are cut downward where FIXED rounds them: saved sheets keep their
+// results by it.
 void EvalDollar(CTX * ctx, CCCellValue & result, CCFormulaList const * args,
                 CCRef const * current) {
     CCNumberFormat format;

@@ -249,7 +249,8 @@ void CCRWExchange::WriteFormulaW(CCFormula const * formula, uchar prefix) {
     WriteCommand(kFormulaW, bytes.data(), static_cast<unsigned short>(bytes.size()));
 }
 
-// The prefix goes out as digits and the terminator is left out. That is meant so: it is the format.
+// The prefix goes out as digits and the terminator is left out: readers of narrow streams know
+// these bytes.
 void CCRWExchange::WriteFormulaA(CCFormula const * formula, uchar prefix) {
     if (!formula) return;
     std::wostringstream text;
@@ -276,8 +277,8 @@ void CCRWExchange::WriteLTString(int index) {
                  static_cast<unsigned short>(bytes.size()));
 }
 
-// The narrow form takes the first bytes of the UTF-16 text, without a conversion. That is meant so:
-// it is the format.
+// The narrow form takes the first bytes of the UTF-16 text, without a conversion: readers of
+// narrow streams know these bytes.
 void CCRWExchange::WriteProtection(CCCellManager * manager) {
     if (!manager || !manager->IsProtected()) return;
     CString const password = manager->GetPassword();

@@ -30,7 +30,7 @@ void PutLength(uchar * block, std::size_t length) {
 
 using Block = std::unique_ptr<uchar[]>;
 
-// Writes a record behind room for its length, and puts the length in; `extra` bytes do not count.
+// Writes a record after room for its length, and puts the length in; `extra` bytes do not count.
 template <typename WriteRecord>
 Block MakeBlock(unsigned step, std::size_t extra, WriteRecord && write) {
     CMemFile file(step);

@@ -171,7 +171,7 @@ void ReadCurrency(std::string const & name, LocaleItems & items) {
 }
 
 // A short date pattern in plain letters: quoted words and direction marks go, years have four
-// digits, and nothing stands behind the last part.
+// digits, and nothing stands after the last part.
 CString PlainDatePattern(CString const & pattern) {
     CString plain;
     bool quoted = false;

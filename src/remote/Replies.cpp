@@ -23,7 +23,7 @@ struct Incoming {
     CFile & file;
     WireReader & reader;
 
-    // The reply starts at the begin of the file; what the request has behind its end stays.
+    // The reply starts at the begin of the file; what the request has after its end stays.
     template <typename... Records>
     void Reply(Records const &... records) const {
         file.SeekToBegin();

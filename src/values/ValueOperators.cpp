@@ -27,7 +27,7 @@ void CombineTexts(int code, CCCellValue & left, CCCellValue const & right) {
 }
 
 // Equality has a tolerance, the other comparisons have none: they may disagree on two numbers a few
-// units in the last place apart. That is meant so.
+// units in the last place apart. Saved sheets count on both answers.
 void CombineNumbers(int code, CCCellValue & left, double a, double b) {
     switch (code) {
     case kAdd:

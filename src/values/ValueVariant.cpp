@@ -1,6 +1,6 @@
 // Values to and from tagVARIANT. The currency pair is split by 4294967295 with the low part taken
-// from the high part unscaled; the way back matches it, not the platform's own currency. That is
-// meant so.
+// from the high part unscaled; the way back matches it, not the platform's own currency.
+// Variants that hosts keep must read back as they were.
 #include "format/DateSerial.h"
 #include "platform/COleDateTime.h"
 #include "platform/Digits.h"

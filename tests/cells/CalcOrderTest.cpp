@@ -36,7 +36,7 @@ void ExpectSame(CalcOrder const & order, std::vector<SCCalcEntry *> const & twin
     ASSERT_EQ(order.Last(), twin.empty() ? nullptr : twin.back());
 }
 
-// Inserts `count` entries, each behind the one that `place` picks.
+// Inserts `count` entries, each after the one that `place` picks.
 template <typename Pick>
 void InsertMany(int count, Pick && place) {
     CalcOrder order;

@@ -240,7 +240,7 @@ TEST(CellFormula, EffectsOfAnEntryComeInOneOrder) {
 }
 
 // All that an operation on an item does happens in one session; the document is marked as changed
-// inside or behind it.
+// inside or after it.
 TEST(CellSessions, EncloseEveryChangeOfAnItem) {
     struct Case {
         char const * name;

@@ -309,7 +309,7 @@ TEST(LegacyFile, RefusesWhatItDoesNotKnow) {
 
 namespace {
 
-// A file of records of the value 0.0, each with its coordinates and what stands behind it.
+// A file of records of the value 0.0, each with its coordinates and what stands after it.
 std::string FileOf(std::initializer_list<std::pair<std::string, std::string>> records) {
     std::string file = kHead + Bytes({0, 0, 0, 0, int(records.size()), 0, 0, 0});
     for (auto const & [coords, behind] : records)

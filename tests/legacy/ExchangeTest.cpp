@@ -32,7 +32,7 @@ Bytes Text(Legacy::String16 const & text) {
     return Written([&](CArchive & ar) { Legacy::WriteString16(ar, text); });
 }
 
-// What is left behind a record tells how many bytes it took.
+// What is left after a record tells how many bytes it took.
 template <typename Read>
 std::size_t LeftBehind(Bytes const & bytes, Read && read) {
     std::size_t left = 0;

@@ -221,7 +221,7 @@ TEST(ReferenceRecord, HoldsTypeAndPayload) {
     EXPECT_EQ(RefBytes(&remote), Join(4, 0xFF, 0xFE, 0xFF, 1, "d", 0xFF, 0xFE, 0xFF, 2, "A1"));
     EXPECT_EQ(RefBytes(&document), (Bytes{5, 7}));
     EXPECT_EQ(RefBytes(&sheets), Join(6, U32(1), 1, 0, 2, 0, 1, 0, 1, 0));
-    EXPECT_EQ(RefBytes(&empty), Join(6, U32(0))); // four bytes behind the type
+    EXPECT_EQ(RefBytes(&empty), Join(6, U32(0))); // four bytes after the type
 }
 
 TEST(ReferenceRecord, ReadsBackEqual) {

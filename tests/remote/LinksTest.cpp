@@ -412,7 +412,7 @@ TEST_F(TwoDocuments, WithoutATransportFormulasStayAndRecalculationGoesOn) {
     EXPECT_EQ(b.Text("B1"), "6");
 }
 
-// What was asked comes back as an edit of the asking document, before and behind every answer.
+// What was asked comes back as an edit of the asking document, before and after every answer.
 TEST_F(TwoDocuments, APeerMayChangeTheAskingDocumentInEveryOperation) {
     for (int operation = kRemoteIsValidRef; operation <= kRemoteSetValueInCompound; ++operation)
         for (bool before : {true, false})

@@ -171,7 +171,7 @@ public:
     int sessions = 0, depth = 0;
 
 private:
-    // The reply alone, with nothing of the request behind it.
+    // The reply alone, with nothing of the request after it.
     int Canned(CFile & file) {
         CMemFile & memory = static_cast<CMemFile &>(file);
         delete[] memory.Detach();
@@ -200,7 +200,7 @@ struct Operation {
     std::function<std::string(Asker &)> ask; // gives the result and the outputs
     Bytes arguments;
     Bytes reply;
-    std::string asked;  // of the answerer, behind the reference
+    std::string asked;  // of the answerer, after the reference
     std::string result; // of the asker
     std::string unsent; // where nobody answers
 };

@@ -71,7 +71,7 @@ bool ReadClock(std::string_view text, int (&parts)[3]) {
     return false;
 }
 
-// "2026-03-05", with a time of the day behind a blank or "T".
+// "2026-03-05", with a time of the day after a blank or "T".
 bool ReadMoment(std::string_view text, double & days) {
     int date[3], clock[3] = {};
     char const *at = text.data(), *const end = at + text.size();

@@ -23,7 +23,7 @@ using Legacy = CCC4W15Exchange;
 constexpr uchar kMark[] = {0x89, 0x43, 0x31, 0x35, 0x0D, 0x0A, 0x1A, 0x0A};
 constexpr std::uint32_t kVersion = 1;
 
-// What stands behind a cell.
+// What stands after a cell.
 enum FormatKind : uchar {
     kNoFormat = 0,
     kFormatOfValue = 1, // of the number, which goes with it

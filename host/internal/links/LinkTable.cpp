@@ -16,8 +16,8 @@ namespace cells::host {
 namespace {
 
 constexpr std::size_t kMostNames = 10'000; // remembered spellings of documents
-// Rounds in which places are told again that could not wait for their turn. Each settles a nesting
-// of requests, so that chains of a million links between documents end.
+// Rounds in which places are notified again that could not wait for their turn. Each settles a
+// nesting of requests, so that chains of a million links between documents end.
 constexpr int kMostRounds = 10'000;
 
 bool Writes(int operation) {
@@ -82,7 +82,7 @@ Book * LinkTable::Find(CString const & document) {
     return m_Found[name] = found == m_Books.end() ? nullptr : *found;
 }
 
-// A change is told later; nobody answering is as good as a yes to it.
+// Of a change others are notified later; nobody answering is as good as a yes to it.
 bool LinkTable::Carry(CCRemoteRef const & ref, CFile & request) {
     if (!IsRecalculation(request)) return Route(ref, request);
     std::string bytes(std::size_t(request.GetLength()), '\0');
@@ -116,7 +116,7 @@ bool LinkTable::Answer(CFile & request, bool mayWrite) {
     return book && book->Count() > 0 && book->TransportFile(&book->At(0), request);
 }
 
-// What is told twice in one go has been marked already.
+// Who is notified twice in one go has been marked already.
 void LinkTable::Deliver() {
     if (m_bDelivering) return;
     struct Delivering {

@@ -249,7 +249,8 @@ struct Peers::State {
         bool isAnswered = false;
         try {
             isAnswered = links.Answer(file, options.mayWrite);
-            // What it has marked is told on first, so that all is marked when anybody computes.
+            // First others are notified of what it has marked, so that all is marked when anybody
+            // computes.
             if (isAnswered) links.Table().Deliver();
         } catch (NotYet const &) {
             if (postponed.size() < kMostPostponed) return postponed.push_back({peer, message});

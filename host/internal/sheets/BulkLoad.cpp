@@ -3,7 +3,7 @@
 // Values before the first formula cannot be read by anything in the load and go straight to their
 // cells. From the first formula on everything is kept until the commit, which looks at what the
 // formulas read: when no cycle leads through them, values are stored, formulas are registered in
-// the order of entry, and each is computed once, behind all that it reads. With a cycle the outcome
+// the order of entry, and each is computed once, after all that it reads. With a cycle the outcome
 // depends on the order of entry, so then the entries are made one by one.
 #include "cells/Resolve.h"
 #include "formula/CCNameRef.h"
@@ -79,7 +79,7 @@ struct Entry {
 
 enum class Mark : uchar { kNone, kOpen, kSettled };
 
-// Puts formulas behind what they read, by a walk in depth without recursion.
+// Puts formulas after what they read, by a walk in depth without recursion.
 class Ordering {
 public:
     Ordering(SheetManager & sheet, std::unordered_map<unsigned, CCFormula const *> const & formulas)

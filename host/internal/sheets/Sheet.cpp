@@ -29,7 +29,7 @@ TextBuffer & Buffer() {
     return buffer;
 }
 
-// A place on another sheet stands behind its name.
+// A place on another sheet stands after its name.
 std::string PrintRef(SheetManager & sheet, CCRef const * ref) {
     CCRef const * const inner = internal::InnerRef(ref);
     if (!inner) return {};

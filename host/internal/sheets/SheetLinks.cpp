@@ -13,7 +13,7 @@ namespace cells::host {
 namespace {
 
 // Requests that bring places up to date nest this deep; further ones read what is there, and the
-// readers are told again.
+// dependents are notified again.
 constexpr int kDeepestSettling = 200;
 
 } // namespace
@@ -91,7 +91,7 @@ int SheetManager::OnRemoteSetSourceValue(CCRemoteRef const * ref, CCCellValue co
     return IsProtLock(cell, 0) ? 0 : CCSheet::OnRemoteSetSourceValue(ref, value);
 }
 
-// What waits for its computing has told its own readers already.
+// What is pending has notified its own dependents already.
 int SheetManager::OnRemoteInitRecalc(CCRemoteRef const * ref, int flag) {
     auto const place = flag && m_Book ? AskedPlace(ref) : nullptr;
     if (place && m_Book->GetCalcCache().IsDirty(*this, place.get())) return 1;
