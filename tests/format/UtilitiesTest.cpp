@@ -1,3 +1,4 @@
+#include "context/Context.h"
 #include "format/BuiltInFormats.h"
 #include "format/DateSerial.h"
 #include "format/International.h"
@@ -7,7 +8,6 @@
 #include "platform/LocaleInfo.h"
 #include "platform/Services.h"
 
-#include "context/Context.h"
 #include <clocale>
 #include <gtest/gtest.h>
 #include <vector>

@@ -1,3 +1,4 @@
+#include "context/Context.h"
 #include "formula/CCNameRef.h"
 #include "formula/CCRCRef.h"
 #include "formula/Scanners.h"
@@ -5,7 +6,6 @@
 #include "platform/Utf.h"
 #include "support/BaseHost.h"
 
-#include "context/Context.h"
 #include <gtest/gtest.h>
 
 namespace {
