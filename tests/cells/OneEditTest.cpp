@@ -138,13 +138,9 @@ TEST(OneEdit, AnEntryIsStoredNotifiedAndQueuedWithinASession) {
         "A1.SetText", // as typed
         "BeginSession",
         "A1.SetValue", // as read by the locale
-        "A1.OnValueStored",
-        "A1.UpdateNumberFormat",
-        "A1.OnChange",
+        "A1.OnValueStored",     "A1.UpdateNumberFormat", "A1.OnChange",
         "ProcessDependents A1", // B1 is queued
-        "LoadDependencies A1",
-        "A1.OnValueChanged",
-        "EndSession",
+        "LoadDependencies A1",  "A1.OnValueChanged",     "EndSession",
     };
     EXPECT_EQ(host.Taken(), steps);
     EXPECT_EQ(host.GetCurProcessCount(), 1);
@@ -202,10 +198,9 @@ TEST(OneEdit, AResultThatStaysTheSameIsStoredAndNotNotified) {
     host.Enter("A1", L"5");
     host.Taken();
     host.DoIdle(0);
-    EXPECT_EQ(host.Taken(),
-              (Steps{"DoIdle", "PatchProcessDependents B1", "LoadDependencies B1", "RecalcCell B1",
-                     "B1.Recalc", "BeginSession", "GetValue A1", "EndSession", "B1.OnValueStored",
-                     "B1.UpdateNumberFormat"}));
+    EXPECT_EQ(host.Taken(), (Steps{"DoIdle", "PatchProcessDependents B1", "LoadDependencies B1",
+                                   "RecalcCell B1", "B1.Recalc", "BeginSession", "GetValue A1",
+                                   "EndSession", "B1.OnValueStored", "B1.UpdateNumberFormat"}));
 }
 
 TEST(OneEdit, AFormulaIsRegisteredComputedAndOnlyThenSearchedForACycle) {

@@ -31,7 +31,9 @@ std::string SectionBytes(std::string const & tag, std::uint32_t sheet, std::uint
     return head + U32(Checksum(head + payload)) + payload;
 }
 
-std::string Done(std::uint32_t sections) { return SectionBytes("DONE", kNoSheet, 0, U32(sections)); }
+std::string Done(std::uint32_t sections) {
+    return SectionBytes("DONE", kNoSheet, 0, U32(sections));
+}
 
 // The pieces of a small document: its head, three sections and the last one.
 std::vector<std::string> SmallPieces() {
@@ -102,10 +104,9 @@ TEST(Container, IsWrittenAsAHeadAndSectionsThatCountThemselves) {
     writer.Add(SectionTag::kSheetEnd, 0, 0, "");
     writer.Finish();
     EXPECT_EQ(document, Joined(SmallPieces()));
-    std::string const cells(
-        "CELL"
-        "\0\0\0\0\3\0\0\0\x0A\0\0\0",
-        16);
+    std::string const cells("CELL"
+                            "\0\0\0\0\3\0\0\0\x0A\0\0\0",
+                            16);
     EXPECT_EQ(document.substr(kHead + kSectionHead + 2, 16), cells);
 }
 
@@ -245,8 +246,7 @@ TEST(Container, HeadsThatClaimAllTheRestAreGivenUp) {
     std::string document = kMark + U32(1);
     for (std::uint32_t i = kHeads; i-- > 0;)
         document += "CELL" + U32(0) + U32(0) + U32(i * std::uint32_t(kSectionHead)) + U32(0);
-    EXPECT_EQ(FoundIn(document),
-              (Found{{},
-                     {Bytes(kHead, kHeads * kSectionHead),
-                      Text(document.size(), "the document ends too early")}}));
+    EXPECT_EQ(FoundIn(document), (Found{{},
+                                        {Bytes(kHead, kHeads * kSectionHead),
+                                         Text(document.size(), "the document ends too early")}}));
 }

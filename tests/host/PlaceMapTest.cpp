@@ -216,9 +216,8 @@ TEST_P(LinesOf, InsertedPushTheOthersOn) {
     for (int at : LinesToTry(limit))
         for (int count = 1; count <= std::min(3, limit - at); ++count) {
             SCOPED_TRACE(std::to_string(count) + " at " + std::to_string(at));
-            ASSERT_NO_FATAL_FAILURE(
-                ExpectLinesGoWhereTheModelSays(PlaceMap::Inserted(GetParam(), at, count),
-                                               LineModel(GetParam(), true, at, count)));
+            ASSERT_NO_FATAL_FAILURE(ExpectLinesGoWhereTheModelSays(
+                PlaceMap::Inserted(GetParam(), at, count), LineModel(GetParam(), true, at, count)));
         }
 }
 
@@ -227,16 +226,15 @@ TEST_P(LinesOf, DeletedLetTheOthersCloseUp) {
     for (int at : LinesToTry(limit))
         for (int count = 1; count <= std::min(4, limit - at); ++count) {
             SCOPED_TRACE(std::to_string(count) + " at " + std::to_string(at));
-            ASSERT_NO_FATAL_FAILURE(
-                ExpectLinesGoWhereTheModelSays(PlaceMap::Deleted(GetParam(), at, count),
-                                               LineModel(GetParam(), false, at, count)));
+            ASSERT_NO_FATAL_FAILURE(ExpectLinesGoWhereTheModelSays(
+                PlaceMap::Deleted(GetParam(), at, count), LineModel(GetParam(), false, at, count)));
         }
 }
 
 TEST_P(LinesOf, AllDeletedLeaveNothing) {
     int const limit = GetParam() == Lines::kRow ? kRows : kColumns;
-    ASSERT_NO_FATAL_FAILURE(ExpectLinesGoWhereTheModelSays(
-        PlaceMap::Deleted(GetParam(), 0, limit), LineModel(GetParam(), false, 0, limit)));
+    ASSERT_NO_FATAL_FAILURE(ExpectLinesGoWhereTheModelSays(PlaceMap::Deleted(GetParam(), 0, limit),
+                                                           LineModel(GetParam(), false, 0, limit)));
 }
 
 INSTANTIATE_TEST_SUITE_P(OneKind, LinesOf, testing::Values(Lines::kRow, Lines::kColumn),
