@@ -26,16 +26,11 @@ using cells::host::DocumentError;
 using cells::host::Place;
 using cells::host::Sheet;
 using cells::host::Workbook;
+using cells::test::BytesOf;
 using cells::test::DumpOfTheDocumentation;
 using cells::test::Shown;
 
 namespace {
-
-std::string BytesOf(Workbook const & book) {
-    std::string bytes;
-    book.Write([&](std::string_view piece) { bytes += piece; });
-    return bytes;
-}
 
 std::unique_ptr<Workbook> ThereAndBack(Workbook const & book, char const * locale = "C") {
     return Workbook::Read(BytesOf(book), locale);
@@ -52,6 +47,8 @@ std::unique_ptr<Workbook> SmallBook() {
     book->Recalculate();
     return book;
 }
+
+class SavedBook : public cells::test::ThreeSheets {};
 
 class Folder {
 public:
@@ -76,20 +73,18 @@ std::string Contents(fs::path const & file) {
 
 } // namespace
 
-TEST(Document, ValuesFormulasAndFormatsComeBack) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
+TEST_F(SavedBook, ValuesFormulasAndFormatsComeBack) {
     char const * const entries[] = {
         "5",          "-2.5e300", "12%",   "$3.50", "2/1/1950", "10:30",        "TRUE",
         "text",       "=1/0",     "=A1*2", "=NA()", "=B99",     "=\"a\"+\"b\"", "=SUM(A1:A9)",
         "={1,2;3,4}", "1/4",      "'5"};
     int row = 0;
-    for (char const * entry : entries) sheet.Enter(Place{0, row++}, entry);
-    sheet.SetNumberFormat({{0, 0}, {0, 0}}, "#,##0.00 \"kg\"");
-    sheet.SetNumberFormat({{3, 0}, {3, 65535}}, "percent:1");
-    sheet.SetFlag({{0, 1}, {0, 1}}, CellFlag::kHideZeros);
-    sheet.DefineName("rate", {{0, 0}, {0, 0}});
-    sheet.Enter("B1", "=rate+1");
+    for (char const * entry : entries) one.Enter(Place{0, row++}, entry);
+    one.SetNumberFormat({{0, 0}, {0, 0}}, "#,##0.00 \"kg\"");
+    one.SetNumberFormat({{3, 0}, {3, 65535}}, "percent:1");
+    one.SetFlag({{0, 1}, {0, 1}}, CellFlag::kHideZeros);
+    one.DefineName("rate", {{0, 0}, {0, 0}});
+    one.Enter("B1", "=rate+1");
     book.Recalculate();
     auto const back = ThereAndBack(book);
     EXPECT_EQ(Shown(*back), Shown(book));
@@ -119,9 +114,8 @@ TEST(Document, SheetsCalculateTogetherAgain) {
     EXPECT_EQ(back->CheckInvariants(), std::vector<std::string>());
 }
 
-TEST(Document, CircularFormulasStayCircular) {
-    Workbook book("C");
-    book.Add("One").Enter("A1", "=A1+1");
+TEST_F(SavedBook, CircularFormulasStayCircular) {
+    one.Enter("A1", "=A1+1");
     auto const back = ThereAndBack(book);
     EXPECT_EQ(back->At(0).Text("A1"), "#CIRC!");
     back->At(0).Enter("B1", "1");
@@ -129,13 +123,11 @@ TEST(Document, CircularFormulasStayCircular) {
     EXPECT_EQ(back->At(0).Text("A1"), "#CIRC!");
 }
 
-TEST(Document, ProtectedSheetsComeBackProtectedWithTheirFormulasAlive) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
-    sheet.Enter("A1", "5");
-    sheet.Enter("B1", "=A1*2");
-    sheet.SetFlag({{0, 0}, {0, 0}}, CellFlag::kHidden);
-    sheet.Protect("secret");
+TEST_F(SavedBook, ProtectedSheetsComeBackProtectedWithTheirFormulasAlive) {
+    one.Enter("A1", "5");
+    one.Enter("B1", "=A1*2");
+    one.SetFlag({{0, 0}, {0, 0}}, CellFlag::kHidden);
+    one.Protect("secret");
     auto const back = ThereAndBack(book);
     Sheet & read = back->At(0);
     EXPECT_TRUE(read.IsProtected());
@@ -146,31 +138,26 @@ TEST(Document, ProtectedSheetsComeBackProtectedWithTheirFormulasAlive) {
     EXPECT_EQ(read.Text("B1"), "12");
 }
 
-TEST(Document, LongTextsAreWhole) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
-    sheet.Enter("A1", "=REPT(\"ab\",5000)");
-    sheet.Enter("A2", std::string(4096, 'x'));
-    sheet.Enter("A3", std::string(4097, 'y'));
+TEST_F(SavedBook, LongTextsAreWhole) {
+    one.Enter("A1", "=REPT(\"ab\",5000)");
+    one.Enter("A2", std::string(4096, 'x'));
+    one.Enter("A3", std::string(4097, 'y'));
     auto const back = ThereAndBack(book);
     for (char const * cell : {"A1", "A2", "A3"})
-        EXPECT_EQ(back->At(0).Text(cell), sheet.Text(cell)) << cell;
+        EXPECT_EQ(back->At(0).Text(cell), one.Text(cell)) << cell;
 }
 
-TEST(Document, ManyCellsTakeSeveralSections) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
+TEST_F(SavedBook, ManyCellsTakeSeveralSections) {
     for (int row = 0; row < 6000; ++row) {
-        sheet.Enter(Place{0, row}, std::to_string(row));
-        sheet.Enter(Place{1, row * 10}, "=A" + std::to_string(row + 1));
+        one.Enter(Place{0, row}, std::to_string(row));
+        one.Enter(Place{1, row * 10}, "=A" + std::to_string(row + 1));
     }
     book.Recalculate();
     EXPECT_EQ(Shown(*ThereAndBack(book)), Shown(book));
 }
 
-TEST(Document, ReadsTheSameInAnotherLanguage) {
-    Workbook book("C");
-    book.Add("One").Enter("A1", "=SUM(1,2.5)&TRUE");
+TEST_F(SavedBook, ReadsTheSameInAnotherLanguage) {
+    one.Enter("A1", "=SUM(1,2.5)&TRUE");
     std::string const bytes = BytesOf(book);
     cells::host::UseLanguageFile(CVCELLS_RESOURCES "/de.txt");
     auto const german = Workbook::Read(bytes, "C");
@@ -189,11 +176,9 @@ TEST(Document, ReadsTheSameInAnotherLocale) {
 }
 #endif
 
-TEST(Document, VolatileFormulasAreComputedAfterReading) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
-    sheet.Enter("A1", "=NOW()");
-    sheet.Enter("A2", "=A1+0");
+TEST_F(SavedBook, VolatileFormulasAreComputedAfterReading) {
+    one.Enter("A1", "=NOW()");
+    one.Enter("A2", "=A1+0");
     int changed = 0;
     auto const back = ThereAndBack(book);
     back->At(0).OnChanged([&](Place) { ++changed; });
@@ -202,9 +187,7 @@ TEST(Document, VolatileFormulasAreComputedAfterReading) {
     EXPECT_EQ(back->At(0).Get("A2").number, back->At(0).Get("A1").number);
 }
 
-TEST(Document, WhatWaitsToBeComputedWaitsAgain) {
-    Workbook book("C");
-    Sheet &one = book.Add("One"), &two = book.Add("Two");
+TEST_F(SavedBook, WhatWaitsToBeComputedWaitsAgain) {
     one.Enter("A1", "1");
     one.Enter("A2", "=A1*2");
     two.Enter("A1", "=One!A2+1");
@@ -228,9 +211,7 @@ TEST(Document, WhatWaitsToBeComputedWaitsAgain) {
     EXPECT_EQ(two.Text("A1"), "11");
 }
 
-TEST(Document, FormulasWhosePlacesAreComputedFollowThemAfterReading) {
-    Workbook book("C");
-    Sheet &one = book.Add("One"), &two = book.Add("Two");
+TEST_F(SavedBook, FormulasWhosePlacesAreComputedFollowThemAfterReading) {
     one.Enter("E3", "=INDIRECT(\"C2\")");
     one.Enter("E2", "=SUM(OFFSET(B1,1,0,2,1))");
     one.Enter("E4", "=INDIRECT(D1)");
@@ -259,15 +240,14 @@ TEST(Document, TheSmallestOneIsTheDumpOfTheDocumentation) {
 }
 
 // A document from a program in which the number of "kg" here belongs to "xx".
-TEST(Document, LeadingStringsKeepTheirTextsWhereNumbersDiffer) {
-    Workbook book("C");
+TEST_F(SavedBook, LeadingStringsKeepTheirTextsWhereNumbersDiffer) {
     CCNumberFormat format;
     format.Set(C_NF_NUMBER);
     format.SetPrecision(0);
     format.SetLTString(2, std::max(GetLTStringIndex(L"kg"), 0));
-    book.Add("One").Enter("A1", "5");
-    book.At(0).SetNumberFormat({{0, 0}, {0, 0}}, format);
-    std::string const shown = book.At(0).Text("A1");
+    one.Enter("A1", "5");
+    one.SetNumberFormat({{0, 0}, {0, 0}}, format);
+    std::string const shown = one.Text("A1");
     ASSERT_NE(shown.find("kg"), std::string::npos) << shown;
     std::string bytes, document = BytesOf(book);
     cells::host::ContainerWriter writer([&](std::string_view piece) { bytes += piece; });
@@ -281,11 +261,6 @@ TEST(Document, LeadingStringsKeepTheirTextsWhereNumbersDiffer) {
     writer.Finish();
     EXPECT_EQ(Workbook::Read(bytes, "C")->At(0).Text("A1"),
               std::string(shown).replace(shown.find("kg"), 2, "xx"));
-}
-
-TEST(Document, TheChecksumIsTheUsualOne) {
-    EXPECT_EQ(cells::host::Checksum("123456789"), 0xCBF43926u);
-    EXPECT_EQ(cells::host::Checksum("6789", cells::host::Checksum("12345")), 0xCBF43926u);
 }
 
 TEST(DamagedDocument, EveryPrefixIsRefusedAndGivesTheSheetsThatAreWhole) {

@@ -1,15 +1,14 @@
 #include "host/NumberFormats.h"
 #include "host/Sheet.h"
-#include "host/Workbook.h"
+#include "support/Workbooks.h"
 
 #include <gtest/gtest.h>
 #include <stdexcept>
 
 using namespace cells::host;
+using cells::test::A;
 
 namespace {
-
-Area A(char const * text) { return *ParseArea(text); }
 
 std::string Names(std::vector<Place> const & places) {
     std::string text;
@@ -209,9 +208,7 @@ TEST(AreaFormats, AnEmptiedPlaceHasTheFormatOfItsArea) {
         EXPECT_EQ(sheet.NumberFormat({0, 1}), "percent:0");
         sheet.Copy(*ParseArea("B2"), {0, 1}); // nothing stands there
         EXPECT_EQ(sheet.NumberFormat({0, 1}), "percent:0") << watched;
-        std::string bytes;
-        book.Write([&](std::string_view piece) { bytes += piece; });
-        auto const back = cells::host::Workbook::Read(bytes, "C");
+        auto const back = cells::host::Workbook::Read(cells::test::BytesOf(book), "C");
         EXPECT_EQ(back->At(0).NumberFormat({0, 1}), "percent:0") << watched;
     }
 }

@@ -49,6 +49,7 @@ struct Edit {
 
 void PrintTo(Edit const & edit, std::ostream * out) { *out << edit.name; }
 
+class BookHistory : public cells::test::ThreeSheets {};
 class EveryEdit : public testing::TestWithParam<Edit> {};
 
 } // namespace
@@ -114,100 +115,88 @@ INSTANTIATE_TEST_SUITE_P(
         Edit{"a moved sheet", [](Workbook & b) { b.Move(0, 1); }},
         Edit{"a renamed sheet", [](Workbook & b) { b.Rename(0, "Other"); }}));
 
-TEST(History, ANewEditTakesThePlaceOfThoseTakenBack) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
+TEST_F(BookHistory, ANewEditTakesThePlaceOfThoseTakenBack) {
     book.KeepHistory(10);
-    sheet.Enter("A1", "1");
-    sheet.Enter("A1", "2");
+    one.Enter("A1", "1");
+    one.Enter("A1", "2");
     EXPECT_TRUE(book.Undo());
-    sheet.Enter("A1", "3");
+    one.Enter("A1", "3");
     EXPECT_FALSE(book.Redo());
     EXPECT_TRUE(book.Undo());
-    EXPECT_EQ(sheet.Text("A1"), "1");
-    EXPECT_TRUE(sheet.Undo()); // the same history
-    EXPECT_EQ(sheet.Text("A1"), "");
-    EXPECT_FALSE(sheet.Undo());
+    EXPECT_EQ(one.Text("A1"), "1");
+    EXPECT_TRUE(one.Undo()); // the same history
+    EXPECT_EQ(one.Text("A1"), "");
+    EXPECT_FALSE(one.Undo());
 }
 
-TEST(History, WhatChangesNothingIsNoEdit) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
-    sheet.Enter("A1", "1");
+TEST_F(BookHistory, WhatChangesNothingIsNoEdit) {
+    one.Enter("A1", "1");
     book.KeepHistory(10);
-    sheet.Enter("A1", "1");
-    sheet.Clear({5, 5});
+    one.Enter("A1", "1");
+    one.Clear({5, 5});
     EXPECT_FALSE(book.Undo());
 }
 
-TEST(History, TheOldestEditsAreForgotten) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
+TEST_F(BookHistory, TheOldestEditsAreForgotten) {
     book.KeepHistory(3);
-    for (int i = 0; i < 10; ++i) sheet.Enter("A1", std::to_string(i));
+    for (int i = 0; i < 10; ++i) one.Enter("A1", std::to_string(i));
     int undone = 0;
     while (book.Undo()) ++undone;
     EXPECT_EQ(undone, 3);
-    EXPECT_EQ(sheet.Text("A1"), "6");
+    EXPECT_EQ(one.Text("A1"), "6");
     book.KeepHistory(0);
-    sheet.Enter("A1", "x");
+    one.Enter("A1", "x");
     EXPECT_FALSE(book.Undo());
 }
 
-TEST(History, EditsBesideACommittedBulkLoadAreEditsOfTheirOwn) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
+TEST_F(BookHistory, EditsBesideACommittedBulkLoadAreEditsOfTheirOwn) {
     book.KeepHistory(10);
-    Sheet::Bulk bulk(sheet);
-    sheet.Enter("A1", "before");
+    Sheet::Bulk bulk(one);
+    one.Enter("A1", "before");
     bulk.Enter({0, 0}, "1");
     bulk.Enter({1, 0}, "=A1+1");
     bulk.Commit();
-    sheet.Enter("A1", "5");
-    sheet.Enter("A1", "6");
+    one.Enter("A1", "5");
+    one.Enter("A1", "6");
     bulk.Enter({0, 0}, "7");
     bulk.Commit();
     book.Recalculate();
-    std::vector<std::string> shown{sheet.Text("A1")};
+    std::vector<std::string> shown{one.Text("A1")};
     while (book.Undo()) {
         book.Recalculate();
-        shown.push_back(sheet.Text("A1") + " " + sheet.Text("B1"));
+        shown.push_back(one.Text("A1") + " " + one.Text("B1"));
     }
     EXPECT_EQ(shown, (std::vector<std::string>{"7", "6 7", "5 6", "1 2", "before ", " "}));
 }
 
-TEST(History, OfTwoBulkLoadsTheSecondOutlivesTheFirst) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
+TEST_F(BookHistory, OfTwoBulkLoadsTheSecondOutlivesTheFirst) {
     book.KeepHistory(10);
-    Sheet::Bulk first(sheet), second(sheet);
+    Sheet::Bulk first(one), second(one);
     first.Enter({0, 0}, "1");
     second.Enter({0, 1}, "2"); // while the first one is open, a part of it
     first.Commit();
     second.Enter({0, 2}, "3");
     second.Commit();
     EXPECT_TRUE(book.Undo());
-    EXPECT_EQ(sheet.Text("A2") + sheet.Text("A3"), "2");
+    EXPECT_EQ(one.Text("A2") + one.Text("A3"), "2");
     EXPECT_TRUE(book.Undo());
-    EXPECT_FALSE(sheet.UsedArea());
+    EXPECT_FALSE(one.UsedArea());
     EXPECT_FALSE(book.Undo());
 }
 
-TEST(History, AnEditThroughAChainOfEditSourcesIsTakenBackToItsEnd) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
-    sheet.Enter("A1", "50%");
-    sheet.DefineName("rate", A("A1:A1"));
-    sheet.Enter("A2", "!rate");
-    sheet.Enter("A3", "!A2");
-    sheet.Enter("B1", "=A3");
+TEST_F(BookHistory, AnEditThroughAChainOfEditSourcesIsTakenBackToItsEnd) {
+    one.Enter("A1", "50%");
+    one.DefineName("rate", A("A1:A1"));
+    one.Enter("A2", "!rate");
+    one.Enter("A3", "!A2");
+    one.Enter("B1", "=A3");
     book.Recalculate();
     std::string const before = Shown(book);
-    std::vector<std::function<void()>> const edits{[&] { sheet.Enter("A3", "7"); },
+    std::vector<std::function<void()>> const edits{[&] { one.Enter("A3", "7"); },
                                                    [&] {
-                                                       sheet.Clear({0, 2});
+                                                       one.Clear({0, 2});
                                                    },
-                                                   [&] { sheet.ClearFormat(A("A3:A3")); }};
+                                                   [&] { one.ClearFormat(A("A3:A3")); }};
     for (std::size_t i = 0; i < edits.size(); ++i) {
         book.KeepHistory(10);
         edits[i]();
@@ -230,12 +219,10 @@ TEST(History, ASheetOfItsOwnHasOneToo) {
     EXPECT_EQ(sheet.Text("A1"), "1");
 }
 
-TEST(History, ASheetOfAWorkbookDoesNotSwitchIt) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
+TEST_F(BookHistory, ASheetOfAWorkbookDoesNotSwitchIt) {
     book.KeepHistory(5);
-    sheet.KeepHistory(0);
-    sheet.Enter("A1", "1");
+    one.KeepHistory(0);
+    one.Enter("A1", "1");
     EXPECT_TRUE(book.Undo());
 }
 
@@ -252,23 +239,21 @@ TEST(History, EditsOfARemovedSheetComeBackWithIt) {
     EXPECT_EQ(book->Count(), 1);
 }
 
-TEST(History, TakingBackEntersFormulasOfProtectedSheets) {
-    Workbook book("C");
-    Sheet & sheet = book.Add("One");
-    sheet.Enter("A1", "5");
-    sheet.SetFlag(A("A1:A1"), CellFlag::kHidden);
-    sheet.Enter("B1", "=A1*2");
+TEST_F(BookHistory, TakingBackEntersFormulasOfProtectedSheets) {
+    one.Enter("A1", "5");
+    one.SetFlag(A("A1:A1"), CellFlag::kHidden);
+    one.Enter("B1", "=A1*2");
     book.KeepHistory(5);
-    sheet.Enter("B1", "x");
-    sheet.Protect();
+    one.Enter("B1", "x");
+    one.Protect();
     book.Undo();
     book.Undo();
     book.Redo();
     book.Redo();
     book.Undo();
     book.Undo();
-    EXPECT_EQ(*sheet.Formula(P("B1")), "=A1 * 2");
-    EXPECT_EQ(sheet.Text("B1"), "10");
+    EXPECT_EQ(*one.Formula(P("B1")), "=A1 * 2");
+    EXPECT_EQ(one.Text("B1"), "10");
 }
 
 TEST(History, RandomEditsAreTakenBackToTheirBeginning) {

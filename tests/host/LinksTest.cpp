@@ -15,6 +15,7 @@ using cells::host::Sheet;
 using cells::host::Source;
 using cells::host::Workbook;
 using cells::test::A;
+using cells::test::BytesOf;
 
 namespace {
 
@@ -442,12 +443,6 @@ struct Asked {
     std::vector<unsigned> questions;
 };
 
-std::string Saved(Workbook const & book) {
-    std::string bytes;
-    book.Write([&](std::string_view part) { bytes += part; });
-    return bytes;
-}
-
 } // namespace
 
 TEST_F(LinkedBooks, OpeningADocumentWithLinksAsksOnce) {
@@ -456,7 +451,7 @@ TEST_F(LinkedBooks, OpeningADocumentWithLinksAsksOnce) {
     b.Enter("B1", "=REMOTE(\"a\",\"A1\")");
     b.book["Two"].Enter("B1", "=REMOTE(\"a\",\"A1\")*2");
     links.Recalculate();
-    std::string const bytes = Saved(b.book);
+    std::string const bytes = BytesOf(b.book);
     a.Enter("A1", "6");
     for (bool answer : {true, false}) {
         Asked asked(answer);

@@ -17,14 +17,11 @@ using cells::test::Shown;
 
 namespace {
 
-class Cells : public testing::Test {
+class Cells : public cells::test::ThreeSheets {
 protected:
-    Workbook book{"C"};
-    Sheet & sheet = book.Add("One");
-    Sheet & other = book.Add("Two");
+    Sheet &sheet = one, &other = two;
 
     std::string Formula(char const * place) { return sheet.EditText(P(place)); }
-    ~Cells() override { EXPECT_EQ(book.CheckInvariants(), std::vector<std::string>()); }
 };
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "cells/CCCellManager.h"
 #include "context/Context.h"
 #include "formula/CCRCRef.h"
+#include "support/Workbooks.h"
 
 #include <gtest/gtest.h>
 #include <map>
@@ -14,20 +15,7 @@ using cells::host::Area;
 using cells::host::Place;
 using cells::host::Sheet;
 using cells::host::Workbook;
-
-namespace {
-
-class ThreeSheets : public testing::Test {
-protected:
-    Workbook book{"C"};
-    Sheet & one = book.Add("One");
-    Sheet & two = book.Add("Two");
-    Sheet & three = book.Add("Three");
-
-    ~ThreeSheets() override { EXPECT_EQ(book.CheckInvariants(), std::vector<std::string>()); }
-};
-
-} // namespace
+using cells::test::ThreeSheets;
 
 TEST_F(ThreeSheets, AFormulaReadsACellOfAnotherSheetAndFollowsIt) {
     two.Enter("A1", "5");
@@ -301,9 +289,7 @@ TEST(Workbook, HasAtMost255Sheets) {
     EXPECT_EQ(book.At(0).Text("A1"), "3");
 }
 
-TEST(Workbook, OneIdleCallComputesAllSheets) {
-    Workbook book("C");
-    Sheet &one = book.Add("One"), &two = book.Add("Two");
+TEST_F(ThreeSheets, OneIdleCallComputesAllSheets) {
     one.Enter("A1", "1");
     for (int row = 0; row < 200; ++row) two.Enter(Place{0, row}, "=One!A1");
     one.Enter("A1", "2");
@@ -351,9 +337,7 @@ TEST(Workbook, RandomEditsGiveWhatAFreshWorkbookGives) {
     }
 }
 
-TEST(Workbook, RecalculatingTheDependentsOfAnItemGoesThroughTheOrderOfTheWorkbook) {
-    Workbook book("C");
-    Sheet &one = book.Add("One"), &two = book.Add("Two");
+TEST_F(ThreeSheets, RecalculatingTheDependentsOfAnItemGoesThroughTheOrderOfTheWorkbook) {
     one.Enter("A1", "1");
     one.Enter("B1", "=A1*2");
     two.Enter("A1", "=One!A1*3");

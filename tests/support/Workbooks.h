@@ -1,9 +1,12 @@
-// What tests of workbooks share: places by name, and all that a user can see.
+// What tests of workbooks share: a workbook to work on, places by name, all that a user can see,
+// and the bytes of documents.
 #pragma once
 
 #include "host/Workbook.h"
 
+#include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace cells::test {
 
@@ -24,5 +27,22 @@ inline std::string Shown(host::Workbook & book) {
     for (int i = 0; i < book.Count(); ++i) shown += book.NameOf(i) + "\n" + Shown(book.At(i));
     return shown;
 }
+
+inline std::string BytesOf(host::Workbook const & book) {
+    std::string bytes;
+    book.Write([&](std::string_view piece) { bytes += piece; });
+    return bytes;
+}
+
+// A workbook of three empty sheets, which is found sound after each test.
+class ThreeSheets : public testing::Test {
+protected:
+    ~ThreeSheets() override { EXPECT_EQ(book.CheckInvariants(), std::vector<std::string>()); }
+
+    host::Workbook book{"C"};
+    host::Sheet & one = book.Add("One");
+    host::Sheet & two = book.Add("Two");
+    host::Sheet & three = book.Add("Three");
+};
 
 } // namespace cells::test
