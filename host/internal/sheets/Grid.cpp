@@ -1,6 +1,8 @@
 #include "host/internal/sheets/Grid.h"
 
+#include "cells/Guards.h"
 #include "formula/CCFormula.h"
+#include "host/internal/sheets/SheetManager.h"
 #include "values/ValueCompare.h"
 
 #include <utility>
@@ -79,9 +81,28 @@ CellView::CellView(Grid const & grid, Place place) : m_Cell(grid.FindCell(place)
     m_Cell = &*m_Number;
 }
 
+// A formula that turns from one place to another leaves the dependents of the first, although
+// another part of it may read that place, too: then it registers anew.
+template <typename Work>
+void GridCell::ComputeAndFollow(CTX * ctx, Work && compute) {
+    unsigned const before = SheetManager::Departures();
+    compute();
+    CCFormula const * const tree =
+        SheetManager::Departures() != before && IsValidFormula() ? LoadFormula(ctx) : nullptr;
+    if (!tree || !HasPart(*tree, kRefOpFormula)) return;
+    internal::DirtyMarkGuard const silent(ctx->manager());
+    RegisterFormula(ctx);
+}
+
 void GridCell::Recalc(CTX * ctx) {
     if (CCFormula * tree = LoadFormula(ctx)) tree->ForgetChoices();
-    CCCell::Recalc(ctx);
+    ComputeAndFollow(ctx, [&] { CCCell::Recalc(ctx); });
+}
+
+int GridCell::SetFormula(CTX * ctx, CCFormula const * formula, int quiet) {
+    int done = 0;
+    ComputeAndFollow(ctx, [&] { done = CCCell::SetFormula(ctx, formula, quiet); });
+    return done;
 }
 
 void GridCell::Empty(CTX * ctx) {

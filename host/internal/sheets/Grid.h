@@ -34,6 +34,7 @@ public:
     // What a formula picks is checked anew each time, so that it gives what it would give if it
     // were entered now.
     void Recalc(CTX * ctx) override;
+    int SetFormula(CTX * ctx, CCFormula const * formula, int quiet) override;
     // An entry equal to the edit text of a number, an error or a formula leaves it as it is, also
     // where the text alone would read otherwise: a number under a date format, or in hex.
     void SetText(CTX * ctx, wchar_t const * text, int quiet) override;
@@ -58,6 +59,9 @@ public:
     }
 
 private:
+    template <typename Work>
+    void ComputeAndFollow(CTX * ctx, Work && compute);
+
     CCRCRef m_Ref;
     Grid * m_pGrid = nullptr;
 };

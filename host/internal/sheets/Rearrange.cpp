@@ -121,12 +121,6 @@ private:
     bool m_Changed = false;
 };
 
-// Whether what a formula reads may change although its text does not: it names places while it is
-// computed, or by a name.
-bool MayMove(CCFormula const & formula) {
-    return HasPart(formula, kRefOpFormula) || HasName(formula);
-}
-
 // A formula that leaves the graph for the time of the change.
 struct Affected {
     SheetManager * sheet;

@@ -59,6 +59,10 @@ std::vector<std::string> LinksOf(CCFormula const & formula) {
     return documents;
 }
 
+bool MayMove(CCFormula const & formula) {
+    return HasPart(formula, kRefOpFormula) || HasName(formula);
+}
+
 bool HasName(CCFormula const & formula) {
     return AnyPart(formula, [](CCFormula const & node) {
         if (node.GetType() != kRefFormula) return false;
@@ -316,8 +320,11 @@ int SheetManager::RegisterDependent(CCRef const * ref, CCRef const * dependent) 
     return 1;
 }
 
+unsigned SheetManager::s_nDepartures = 0;
+
 int SheetManager::UnRegisterDependent(CCRef const * ref, CCRef const * dependent) {
     if (!ref || !dependent) return 0;
+    ++s_nDepartures;
     if (ref->GetType() == kRefName) {
         auto const name = m_Names.find(Folded(static_cast<CCNameRef const *>(ref)->name()));
         if (name != m_Names.end())
@@ -400,7 +407,7 @@ std::vector<GridCell *> SheetManager::CellsWithoutTarget() {
     }
     for (GridCell * cell : m_Grid.CircularCells()) {
         CCFormula const * const formula = cell->LoadFormula(this);
-        if (formula && HasName(*formula)) cells.push_back(cell);
+        if (formula && MayMove(*formula)) cells.push_back(cell);
     }
     return cells;
 }

@@ -78,6 +78,10 @@ public:
         if (onChanged) onChanged(place);
     }
 
+    // How often a dependent was taken out of any sheet: a formula that is computed meanwhile may
+    // have turned to another place.
+    static unsigned Departures() { return s_nDepartures; }
+
     // Whether protection hides a cell of the area.
     bool Conceals(Area const & area) const;
 
@@ -175,8 +179,10 @@ private:
     void Redefine(CString const & name, std::unique_ptr<CCRef> target);
     static CString Folded(CString name);
     // The formulas that a name which comes or goes may concern without being its users: those that
-    // computed a place that there is none, and those that are circular by a name.
+    // computed a place that there is none, and those that are circular.
     std::vector<GridCell *> CellsWithoutTarget();
+
+    static unsigned s_nDepartures;
 
     LCTX m_Locale;
     Book * m_Book = nullptr;
@@ -199,5 +205,8 @@ bool HasPart(CCFormula const & formula, EFormulaType type);
 std::vector<std::string> LinksOf(CCFormula const & formula);
 // Whether a part of the formula is a name.
 bool HasName(CCFormula const & formula);
+// Whether what a formula reads may change although its text does not: it names places while it is
+// computed, or by a name.
+bool MayMove(CCFormula const & formula);
 
 } // namespace cells::host
