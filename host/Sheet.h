@@ -196,7 +196,7 @@ private:
     bool Format(Area const & area, CCCellFormat const & format);
 
     std::unique_ptr<SheetManager> m_Manager;
-    std::unique_ptr<History> m_History; // of a sheet of its own
+    std::shared_ptr<History> m_History; // of a sheet of its own
     std::function<bool(int, int)> m_Progress;
     bool m_Cancelled = false;
 };

@@ -121,7 +121,7 @@ private:
     kbt::multilang::CLocaleInfo const & m_Locale;
     std::unique_ptr<Book> m_Book; // outlives the sheets
     std::vector<std::unique_ptr<Sheet>> m_Sheets;
-    std::unique_ptr<History> m_History;
+    std::shared_ptr<History> m_History;
 };
 
 } // namespace cells::host

@@ -226,6 +226,21 @@ TEST_F(BookHistory, ASheetOfAWorkbookDoesNotSwitchIt) {
     EXPECT_TRUE(book.Undo());
 }
 
+TEST_F(BookHistory, ASwitchWhileALoadIsOpenForgetsTheLoad) {
+    for (int steps : {0, 5}) {
+        book.KeepHistory(10);
+        {
+            Sheet::Bulk load(one);
+            load.Enter(P("A1"), "1");
+            book.KeepHistory(steps);
+            load.Enter(P("A2"), "=A1+1");
+            load.Commit();
+        }
+        EXPECT_EQ(one.Text("A2"), "2") << steps;
+        EXPECT_FALSE(book.Undo()) << steps;
+    }
+}
+
 TEST(History, EditsOfARemovedSheetComeBackWithIt) {
     auto const book = Sample();
     book->KeepHistory(10);

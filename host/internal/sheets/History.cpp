@@ -108,7 +108,7 @@ void History::Push(Edit edit) {
 Recording::Recording(SheetManager & sheet) {
     History * const history = sheet.history;
     if (!history || history->m_Replaying) return;
-    m_History = history;
+    m_History = history->shared_from_this();
     Open();
 }
 

@@ -29,7 +29,7 @@ struct SheetFacts {
     CString password;
 };
 
-class History {
+class History : public std::enable_shared_from_this<History> {
 public:
     // So many edits are kept, and no more bytes of cells than the second number.
     explicit History(std::size_t steps, std::size_t bytes = std::size_t(256) << 20)
@@ -84,7 +84,8 @@ public:
 private:
     History::Edit & Open();
 
-    History * m_History = nullptr; // null: nothing is recorded here
+    // Null: nothing is recorded here. Shared, as another history may take its place meanwhile.
+    std::shared_ptr<History> m_History;
     History::Edit m_Edit;
 };
 

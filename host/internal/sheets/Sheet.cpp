@@ -130,7 +130,7 @@ void Sheet::TouchEntry(Recording & recording, Place place) {
 
 void Sheet::KeepHistory(int steps) {
     if (m_Manager->GetWorkbook()) return;
-    m_History = steps > 0 ? std::make_unique<History>(std::size_t(steps)) : nullptr;
+    m_History = steps > 0 ? std::make_shared<History>(std::size_t(steps)) : nullptr;
     m_Manager->history = m_History.get();
 }
 

@@ -166,7 +166,7 @@ void Workbook::Rename(int position, std::string_view name) {
 }
 
 void Workbook::KeepHistory(int steps) {
-    m_History = steps > 0 ? std::make_unique<History>(std::size_t(steps)) : nullptr;
+    m_History = steps > 0 ? std::make_shared<History>(std::size_t(steps)) : nullptr;
     for (auto const & sheet : m_Sheets) sheet->m_Manager->history = m_History.get();
 }
 
